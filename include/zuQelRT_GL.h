@@ -1,0 +1,170 @@
+/* Synthetic shallow depth of field (bokeh) for a camera with a stereo depth
+ * chip.
+ *
+ * There is one session per process. Start it with zuQelRT_GLInitV1, render
+ * frames with zuQelRT_GLStartV1 (from a blur-weight map) or
+ * zuQelRT_GLStartV1HWDepth (from the chip's disparity map), end it with
+ * zuQelRT_GLClose.
+ *
+ * Threads: initialisation, frames and close belong to one thread, the one on
+ * which the session's OpenGL ES 2.0 context is current; they must not overlap.
+ * zuQelRT_SetParameter may be called from any thread.
+ *
+ * Memory: the library keeps no pointer of the caller's after a call returns. It
+ * reads and writes only the bytes that each function names; a position given by
+ * the caller (focus point, focus rectangle) may lie anywhere.
+ *
+ * Every call returns a status, ZUQEL_SUCCESS or one of the codes below.
+ */
+#ifndef ZUQELRT_GL_H_
+#define ZUQELRT_GL_H_
+
+#include <stdint.h>
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+#pragma GCC visibility push(default)
+
+/* Status codes. */
+#define ZUQEL_SUCCESS 0x0000u
+#define ZUQEL_BUFFER_TOO_SMALL 0x2003u
+#define ZUQEL_NULL_POINTER 0x2004u
+#define ZUQEL_BAD_CAMERA_LAYOUT 0x200Cu
+#define ZUQEL_PARAMETER_REFUSED 0x200Du
+#define ZUQEL_INIT_REFUSED 0x200Eu
+/* Calibration, returned by initialisation. */
+#define ZUQEL_CALIB_BAD_LENGTH 0x6002u    /* length matches no container */
+#define ZUQEL_CALIB_NOT_DECRYPTED 0x6004u /* an encrypted record */
+#define ZUQEL_CALIB_NO_BLOCK 0x600Au      /* both blocks are null */
+#define ZUQEL_CALIB_NO_PAYLOAD 0x600Bu    /* none in the second block */
+#define ZUQEL_CALIB_NO_KEY 0x600Cu        /* none in the second block */
+
+/* What a session is made for; copied by initialisation. Sizes are in pixels; a
+ * negative size counts as 0. */
+typedef struct GLInitInfo {
+  int32_t PreviewWidth; /* the camera image of each frame call */
+  int32_t PreviewHeight;
+  int32_t DepthWidth; /* the disparity map */
+  int32_t DepthHeight;
+  int32_t WorkWidth; /* the weight map and the passes that make it */
+  int32_t WorkHeight;
+  int32_t OutputWidth;  /* the rendered output; follows the preview size when */
+  int32_t OutputHeight; /* `offmode` is non-zero */
+  int32_t PortraitMode; /* non-zero turns the output by a quarter */
+  int32_t offmode;   /* non-zero: off screen. The library makes a context when
+                        the thread has none, and writes each result back into
+                        the caller's planes. 0: the caller's context is
+                        current, and the result goes to its default
+                        framebuffer as RGB. */
+  int32_t srcformat; /* layout of the chroma plane, see zuQelRT_GLStartV1 */
+  int32_t GraphicBufferFlag; /* non-zero: read results through graphic buffers,
+                                where the device can */
+} GLInitInfo;
+
+/* Values for zuQelRT_SetParameter; each id reads its own word. The whole record
+ * must be readable. */
+typedef struct ParameterInfo {
+  int32_t Reserved0;
+  int32_t GsensorValue; /* id 0 */
+  int32_t VcmValue;     /* id 1: lens position */
+  int32_t Reserved3;
+  int32_t FadeInEnable; /* id 2: non-zero is on */
+  int32_t PortraitMode; /* id 3: non-zero is portrait */
+} ParameterInfo;
+
+/* Focus rectangle in image pixels; `right` and `bottom` lie outside of it. */
+typedef struct FocusRect {
+  int32_t x, y, right, bottom;
+} FocusRect;
+
+/* Sets the arrangement of the camera module, 1 to 4 (1 at load). It counts from
+ * the next initialisation on. ZUQEL_BAD_CAMERA_LAYOUT for any other value. */
+uint32_t zuQelRT_CameraLayout_Set(int32_t layout);
+
+/* Writes the arrangement to `layout`. ZUQEL_NULL_POINTER when it is null. */
+uint32_t zuQelRT_CameraLayout_Get(uint32_t* layout);
+
+/* Sets one value of the running session: id 0 the G-sensor, 1 the lens
+ * position, 2 the fade-in effect, 3 portrait mode; any other id does nothing.
+ * Returns ZUQEL_SUCCESS, but for id 0: 4 for a non-zero value and 1 for zero,
+ * both of which mean success. ZUQEL_PARAMETER_REFUSED when no session runs,
+ * ZUQEL_NULL_POINTER when `info` is null. */
+uint32_t zuQelRT_SetParameter(int32_t id, const ParameterInfo* info);
+
+/* Writes the version text, eight bytes with its zero, to `buffer`.
+ * ZUQEL_BUFFER_TOO_SMALL when `size` is below 256 (tested first),
+ * ZUQEL_NULL_POINTER when `buffer` is null. */
+uint32_t zuQel_GLVersionInfo_Get(char* buffer, int32_t size);
+
+/* Starts a session.
+ *
+ * `calibA` (`calibASize` bytes) is the camera module's calibration container,
+ * `calibB` (`calibBSize` bytes) a second block with a key; either may be null,
+ * not both. A container is recognised by its length alone.
+ * With `offmode` 0 the caller's OpenGL ES 2.0 context must be current.
+ *
+ * ZUQEL_INIT_REFUSED when a session runs or memory does not suffice;
+ * ZUQEL_NULL_POINTER when `info` is null; a calibration code as it stands.
+ * After a refusal the session's mode is what it was. */
+uint32_t zuQelRT_GLInitV1(const uint8_t* calibA, uint32_t calibASize,
+                          const uint8_t* calibB, uint32_t calibBSize,
+                          const GLInitInfo* info);
+
+/* Ends the session and releases what it holds; harmless when none runs. */
+uint32_t zuQelRT_GLClose(void);
+
+/* Renders one frame from a blur-weight map.
+ *
+ * `a_pucInputImage`: luma, PreviewWidth x PreviewHeight bytes. With `offmode`
+ * it receives the result. `a_pucInputCbCrImage`: chroma, PreviewWidth x
+ * (PreviewHeight / 2) bytes; with `offmode` it receives the result. By
+ * `srcformat`: 0: NV21, V then U for each 2x2 pixels; 2: two planes of half
+ * width and height, V then U; 7: rows of PreviewWidth bytes, V then U at the
+ * first two of four bytes for each 4x4 pixels; others: not read; the image
+ * rendered is the session's packed frame. `weightMap`: WorkWidth x WorkHeight
+ * bytes; 0 keeps a pixel sharp, 255 blurs it fully. Null keeps the map of the
+ * frame before. `focusX`, `focusY`: focus point in image pixels. `bypass`:
+ * non-zero renders no bokeh. With `offmode` the planes stay as they are.
+ * `rect`: focus rectangle; taken when larger than 31 x 31 and inside the image.
+ *   Its centre, else the focus point, is where the focus dot is drawn when the
+ *   property "persist.zu.LVGLbokeh.FocusDot" was set at initialisation.
+ * `fNumber`: clamped to 1 (strongest blur) .. 10 (hardly any).
+ *
+ * With `offmode` 0 the frame is converted to RGB inside a fixed viewport of
+ * 1280 x 960, so that is the preview size it is meant for.
+ *
+ * ZUQEL_NULL_POINTER when a plane is null (not looked at in off-screen bypass).
+ */
+uint32_t zuQelRT_GLStartV1(uint8_t* a_pucInputImage,
+                           uint8_t* a_pucInputCbCrImage,
+                           const uint8_t* weightMap, uint32_t focusX,
+                           uint32_t focusY, int32_t bypass, FocusRect rect,
+                           float fNumber);
+
+/* Renders one frame from the depth chip's disparity map: the range of the map
+ * and the disparity under the focus point give the weights. The rest is as in
+ * zuQelRT_GLStartV1, but `srcformat` 2 has no case of its own: its luma is
+ * taken for all three channels.
+ *
+ * `depth`: DepthWidth x DepthHeight values, 10 bits, larger is nearer, 1023
+ * marks a pixel without measurement (so do values above it). Such holes are
+ * filled in place. Null keeps the map, range and focus disparity of the frame
+ * before.
+ *
+ * The weight passes fill their targets only when WorkWidth x WorkHeight is
+ * 320 x 240. */
+uint32_t zuQelRT_GLStartV1HWDepth(uint8_t* a_pucInputImage,
+                                  uint8_t* a_pucInputCbCrImage, uint16_t* depth,
+                                  uint32_t focusX, uint32_t focusY,
+                                  int32_t bypass, FocusRect rect,
+                                  float fNumber);
+
+#pragma GCC visibility pop
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ZUQELRT_GL_H_ */

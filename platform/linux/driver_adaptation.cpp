@@ -1,0 +1,150 @@
+// Stands between the library and the desktop's EGL. The linker sends the
+// library's calls of eglX here as __wrap_eglX; calls made in this file reach
+// the driver.
+#include "driver_adaptation.h"
+
+#include <EGL/egl.h>
+#include <EGL/eglext.h>
+
+#include <array>
+#include <atomic>
+#include <cstdlib>
+#include <vector>
+
+namespace zuqel::driver {
+namespace {
+
+struct CallState {
+  std::atomic<int> count{0};
+  std::atomic<bool> fails{false};
+};
+
+std::array<CallState, static_cast<size_t>(Call::kCount)> call_states;
+std::atomic<bool> error_is_pending{false};
+
+// Counts a call; true when it has to fail.
+bool Fails(Call call) {
+  CallState& state = call_states[static_cast<size_t>(call)];
+  state.count += 1;
+  if (!state.fails) return false;
+  error_is_pending = true;
+  return true;
+}
+
+bool IsSet(const char* variable) {
+  const char* value = std::getenv(variable);
+  return value != nullptr && value[0] != '\0';
+}
+
+// Without a window system the default display cannot be opened; the surfaceless
+// platform can.
+EGLDisplay SurfacelessDisplay() {
+  const auto get_platform_display =
+      reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(
+          eglGetProcAddress("eglGetPlatformDisplayEXT"));
+  if (get_platform_display == nullptr) return EGL_NO_DISPLAY;
+  return get_platform_display(EGL_PLATFORM_SURFACELESS_MESA,
+                              EGL_DEFAULT_DISPLAY, nullptr);
+}
+
+// The same attribute list without the window bit: no config can draw to windows
+// where there are none.
+std::vector<EGLint> WithoutWindowBit(const EGLint* attributes) {
+  std::vector<EGLint> changed;
+  for (; *attributes != EGL_NONE; attributes += 2) {
+    const bool is_type = attributes[0] == EGL_SURFACE_TYPE;
+    changed.push_back(attributes[0]);
+    changed.push_back(is_type ? attributes[1] & ~EGL_WINDOW_BIT
+                              : attributes[1]);
+  }
+  changed.push_back(EGL_NONE);
+  return changed;
+}
+
+}  // namespace
+
+void SetFailing(Call call, bool fails) {
+  call_states[static_cast<size_t>(call)].fails = fails;
+}
+
+int CallCount(Call call) {
+  return call_states[static_cast<size_t>(call)].count;
+}
+
+}  // namespace zuqel::driver
+
+using zuqel::driver::Call;
+using zuqel::driver::Fails;
+
+extern "C" {
+
+EGLDisplay __wrap_eglGetDisplay(EGLNativeDisplayType native) {
+  if (Fails(Call::kGetDisplay)) return EGL_NO_DISPLAY;
+  if (native == EGL_DEFAULT_DISPLAY && !zuqel::driver::IsSet("DISPLAY") &&
+      !zuqel::driver::IsSet("WAYLAND_DISPLAY")) {
+    EGLDisplay display = zuqel::driver::SurfacelessDisplay();
+    if (display != EGL_NO_DISPLAY) return display;
+  }
+  return eglGetDisplay(native);
+}
+
+EGLBoolean __wrap_eglInitialize(EGLDisplay display, EGLint* major,
+                                EGLint* minor) {
+  if (Fails(Call::kInitialize)) return EGL_FALSE;
+  // The software renderer's fast 8-bit filter rounds each channel by itself,
+  // which tears a 16-bit value packed in two channels apart.
+  setenv("GALLIVM_PERF", "no_aos_sampling", 0);
+  return eglInitialize(display, major, minor);
+}
+
+EGLBoolean __wrap_eglChooseConfig(EGLDisplay display, const EGLint* attributes,
+                                  EGLConfig* configs, EGLint size,
+                                  EGLint* count) {
+  if (Fails(Call::kChooseConfig)) return EGL_FALSE;
+  const EGLBoolean chosen =
+      eglChooseConfig(display, attributes, configs, size, count);
+  if (chosen != EGL_TRUE || *count != 0) return chosen;
+  const std::vector<EGLint> changed =
+      zuqel::driver::WithoutWindowBit(attributes);
+  return eglChooseConfig(display, changed.data(), configs, size, count);
+}
+
+EGLSurface __wrap_eglCreatePbufferSurface(EGLDisplay display, EGLConfig config,
+                                          const EGLint* attributes) {
+  if (Fails(Call::kCreatePbufferSurface)) return EGL_NO_SURFACE;
+  return eglCreatePbufferSurface(display, config, attributes);
+}
+
+EGLContext __wrap_eglCreateContext(EGLDisplay display, EGLConfig config,
+                                   EGLContext share, const EGLint* attributes) {
+  if (Fails(Call::kCreateContext)) return EGL_NO_CONTEXT;
+  return eglCreateContext(display, config, share, attributes);
+}
+
+EGLBoolean __wrap_eglMakeCurrent(EGLDisplay display, EGLSurface draw,
+                                 EGLSurface read, EGLContext context) {
+  if (Fails(Call::kMakeCurrent)) return EGL_FALSE;
+  return eglMakeCurrent(display, draw, read, context);
+}
+
+EGLBoolean __wrap_eglDestroySurface(EGLDisplay display, EGLSurface surface) {
+  if (Fails(Call::kDestroySurface)) return EGL_FALSE;
+  return eglDestroySurface(display, surface);
+}
+
+EGLBoolean __wrap_eglDestroyContext(EGLDisplay display, EGLContext context) {
+  if (Fails(Call::kDestroyContext)) return EGL_FALSE;
+  return eglDestroyContext(display, context);
+}
+
+EGLBoolean __wrap_eglTerminate(EGLDisplay display) {
+  if (Fails(Call::kTerminate)) return EGL_FALSE;
+  return eglTerminate(display);
+}
+
+EGLint __wrap_eglGetError() {
+  if (zuqel::driver::error_is_pending.exchange(false)) return EGL_BAD_ALLOC;
+  return eglGetError();
+}
+
+}  // extern "C"

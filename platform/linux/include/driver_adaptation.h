@@ -1,0 +1,31 @@
+// Counts the calls that the library makes to the desktop's EGL, and makes
+// chosen ones fail, so that tests can walk through a driver's failures.
+#ifndef PLATFORM_LINUX_DRIVER_ADAPTATION_H_
+#define PLATFORM_LINUX_DRIVER_ADAPTATION_H_
+
+namespace zuqel::driver {
+
+enum class Call {
+  kChooseConfig,
+  kCreateContext,
+  kCreatePbufferSurface,
+  kDestroyContext,
+  kDestroySurface,
+  kGetDisplay,
+  kInitialize,
+  kMakeCurrent,
+  kTerminate,
+  kCount,
+};
+
+// Makes every later call of this kind fail without reaching the driver, until
+// it is called again with `fails` false. A call made to fail leaves
+// EGL_BAD_ALLOC for the library's next eglGetError.
+void SetFailing(Call call, bool fails);
+
+// Calls made since the process began, the failed ones included.
+int CallCount(Call call);
+
+}  // namespace zuqel::driver
+
+#endif  // PLATFORM_LINUX_DRIVER_ADAPTATION_H_

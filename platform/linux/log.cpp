@@ -1,0 +1,76 @@
+// The log: messages go to standard error, or to a logger that a program sets.
+#include <android/log.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <mutex>
+#include <string>
+
+namespace {
+
+std::mutex logger_mutex;
+__android_logger_function logger = nullptr;
+std::atomic<int32_t> minimum_priority{ANDROID_LOG_DEFAULT};
+
+char PriorityLetter(int32_t priority) {
+  constexpr char kLetters[] = "??VDIWEFS";
+  return priority >= 0 && priority <= ANDROID_LOG_SILENT ? kLetters[priority]
+                                                         : '?';
+}
+
+void WriteBrief(const __android_log_message& message) {
+  std::fprintf(stderr, "%c/%s(%5d): %s\n", PriorityLetter(message.priority),
+               message.tag, getpid(), message.message);
+}
+
+std::string Format(const char* format, va_list arguments) {
+  va_list again;
+  va_copy(again, arguments);
+  const int length = std::vsnprintf(nullptr, 0, format, arguments);
+  std::string text;
+  if (length > 0) {
+    // The terminating zero goes into the byte that the string keeps for it.
+    text.resize(static_cast<size_t>(length));
+    std::vsnprintf(text.data(), text.size() + 1, format, again);
+  }
+  va_end(again);
+  return text;
+}
+
+}  // namespace
+
+extern "C" {
+
+// The device's own interface is a C variadic function.
+// NOLINTNEXTLINE(cert-dcl50-cpp)
+int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
+  if (prio < minimum_priority) return -EPERM;
+  va_list arguments;
+  va_start(arguments, fmt);
+  const std::string text = Format(fmt, arguments);
+  va_end(arguments);
+
+  const __android_log_message message = {
+      sizeof(__android_log_message), 0, prio, tag, nullptr, 0, text.c_str()};
+  const std::lock_guard lock(logger_mutex);
+  if (logger != nullptr) {
+    logger(&message);
+  } else {
+    WriteBrief(message);
+  }
+  return 1;
+}
+
+int32_t __android_log_set_minimum_priority(int32_t priority) {
+  return minimum_priority.exchange(priority);
+}
+
+void __android_log_set_logger(__android_logger_function new_logger) {
+  const std::lock_guard lock(logger_mutex);
+  logger = new_logger;
+}
+
+}  // extern "C"

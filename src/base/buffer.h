@@ -1,0 +1,69 @@
+// Heap memory that is kept between calls and grows when it has to.
+#ifndef ZUQEL_BASE_BUFFER_H_
+#define ZUQEL_BASE_BUFFER_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <span>
+
+namespace zuqel {
+
+// A size as given by a caller: negative counts as 0.
+inline int32_t NonNegative(int32_t size) {
+  return size < 0 ? 0 : size;
+}
+
+// Bytes of width x height samples, or nothing when they pass 2^31 - 1, which
+// counts as out of memory.
+inline std::optional<size_t> ByteCount(int32_t width, int32_t height,
+                                       int32_t bytes_per_sample) {
+  // Each product is checked: two factors of 31 bits fit 64 bits, three do not.
+  const int64_t samples =
+      static_cast<int64_t>(NonNegative(width)) * NonNegative(height);
+  if (samples > INT32_MAX || samples * bytes_per_sample > INT32_MAX) {
+    return std::nullopt;
+  }
+  return static_cast<size_t>(samples * bytes_per_sample);
+}
+
+class Buffer {
+ public:
+  // Makes sure there are at least `bytes` bytes, zeroed when newly made. False
+  // when there is no memory for them; then the buffer is as it was.
+  [[nodiscard]] bool Reserve(std::optional<size_t> bytes) {
+    if (!bytes) return false;
+    if (bytes_ != nullptr && *bytes <= size_) return true;
+    // One byte at least: an empty buffer that was made is not a missing one.
+    auto* fresh = static_cast<uint8_t*>(std::calloc(*bytes + 1, 1));
+    if (fresh == nullptr) return false;
+    bytes_.reset(fresh);
+    size_ = *bytes;
+    return true;
+  }
+
+  void Release() {
+    bytes_.reset();
+    size_ = 0;
+  }
+
+  [[nodiscard]] bool exists() const { return bytes_ != nullptr; }
+  [[nodiscard]] uint8_t* bytes() const { return bytes_.get(); }
+  [[nodiscard]] size_t size() const { return size_; }
+  [[nodiscard]] std::span<uint32_t> words() const {
+    return {reinterpret_cast<uint32_t*>(bytes_.get()), size_ / 4};
+  }
+
+ private:
+  struct Free {
+    void operator()(uint8_t* bytes) const { std::free(bytes); }
+  };
+  std::unique_ptr<uint8_t, Free> bytes_;
+  size_t size_ = 0;
+};
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_BASE_BUFFER_H_

@@ -1,0 +1,54 @@
+// The camera module's calibration: containers, records, and the values taken.
+#ifndef ZUQEL_CALIB_CALIBRATION_H_
+#define ZUQEL_CALIB_CALIBRATION_H_
+
+#include <array>
+#include <cstdint>
+#include <optional>
+
+namespace zuqel::calib {
+
+// Asks for the record that fits the lens position best.
+inline constexpr uint32_t kByLensPosition = 0xFFFFFFFF;
+
+struct CalibrationInput {
+  // The container, recognised by its length alone. Null or size 0: it is in the
+  // second block.
+  const uint8_t* block_a = nullptr;
+  uint32_t block_a_size = 0;
+  // The key of encrypted records, or null.
+  const uint8_t* block_b = nullptr;
+  uint32_t block_b_size = 0;
+  // Which half of a kind-4 container: 1 and 3 take the second one.
+  int32_t selector = 0;
+  // Lens-actuator position, used with `forced_index` kByLensPosition.
+  int32_t lens_position = 0;
+  // Record of a multi-record container to take, or kByLensPosition.
+  uint32_t forced_index = 0;
+};
+
+struct CalibrationRecord {
+  std::array<uint8_t, 512> bytes = {};
+  uint32_t size = 0;  // 464 or 512
+  int32_t kind = 0;   // 1, 3 or 4
+  uint32_t index = 0;
+};
+
+// Decodes a container and picks one record. Returns 0 or a ZUQEL_CALIB_ code of
+// the public header; after a failure `record` may hold part of a record.
+[[nodiscard]] uint32_t DecodeCalibration(const CalibrationInput& input,
+                                         CalibrationRecord& record);
+
+// What a session keeps of a record.
+struct CameraValues {
+  float focal_length = 0;
+  float focal_length_divisor = 0;
+  float third = 0;
+};
+
+// Nothing for a kind without known places.
+std::optional<CameraValues> TakeCameraValues(const CalibrationRecord& record);
+
+}  // namespace zuqel::calib
+
+#endif  // ZUQEL_CALIB_CALIBRATION_H_

@@ -1,0 +1,19 @@
+// Filling of pixels that the depth chip could not measure.
+#ifndef ZUQEL_DEPTH_DISPARITY_HOLES_H_
+#define ZUQEL_DEPTH_DISPARITY_HOLES_H_
+
+#include <cstdint>
+
+#include "base/plane.h"
+
+namespace zuqel {
+
+// Replaces, in place, each invalid pixel (1023 or more) by the truncated mean
+// of the valid pixels among its eight neighbours: first in raster order, values
+// filled on the way included, then backwards for those that had no valid
+// neighbour. A map without any valid pixel stays as it is.
+void FillDisparityHoles(Plane<uint16_t> disparity);
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_DEPTH_DISPARITY_HOLES_H_
