@@ -10,26 +10,27 @@
 namespace zuqel {
 namespace {
 
-constexpr EGLint kConfigAttributes[] = {EGL_SURFACE_TYPE,
-                                        EGL_WINDOW_BIT | EGL_PBUFFER_BIT,
-                                        EGL_RENDERABLE_TYPE,
-                                        EGL_OPENGL_ES2_BIT,
-                                        EGL_RED_SIZE,
-                                        5,
-                                        EGL_GREEN_SIZE,
-                                        6,
-                                        EGL_BLUE_SIZE,
-                                        5,
-                                        EGL_ALPHA_SIZE,
-                                        EGL_DONT_CARE,
-                                        EGL_DEPTH_SIZE,
-                                        16,
-                                        EGL_STENCIL_SIZE,
-                                        4,
-                                        EGL_NONE};
-constexpr EGLint kPbufferAttributes[] = {EGL_WIDTH, 1, EGL_HEIGHT, 1, EGL_NONE};
-constexpr EGLint kContextAttributes[] = {EGL_CONTEXT_CLIENT_VERSION, 2,
-                                         EGL_NONE};
+constexpr std::array kConfigAttributes = {EGL_SURFACE_TYPE,
+                                          EGL_WINDOW_BIT | EGL_PBUFFER_BIT,
+                                          EGL_RENDERABLE_TYPE,
+                                          EGL_OPENGL_ES2_BIT,
+                                          EGL_RED_SIZE,
+                                          5,
+                                          EGL_GREEN_SIZE,
+                                          6,
+                                          EGL_BLUE_SIZE,
+                                          5,
+                                          EGL_ALPHA_SIZE,
+                                          EGL_DONT_CARE,
+                                          EGL_DEPTH_SIZE,
+                                          16,
+                                          EGL_STENCIL_SIZE,
+                                          4,
+                                          EGL_NONE};
+constexpr std::array kPbufferAttributes = {EGL_WIDTH, 1, EGL_HEIGHT, 1,
+                                           EGL_NONE};
+constexpr std::array kContextAttributes = {EGL_CONTEXT_CLIENT_VERSION, 2,
+                                           EGL_NONE};
 constexpr EGLint kMaxConfigs = 10;
 
 unsigned EglError() {
@@ -66,15 +67,15 @@ void CreateContext(ContextSlot& slot) {
   // fails.
   std::array<EGLConfig, kMaxConfigs> configs = {};
   EGLint config_count = 0;
-  if (eglChooseConfig(slot.display, kConfigAttributes, configs.data(),
+  if (eglChooseConfig(slot.display, kConfigAttributes.data(), configs.data(),
                       kMaxConfigs, &config_count) == EGL_FALSE) {
     ZUQEL_LOG("eglChooseConfig failed");
     return;
   }
   ZUQEL_LOG("eglChooseConfig successfully");
 
-  slot.surface =
-      eglCreatePbufferSurface(slot.display, configs[0], kPbufferAttributes);
+  slot.surface = eglCreatePbufferSurface(slot.display, configs[0],
+                                         kPbufferAttributes.data());
   if (slot.surface == EGL_NO_SURFACE) {
     ZUQEL_LOG("eglCreatePbufferSurface failed - eglGetError Returned: 0x%x",
               EglError());
@@ -83,7 +84,7 @@ void CreateContext(ContextSlot& slot) {
   ZUQEL_LOG("eglCreatePbufferSurface successfully");
 
   slot.context = eglCreateContext(slot.display, configs[0], EGL_NO_CONTEXT,
-                                  kContextAttributes);
+                                  kContextAttributes.data());
   if (slot.context == EGL_NO_CONTEXT) {
     ZUQEL_LOG("eglCreateContext failed - eglGetError Returned: 0x%x",
               EglError());

@@ -3,7 +3,7 @@
 
 #include <EGL/egl.h>
 
-#include <cstring>
+#include <string_view>
 
 namespace zuqel {
 namespace {
@@ -53,11 +53,12 @@ constexpr std::array<GLenum, 3> kSwitches = {GL_SCISSOR_TEST, GL_DEPTH_TEST,
                                              GL_CULL_FACE};
 
 bool IsEs3() {
-  constexpr char kPrefix[] = "OpenGL ES ";
+  constexpr std::string_view kPrefix = "OpenGL ES ";
   const auto* version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
-  return version != nullptr &&
-         std::strncmp(version, kPrefix, sizeof(kPrefix) - 1) == 0 &&
-         version[sizeof(kPrefix) - 1] >= '3';
+  if (version == nullptr) return false;
+  const std::string_view text(version);
+  return text.starts_with(kPrefix) && text.size() > kPrefix.size() &&
+         text[kPrefix.size()] >= '3';
 }
 
 void BindVertexArray(GLint name) {
