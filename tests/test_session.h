@@ -1,7 +1,7 @@
 // Starts sessions, and contexts of a caller's own, for the length of a test.
 // For tests that link the library's objects.
-#ifndef TESTS_TEST_SESSION_H_
-#define TESTS_TEST_SESSION_H_
+#ifndef ZUQEL_TEST_SESSION_H_
+#define ZUQEL_TEST_SESSION_H_
 
 #include <EGL/egl.h>
 #include <zuQelRT_GL.h>
@@ -116,4 +116,4 @@ class CallerContext {
 
 }  // namespace zuqel
 
-#endif  // TESTS_TEST_SESSION_H_
+#endif  // ZUQEL_TEST_SESSION_H_
