@@ -13,6 +13,7 @@
 #include "gl/gl_state.h"
 #include "gl/texture.h"
 #include "pin_driver.h"
+#include "read_pixels.h"
 #include "reference_render.h"
 #include "render/frame_renderer.h"
 #include "render/passes.h"
@@ -49,14 +50,6 @@ Picture Upload(std::span<const uint8_t> bytes, Size size, int channels,
       size.width, size.height, bytes.data(),
       {filter == Filter::kLinear ? GL_LINEAR : GL_NEAREST, GL_CLAMP_TO_EDGE});
   return picture;
-}
-
-std::vector<uint8_t> ReadPixels(GLuint framebuffer, Size size) {
-  std::vector<uint8_t> pixels(size.area() * 4);
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-  glReadPixels(0, 0, size.width, size.height, GL_RGBA, GL_UNSIGNED_BYTE,
-               pixels.data());
-  return pixels;
 }
 
 struct Uniform {
