@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <mutex>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -16,14 +17,15 @@ __android_logger_function logger = nullptr;
 std::atomic<int32_t> minimum_priority{ANDROID_LOG_DEFAULT};
 
 char PriorityLetter(int32_t priority) {
-  constexpr char kLetters[] = "??VDIWEFS";
-  return priority >= 0 && priority <= ANDROID_LOG_SILENT ? kLetters[priority]
-                                                         : '?';
+  constexpr std::string_view kLetters = "??VDIWEFS";
+  const auto index = static_cast<size_t>(priority);
+  return index < kLetters.size() ? kLetters[index] : '?';
 }
 
 void WriteBrief(const __android_log_message& message) {
-  std::fprintf(stderr, "%c/%s(%5d): %s\n", PriorityLetter(message.priority),
-               message.tag, getpid(), message.message);
+  static_cast<void>(std::fprintf(stderr, "%c/%s(%5d): %s\n",
+                                 PriorityLetter(message.priority), message.tag,
+                                 getpid(), message.message));
 }
 
 std::string Format(const char* format, va_list arguments) {
@@ -34,7 +36,8 @@ std::string Format(const char* format, va_list arguments) {
   if (length > 0) {
     // The terminating zero goes into the byte that the string keeps for it.
     text.resize(static_cast<size_t>(length));
-    std::vsnprintf(text.data(), text.size() + 1, format, again);
+    static_cast<void>(
+        std::vsnprintf(text.data(), text.size() + 1, format, again));
   }
   va_end(again);
   return text;

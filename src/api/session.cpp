@@ -1,13 +1,15 @@
 // Holds the session.
 #include "api/session.h"
 
+#include <array>
+#include <cstddef>
 #include <new>
 
 namespace zuqel {
 
 Session& TheSession() {
-  alignas(Session) static unsigned char storage[sizeof(Session)];
-  static auto* session = new (storage) Session;
+  alignas(Session) static std::array<std::byte, sizeof(Session)> storage;
+  static auto* session = new (storage.data()) Session;
   return *session;
 }
 

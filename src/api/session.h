@@ -2,11 +2,18 @@
 #ifndef ZUQEL_API_SESSION_H_
 #define ZUQEL_API_SESSION_H_
 
+#include <EGL/egl.h>
 #include <zuQelRT_GL.h>
 
 #include <atomic>
 #include <cstdint>
 #include <mutex>
+
+#include "api/working_buffers.h"
+#include "base/buffer.h"
+#include "calib/calibration.h"
+#include "gl/context.h"
+#include "render/frame_renderer.h"
 
 namespace zuqel {
 
@@ -14,6 +21,25 @@ namespace zuqel {
 inline constexpr int32_t kModeRunning = 0;
 inline constexpr int32_t kModeClosed = 3;
 inline constexpr int32_t kModeNeverInitialised = 4;
+
+struct FrameCounters {
+  uint32_t dump_number = 0;  // frame calls that reached their end
+  uint32_t frame_index = 0;  // the same, since the last bypass
+  uint32_t frames_since_start = 0;
+  uint32_t frames_at_last_fps_line = 0;
+  uint32_t time_of_last_fps_line = 0;
+};
+
+// What the frame calls keep.
+struct FrameSession {
+  RenderState render;
+  EGLContext render_context = EGL_NO_CONTEXT;  // where its names live
+  Buffer weight_rgba;
+  Buffer depth_rgba;
+  Buffer chroma_scratch;
+  DepthStatistics depth_statistics;
+  FrameCounters counters;
+};
 
 struct Session {
   // Parameters may be set while another thread renders; what both touch is
@@ -29,6 +55,11 @@ struct Session {
   int32_t gsensor_value = 0;
   int32_t vcm_value = 0;
   int32_t FocusDotEnable = 0;
+  calib::CameraValues camera;
+
+  ContextSlot context;
+  WorkingBuffers buffers;
+  FrameSession frame;
 
   // Taken by zuQelRT_SetParameter only.
   std::mutex mutex;

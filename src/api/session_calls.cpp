@@ -2,8 +2,8 @@
 #include <zuQelRT_GL.h>
 
 #include <algorithm>
-#include <iterator>
 #include <mutex>
+#include <string_view>
 
 #include "api/session.h"
 #include "base/log.h"
@@ -12,7 +12,7 @@ namespace {
 
 using zuqel::Session;
 
-constexpr char kVersion[] = "0.54.07";
+constexpr std::string_view kVersion = "0.54.07";
 constexpr int32_t kVersionBufferSize = 256;
 
 // Answers 4 or 1, which both mean success.
@@ -78,6 +78,6 @@ uint32_t zuQelRT_SetParameter(int32_t id, const ParameterInfo* info) {
 uint32_t zuQel_GLVersionInfo_Get(char* buffer, int32_t size) {
   if (size < kVersionBufferSize) return ZUQEL_BUFFER_TOO_SMALL;
   if (buffer == nullptr) return ZUQEL_NULL_POINTER;
-  std::copy(std::begin(kVersion), std::end(kVersion), buffer);
+  *std::copy(kVersion.begin(), kVersion.end(), buffer) = '\0';
   return ZUQEL_SUCCESS;
 }

@@ -1,0 +1,97 @@
+// Filling of invalid pixels from their neighbours, in two scans.
+#include "depth/disparity_holes.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "depth/disparity_range.h"
+
+namespace zuqel {
+namespace {
+
+constexpr bool IsHole(uint16_t value) {
+  return value >= kInvalidDisparity;
+}
+
+// Most pixels are valid: holes are looked for in runs of this many. A constant
+// count makes the test of a run a few vector instructions without a branch.
+constexpr int32_t kRun = 16;
+
+inline bool HasHole(const uint16_t* values, int32_t count) {
+  uint16_t found = 0;
+  for (int32_t x = 0; x < count; ++x) {
+    found = static_cast<uint16_t>(found | (IsHole(values[x]) ? 1 : 0));
+  }
+  return found != 0;
+}
+
+// Offsets from a pixel to the corners of its neighbourhood inside the image.
+struct Window {
+  int32_t left, top, right, bottom;
+
+  bool operator==(const Window&) const = default;
+};
+
+// Fills one hole; false when it has no valid neighbour.
+inline bool FillFrom(Plane<uint16_t> plane, int32_t x, int32_t y,
+                     Window window) {
+  uint32_t sum = 0;
+  uint32_t count = 0;
+  for (int32_t dy = window.top; dy <= window.bottom; ++dy) {
+    for (int32_t dx = window.left; dx <= window.right; ++dx) {
+      const uint16_t value = plane.row(y + dy)[x + dx];
+      const uint32_t valid = IsHole(value) ? 0 : 1;
+      sum += value * valid;
+      count += valid;
+    }
+  }
+  if (count == 0) return false;
+  plane.row(y)[x] = static_cast<uint16_t>(sum / count);
+  return true;
+}
+
+bool FillHole(Plane<uint16_t> plane, int32_t x, int32_t y) {
+  const Window inside = {x > 0 ? -1 : 0, y > 0 ? -1 : 0,
+                         x + 1 < plane.width ? 1 : 0,
+                         y + 1 < plane.height ? 1 : 0};
+  // A constant window turns the loops into straight code.
+  constexpr Window kWhole = {-1, -1, 1, 1};
+  return inside == kWhole ? FillFrom(plane, x, y, kWhole)
+                          : FillFrom(plane, x, y, inside);
+}
+
+// One scan over all pixels, in raster order or in the reverse of it. A hole
+// that gets a value is a valid neighbour from then on, so scanning in place
+// visits the same holes with the same values as a list made beforehand. True
+// when no hole is left.
+bool FillHoles(Plane<uint16_t> plane, bool reverse) {
+  const auto place = [reverse](int32_t step, int32_t steps) {
+    return reverse ? steps - 1 - step : step;
+  };
+  bool filled = true;
+  for (int32_t i = 0; i < plane.height; ++i) {
+    const int32_t y = place(i, plane.height);
+    const uint16_t* row = plane.row(y);
+    for (int32_t begin = 0; begin < plane.width; begin += kRun) {
+      const int32_t count = std::min(kRun, plane.width - begin);
+      const int32_t first = reverse ? plane.width - begin - count : begin;
+      const bool has_hole = count == kRun ? HasHole(row + first, kRun)
+                                          : HasHole(row + first, count);
+      if (!has_hole) continue;
+      for (int32_t j = 0; j < count; ++j) {
+        const int32_t x = first + place(j, count);
+        if (IsHole(row[x]) && !FillHole(plane, x, y)) filled = false;
+      }
+    }
+  }
+  return filled;
+}
+
+}  // namespace
+
+void FillDisparityHoles(Plane<uint16_t> disparity) {
+  const bool filled = FillHoles(disparity, /*reverse=*/false);
+  if (!filled) FillHoles(disparity, /*reverse=*/true);
+}
+
+}  // namespace zuqel

@@ -1,0 +1,41 @@
+// Caller's GL state that would bend the library's draws and transfers.
+#ifndef ZUQEL_GL_GL_STATE_H_
+#define ZUQEL_GL_GL_STATE_H_
+
+#include <GLES2/gl2.h>
+
+#include <array>
+#include <cstddef>
+
+namespace zuqel {
+
+// While it lives, draws take their vertices from client memory and fill whole
+// viewports, and transfers move rows without padding from and to client memory:
+// no buffer objects (nor, in an ES 3 context, a vertex array or pixel buffers),
+// pixel-store values at their plainest, scissor, depth test and face culling
+// off, all colours written. Its end puts everything back.
+// Blending, clear colour, viewport, and bindings of framebuffer, program and
+// textures are not touched.
+class PlainGlState {
+ public:
+  PlainGlState();
+  ~PlainGlState();
+  PlainGlState(const PlainGlState&) = delete;
+  PlainGlState& operator=(const PlainGlState&) = delete;
+
+ private:
+  static constexpr size_t kSwitchCount = 3;
+  static constexpr size_t kPixelStoreCount = 8;
+  static constexpr size_t kBufferCount = 4;
+
+  bool is_es3_;
+  GLint vertex_array_ = 0;
+  std::array<GLint, kBufferCount> buffers_ = {};
+  std::array<GLint, kPixelStoreCount> pixel_store_ = {};
+  std::array<GLboolean, kSwitchCount> switches_ = {};
+  std::array<GLboolean, 4> colour_mask_ = {};
+};
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_GL_GL_STATE_H_

@@ -1,0 +1,33 @@
+// Storage and sampling of textures.
+#ifndef ZUQEL_GL_TEXTURE_H_
+#define ZUQEL_GL_TEXTURE_H_
+
+#include <GLES2/gl2.h>
+
+#include <cstdint>
+
+namespace zuqel {
+
+struct TextureSampling {
+  GLint filter = GL_LINEAR;
+  GLint wrap = GL_CLAMP_TO_EDGE;
+};
+
+// Binds `texture` to the active unit and gives it an image of unsigned bytes.
+// `format` is GL_RGBA, GL_LUMINANCE_ALPHA or GL_LUMINANCE; `pixels` are rows
+// without padding, or null for storage without content. Needs PlainGlState.
+inline void UploadTexture(GLuint texture, GLint format, int32_t width,
+                          int32_t height, const void* pixels,
+                          TextureSampling sampling) {
+  glBindTexture(GL_TEXTURE_2D, texture);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, sampling.wrap);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, sampling.wrap);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, sampling.filter);
+  glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, sampling.filter);
+  glTexImage2D(GL_TEXTURE_2D, 0, format, width, height, 0,
+               static_cast<GLenum>(format), GL_UNSIGNED_BYTE, pixels);
+}
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_GL_TEXTURE_H_

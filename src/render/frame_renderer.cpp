@@ -1,0 +1,140 @@
+// The order of passes of a frame.
+#include "render/frame_renderer.h"
+
+#include "base/clock.h"
+#include "base/log.h"
+#include "render/plane_conversion.h"
+
+namespace zuqel {
+namespace {
+
+constexpr ImageSize kBlurSize = {kReducedWidth, kReducedHeight};
+
+// Time since the reading before, for the lines that close a step.
+class StepClock {
+ public:
+  int Lap() {
+    const uint32_t now = MillisecondClock();
+    const auto elapsed = static_cast<int>(now - last_);
+    last_ = now;
+    return elapsed;
+  }
+
+ private:
+  uint32_t last_ = MillisecondClock();
+};
+
+// From 3.6 texels at f/1 down to 0.1 at f/10; also 0.1 for no number.
+float BlurScale(float f_number) {
+  const auto scale = static_cast<float>((1 - 0.1 * f_number) * 4);
+  return scale > 0 ? scale : 0.1F;
+}
+
+// Ready textures are sampled as they are, others through the work image. With
+// depth from the chip, three planes have no case of their own.
+bool IsReadyTexture(const FrameJob& job) {
+  if (!job.off_screen || job.source_format == kFormatNv21) return false;
+  return job.depth != nullptr || job.source_format != kFormatPlanar;
+}
+
+GLuint ImageTexture(const RenderState& state, const FrameJob& job) {
+  return IsReadyTexture(job) ? state.inputs[kInputY].get()
+                             : state.targets.texture(kWorkImage);
+}
+
+void BlurImage(const RenderState& state, const FrameJob& job, float scale) {
+  if (job.off_screen && job.source_format == kFormatNv21) {
+    PassNv21Pack(state, job.image);
+  } else if (job.off_screen && !IsReadyTexture(job)) {
+    PassPlanarYuvPack(state, job.image);
+  }
+  PassSeparableBlur(state, ImageTexture(state, job),
+                    state.targets.framebuffer(kBlurredImage), kBlurSize, scale);
+}
+
+// Weights from depth, cleaned of blurred specks below three pixels by an
+// opening, and softened.
+void MakeWeights(const RenderState& state, const FrameJob& job, float scale) {
+  PassDepthWeight(state, job.work,
+                  {.mouse_x = static_cast<float>(job.focus_x) /
+                              static_cast<float>(job.image.width),
+                   .mouse_y = static_cast<float>(job.focus_y) /
+                              static_cast<float>(job.image.height),
+                   .focus_plane = static_cast<float>(job.depth->focus),
+                   .min_depth = static_cast<float>(job.depth->min),
+                   .max_depth = static_cast<float>(job.depth->max),
+                   .focal_length = job.focal_length});
+  PassPick3x3(state, ProgramRole::Min3x3Program,
+              state.targets.texture(kWeights),
+              state.targets.framebuffer(kErodedWeights), job.work);
+  PassPick3x3(state, ProgramRole::Max3x3Program,
+              state.targets.texture(kErodedWeights),
+              state.targets.framebuffer(kWeights), job.work);
+  PassSeparableBlur(state, state.targets.texture(kWeights),
+                    state.targets.framebuffer(kBlurredWeights), job.work,
+                    scale);
+}
+
+void Composite(const RenderState& state, const FrameJob& job) {
+  const CompositeInputs inputs = {
+      .framebuffer =
+          job.off_screen ? state.targets.framebuffer(kOutputTarget) : 0,
+      .image_texture = ImageTexture(state, job),
+      .weight_texture = job.depth != nullptr
+                            ? state.targets.texture(kBlurredWeights)
+                            : state.inputs[kInputRefocus].get(),
+      .output = job.output};
+  const Quad& unturned = job.off_screen ? kQuadUpright : kQuadFlipCrop;
+  PassComposite(state, inputs, job.portrait ? kQuadRotate : unturned);
+}
+
+}  // namespace
+
+void CreateRenderState(RenderState& state, ImageSize preview) {
+  for (Texture& input : state.inputs) input.Generate();
+  state.targets.Create(preview.width, preview.height);
+  state.programs.BuildAll();
+}
+
+void DeleteRenderState(RenderState& state) {
+  for (Texture& input : state.inputs) input.Delete();
+  state.targets.DeleteTextures();
+  state.targets.DeleteFramebuffers();
+  state.programs.DeleteAll();
+}
+
+void ForgetRenderState(RenderState& state) {
+  for (Texture& input : state.inputs) input.Forget();
+  state.targets.Forget();
+  state.programs.Forget();
+}
+
+void RenderFrame(const RenderState* state, const FrameJob& job) {
+  StepClock clock;
+  ZUQEL_LOG("*VX* zuQelRT_GL initialize shader_bypass(1) = %d (ms)",
+            clock.Lap());
+  if (state != nullptr && !job.off_screen) PassNv21ToRgb(*state);
+  if (job.bypass) {
+    if (state != nullptr && !job.off_screen) {
+      PassBypass(*state, job.output, job.portrait);
+    }
+    return;
+  }
+
+  ZUQEL_LOG("*VX* zuQelRT_GL minimize depth shader_bypass(2) = %d (ms)",
+            clock.Lap());
+  const float scale = BlurScale(job.f_number);
+  ZUQEL_LOG("f number = %f, scale = %f", static_cast<double>(job.f_number),
+            static_cast<double>(scale));
+  if (state != nullptr) BlurImage(*state, job, scale);
+  ZUQEL_LOG("*VX* zuQelRT_GL depth blur shader_gauss(1) = %d (ms)",
+            clock.Lap());
+
+  if (state != nullptr && job.depth != nullptr) MakeWeights(*state, job, scale);
+  ZUQEL_LOG("*VX* zuQelRT_GL minimize depth shader_bypass(3) = %d (ms)",
+            clock.Lap());
+  if (state != nullptr) Composite(*state, job);
+  ZUQEL_LOG("*VX* zuQelRT_GL refocus(2) = %d (ms)", clock.Lap());
+}
+
+}  // namespace zuqel
