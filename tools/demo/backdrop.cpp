@@ -9,6 +9,10 @@ namespace {
 
 constexpr float kStreet = 610;  // the row on which the town stands
 
+// The chip cannot tell one far thing from another.
+constexpr float kFarDisparity = 60;
+constexpr float kHedgeDisparity = 90;
+
 Colour Sky(float x, float y) {
   constexpr Colour kTop = {0.10F, 0.13F, 0.33F};
   constexpr Colour kMiddle = {0.55F, 0.33F, 0.52F};
@@ -28,14 +32,13 @@ struct HouseRow {
   float window_width, window_height;
   Colour wall;
   float lit;  // share of the windows
-  float disparity;
   int seed;
 };
 
 constexpr HouseRow kRows[] = {
-    {400, 130, 84, 12, 16, {0.15F, 0.12F, 0.22F}, 0.55F, 75, 21},
-    {300, 150, 67, 10, 13, {0.30F, 0.20F, 0.33F}, 0.42F, 60, 31},
-    {200, 190, 52, 8, 10, {0.52F, 0.33F, 0.42F}, 0.25F, 50, 41},
+    {400, 130, 84, 12, 16, {0.15F, 0.12F, 0.22F}, 0.55F, 21},
+    {300, 150, 67, 10, 13, {0.30F, 0.20F, 0.33F}, 0.42F, 31},
+    {200, 190, 52, 8, 10, {0.52F, 0.33F, 0.42F}, 0.25F, 41},
 };
 
 Colour Window(const HouseRow& row, float x, float y, int house) {
@@ -67,7 +70,6 @@ bool PaintHouses(const HouseRow& row, float x, float y, Surface& surface) {
   surface.colour =
       wall_only ? row.wall * shade
                 : Window(row, across * row.house_width, y - roof - 24, house);
-  surface.disparity = row.disparity;
   return true;
 }
 
@@ -84,7 +86,7 @@ bool PaintHedge(float x, float y, Surface& surface) {
   const Colour green = Mix({0.03F, 0.06F, 0.06F}, {0.44F, 0.52F, 0.20F}, light);
   const bool berry = leaf.tone > 0.93F && leaf.distance < 0.5F;
   surface.colour = berry ? Colour{0.95F, 0.42F, 0.22F} : green;
-  surface.disparity = 105;
+  surface.disparity = kHedgeDisparity;
   return true;
 }
 
@@ -128,7 +130,7 @@ void PaintLamps(float x, float y, const Wire& wire, Colour& colour) {
 }  // namespace
 
 Surface PaintBackdrop(float x, float y) {
-  Surface surface = {Sky(x, y), 40};
+  Surface surface = {Sky(x, y), kFarDisparity};
   bool found = PaintHedge(x, y, surface);
   for (const HouseRow& row : kRows) {
     found = found || PaintHouses(row, x, y, surface);

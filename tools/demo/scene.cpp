@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kWidth = 1280, kHeight = 960;
 constexpr int kMapScale = 4;
-constexpr float kStereoShift = 11;  // map pixels
+constexpr float kStereoShift = 8;  // map pixels
 
 class Painter {
  public:

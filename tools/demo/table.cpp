@@ -7,7 +7,7 @@
 namespace zuqel::tools {
 namespace {
 
-constexpr float kHorizon = 470;  // where the planks would meet
+constexpr float kHorizon = 490;  // where the planks would meet
 constexpr float kCentre = 660;
 
 Colour Wood(float across, float along, int plank) {
@@ -25,12 +25,12 @@ Colour Wood(float across, float along, int plank) {
 }  // namespace
 
 float TableDisparity(float y) {
-  return 2 * (y - kHorizon);
+  return 2.1F * (y - kHorizon);
 }
 
 Surface PaintTable(float x, float y) {
   // On the table, `across` counts planks and `along` runs away from the camera.
-  const float distance = 490 / (y - kHorizon);
+  const float distance = 470 / (y - kHorizon);
   const float across = (x - kCentre) * distance / 150 + 40.5F;
   const float along = distance * 6;
   const int plank = static_cast<int>(std::floor(across));
