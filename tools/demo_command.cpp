@@ -96,6 +96,7 @@ Command AddDemoCommand(CLI::App& program) {
   auto folder = std::make_shared<std::string>();
   app->add_option("-o,--output", *folder,
                   "The folder for the pictures; made where there is none")
+      ->type_name("FOLDER")
       ->required();
   app->footer(
       "Writes the scene (scene.png), its disparity (disparity.png), a result\n"

@@ -10,7 +10,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <optional>
+#include <system_error>
 
 #include "jpeg_decode.h"
 #include "png_decode.h"
@@ -27,7 +27,10 @@ using Reason = std::array<char, kDecodeReasonSize>;
 }
 
 Bytes ReadFile(const std::string& path) {
-  if (std::filesystem::is_directory(path)) Refuse(path, "is a folder");
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    Refuse(path, "is a folder");
+  }
   std::ifstream file(path, std::ios::binary);
   if (!file) {
     Refuse(path, std::string("cannot be opened: ") + std::strerror(errno));

@@ -15,6 +15,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
+bool IsFolder(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_directory(path, ignored);
+}
+
 fs::path FolderOf(const fs::path& path) {
   return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
@@ -28,7 +33,7 @@ OutputFiles::~OutputFiles() {
 }
 
 void OutputFiles::MakeFolder(const std::string& path) {
-  if (fs::is_directory(path)) return;
+  if (IsFolder(path)) return;
   std::error_code error;
   if (!fs::create_directory(path, error)) {
     throw InputError(path + ": the folder cannot be made: " +
@@ -39,7 +44,7 @@ void OutputFiles::MakeFolder(const std::string& path) {
 
 void OutputFiles::Announce(const std::string& path) {
   const fs::path folder = FolderOf(path);
-  if (!fs::is_directory(folder)) {
+  if (!IsFolder(folder)) {
     throw InputError(path + ": the folder " + folder.string() +
                      " does not exist");
   }
@@ -47,7 +52,11 @@ void OutputFiles::Announce(const std::string& path) {
     throw InputError(path + ": the folder " + folder.string() +
                      " is not writable");
   }
-  if (fs::is_directory(path)) throw InputError(path + ": is a folder");
+  if (IsFolder(path)) throw InputError(path + ": is a folder");
+  // A device must not be replaced by a file.
+  if (fs::exists(path) && !fs::is_regular_file(path)) {
+    throw InputError(path + ": is not a regular file");
+  }
   const fs::path full = fs::canonical(folder) / fs::path(path).filename();
   if (std::find(announced_.begin(), announced_.end(), full) !=
       announced_.end()) {

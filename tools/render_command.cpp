@@ -1,4 +1,5 @@
 // zuqel render: one picture with its depth in, one picture with bokeh out.
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <memory>
@@ -137,27 +138,34 @@ Command AddRenderCommand(CLI::App& program) {
   auto options = std::make_shared<RenderOptions>();
   app->add_option("--image", options->image,
                   "The picture, PNG or JPEG, with even sides")
+      ->type_name("FILE")
       ->required();
   app->add_option("--disparity", options->disparity,
                   "16-bit grey PNG of any size: 0..1022, larger is nearer,\n"
-                  "1023 is unknown");
+                  "1023 is unknown")
+      ->type_name("FILE");
   app->add_option("--weights", options->weights,
                   "In its place, 8-bit grey PNG of any size: 0 keeps a pixel\n"
-                  "sharp, 255 blurs it fully");
-  app->add_option("--focus", options->focus,
-                  "X,Y: what is sharp, in picture pixels")
+                  "sharp, 255 blurs it fully")
+      ->type_name("FILE");
+  app->add_option("--focus", options->focus, "What is sharp, in picture pixels")
+      ->type_name("X,Y")
       ->required();
   app->add_option("--f-number", options->f_number,
-                  "1 (strongest blur, the default) to 10 (hardly any)");
+                  "1 (strongest blur, the default) to 10 (hardly any)")
+      ->type_name("N");
   app->add_flag("--focus-dot", options->focus_dot,
                 "Mark the focus point in the result");
   app->add_option("-o,--output", options->output, "The result, PNG")
+      ->type_name("FILE")
       ->required();
   app->add_option("--panel", options->panel,
                   "Also write input, map in false colour and result side by\n"
-                  "side, PNG");
+                  "side, PNG")
+      ->type_name("FILE");
   app->add_option("--repeat", options->repeat,
                   "Render this many frames and print the frame time")
+      ->type_name("N")
       ->check(CLI::Range(1, 100000));
   app->footer(
       "Example:\n"

@@ -6,6 +6,7 @@
 #include <exception>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "command.h"
 #include "library_log.h"
@@ -29,6 +30,13 @@ int Fail(int exit_code, const char* message) {
   return exit_code;
 }
 
+// A word that is not known comes before options that are missing.
+std::string Explain(const CLI::App& program, const CLI::ParseError& error) {
+  const std::vector<std::string> unknown = program.remaining(true);
+  if (unknown.empty()) return error.what();
+  return "unknown option or command: " + unknown.front();
+}
+
 int Run(int argc, char** argv) {
   CLI::App program("Synthetic shallow depth of field from stereo disparity");
   program.name("zuqel");
@@ -47,7 +55,7 @@ int Run(int argc, char** argv) {
   } catch (const CLI::Success& help_or_version) {
     return program.exit(help_or_version);
   } catch (const CLI::ParseError& error) {
-    return Fail(kExitBadInput, error.what());
+    return Fail(kExitBadInput, Explain(program, error).c_str());
   }
   zuqel::tools::TakeLibraryLog(verbose);
   for (const Command& command : commands) {
