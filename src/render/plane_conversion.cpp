@@ -27,6 +27,19 @@ void WriteInside(std::span<uint8_t> bytes, size_t index, uint8_t value) {
   if (index < bytes.size()) bytes[index] = value;
 }
 
+uint32_t PackedChroma(uint32_t u, uint32_t v) {
+  return u << 8 | v << 16 | kOpaque;
+}
+
+// Blocks of four pixels with one chroma pair each.
+void PackBlocks(const uint8_t* luma, const uint8_t* chroma, size_t blocks,
+                uint32_t* out) {
+  for (size_t x = 0; x < blocks * 4; x += 4) {
+    const uint32_t shared = PackedChroma(chroma[x + 1], chroma[x]);
+    for (size_t i = x; i < x + 4; ++i) out[i] = luma[i] | shared;
+  }
+}
+
 void UnpackLuma(std::span<const uint32_t> rgba, Plane<uint8_t> luma) {
   const size_t count = luma.size();
   for (size_t i = 0; i < count; ++i) luma.data[i] = Red(rgba[i]);
@@ -128,12 +141,14 @@ void PackFrame(const Frame& frame, std::span<uint32_t> rgba) {
     const uint8_t* luma = frame.luma.row(y);
     uint32_t* out = &rgba[static_cast<size_t>(y) * width];
     const size_t chroma_row = width * (static_cast<size_t>(y) / 4);
-    for (size_t x = 0; x < width; x += 4) {
-      const uint32_t v = ReadOrZero(frame.chroma, chroma_row + x);
-      const uint32_t u = ReadOrZero(frame.chroma, chroma_row + x + 1);
-      const uint32_t chroma = u << 8 | v << 16 | kOpaque;
-      const size_t end = x + 4 < width ? x + 4 : width;
-      for (size_t i = x; i < end; ++i) out[i] = luma[i] | chroma;
+    const bool is_inside = chroma_row + width <= frame.chroma.size();
+    const size_t blocks = is_inside ? width / 4 : 0;
+    PackBlocks(luma, frame.chroma.data() + (is_inside ? chroma_row : 0), blocks,
+               out);
+    for (size_t x = blocks * 4; x < width; ++x) {
+      const size_t at = chroma_row + x / 4 * 4;
+      out[x] = luma[x] | PackedChroma(ReadOrZero(frame.chroma, at + 1),
+                                      ReadOrZero(frame.chroma, at));
     }
   }
 }
