@@ -12,6 +12,7 @@
 #include <set>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "image_file.h"
@@ -48,16 +49,16 @@ class CommandLine : public testing::Test {
       disparity.At(i % 80, i / 80) = i % 80 < 40 ? 900 : 100;
     }
     WriteDisparity(disparity, File("d.png"));
-    const std::vector<uint8_t> zeros(64 * 48);
+    const std::vector<uint8_t> zeros(PixelCount(64, 48));
     WriteSamplePng(File("sharp.png"), 64, 48, PNG_FORMAT_GRAY, zeros.data());
     WriteBytes(File("kept.png"), {'o', 'l', 'd'});
   }
 
-  std::string File(const std::string& name) const {
+  [[nodiscard]] std::string File(const std::string& name) const {
     return folder_ / ("work/" + name);
   }
 
-  std::set<std::string> Files() const {
+  [[nodiscard]] std::set<std::string> Files() const {
     std::set<std::string> names;
     for (const auto& entry :
          std::filesystem::directory_iterator(folder_ / "work")) {
@@ -67,8 +68,9 @@ class CommandLine : public testing::Test {
   }
 
   // Runs zuqel in the work folder; `arguments` are separated by spaces.
-  Outcome Run(const std::string& arguments,
-              const std::vector<std::string>& environment = {}) const {
+  [[nodiscard]] Outcome Run(
+      const std::string& arguments,
+      const std::vector<std::string>& environment = {}) const {
     std::istringstream words("zuqel " + arguments);
     std::vector<std::string> argv_text;
     for (std::string word; words >> word;) argv_text.push_back(word);
@@ -104,22 +106,25 @@ class CommandLine : public testing::Test {
 };
 
 TEST_F(CommandLine, TellsAboutItself) {
-  const struct {
-    const char* arguments;
-    const char* piece;
-  } kCases[] = {
+  const std::vector<std::pair<const char*, const char*>> cases = {
       {"--help", "COMMAND --help"},
       {"--version", "zuqel 0.54.07\n"},
       {"render --help", "\n  zuqel render --image "},
       {"demo --help", "\n  zuqel demo -o "},
   };
-  for (const auto& row : kCases) {
-    const Outcome outcome = Run(row.arguments);
-    EXPECT_EQ(outcome.exit_code, 0) << row.arguments;
-    EXPECT_THAT(outcome.out, HasSubstr(row.piece)) << row.arguments;
-    EXPECT_THAT(outcome.err, IsEmpty()) << row.arguments;
+  for (const auto& [arguments, piece] : cases) {
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.exit_code, 0) << arguments;
+    EXPECT_THAT(outcome.out, HasSubstr(piece)) << arguments;
+    EXPECT_THAT(outcome.err, IsEmpty()) << arguments;
   }
 }
+
+struct BadCase {
+  const char* name;
+  std::string arguments;
+  const char* message;
+};
 
 TEST_F(CommandLine, RefusesBadInputInOneLineAndTouchesNothing) {
   WriteBytes(File("text.png"), {'t', 'e', 'x', 't'});
@@ -137,11 +142,7 @@ TEST_F(CommandLine, RefusesBadInputInOneLineAndTouchesNothing) {
 
   const std::string map = " --disparity d.png", at = " --focus 9,9";
   const std::string good = "render --image photo.png" + map + at;
-  const struct {
-    const char* name;
-    std::string arguments;
-    const char* message;
-  } kCases[] = {
+  const std::vector<BadCase> cases = {
       {"nothing", "", "subcommand is required"},
       {"command", "frobnicate", "unknown option or command: frobnicate"},
       {"option", good + " -o o.png --sharp", "unknown option or command: --sh"},
@@ -194,7 +195,7 @@ TEST_F(CommandLine, RefusesBadInputInOneLineAndTouchesNothing) {
       {"demo file", "demo -o kept.png", "kept.png: the folder cannot be"},
   };
   const std::set<std::string> before = Files();
-  for (const auto& row : kCases) {
+  for (const BadCase& row : cases) {
     const Outcome outcome = Run(row.arguments);
     EXPECT_EQ(outcome.exit_code, 2) << row.name;
     EXPECT_THAT(outcome.err, HasSubstr(row.message)) << row.name;
@@ -235,8 +236,15 @@ double Variance(const Picture& picture, int left, int right) {
 
 class Rendering : public CommandLine {
  protected:
+  // The driver's libraries are unloaded with the session, so the leak checker
+  // cannot tell what they still hold from what is lost. The library's own tests
+  // look for leaks of a session.
+  [[nodiscard]] Outcome Render(const std::string& arguments) const {
+    return Run(arguments, {"ASAN_OPTIONS=detect_leaks=0"});
+  }
+
   void SetUp() override {
-    const Outcome outcome = Run(
+    const Outcome outcome = Render(
         "render --image photo.png --weights sharp.png --focus 9,9 -o try.png");
     if (outcome.err.find("no OpenGL ES") != std::string::npos) {
       GTEST_SKIP() << outcome.err;
@@ -257,9 +265,9 @@ TEST_F(Rendering, BlursAwayFromTheFocus) {
   constexpr int kBorder = 40;  // around the step of the map
   const int half = kWidth / 2;
   const auto render = [&](const std::string& arguments) {
-    const Outcome outcome =
-        Run("render --image photo.png --disparity d.png -o kept.png --focus " +
-            arguments);
+    const Outcome outcome = Render(
+        "render --image photo.png --disparity d.png -o kept.png --focus " +
+        arguments);
     EXPECT_EQ(outcome.exit_code, 0) << outcome.err;
     return ReadPicture(File("kept.png"));
   };
@@ -280,9 +288,9 @@ TEST_F(Rendering, BlursAwayFromTheFocus) {
 
 TEST_F(Rendering, PanelRepeatAndLog) {
   WriteSampleJpeg(File("photo.jpg"), kWidth, kHeight, 3, picture_.rgb);
-  const Outcome outcome =
-      Run("render --image photo.jpg --disparity d.png --focus 9,9 -o o.png "
-          "--panel p.png --repeat 3 --verbose");
+  const Outcome outcome = Render(
+      "render --image photo.jpg --disparity d.png --focus 9,9 -o o.png "
+      "--panel p.png --repeat 3 --verbose");
   EXPECT_EQ(outcome.exit_code, 0);
   EXPECT_THAT(outcome.out, HasSubstr("wrote o.png (320x240)\n"
                                      "wrote p.png (976x240)\n"
@@ -292,25 +300,27 @@ TEST_F(Rendering, PanelRepeatAndLog) {
   const Picture input = ReadPicture(File("photo.jpg"));
   const Picture result = ReadPicture(File("o.png"));
   const Picture panel = ReadPicture(File("p.png"));
+  const int right = panel.width - kWidth;
   for (int y = 0; y < kHeight; ++y) {
-    const uint8_t* row = panel.Pixel(0, y);
-    ASSERT_TRUE(std::equal(row, row + 3 * kWidth, input.Pixel(0, y))) << y;
-    ASSERT_TRUE(std::equal(row + 3 * (panel.width - kWidth),
-                           row + 3 * panel.width, result.Pixel(0, y)))
+    ASSERT_TRUE(std::equal(panel.Pixel(0, y), panel.Pixel(kWidth, y),
+                           input.Pixel(0, y)))
+        << y;
+    ASSERT_TRUE(std::equal(panel.Pixel(right, y), panel.Pixel(panel.width, y),
+                           result.Pixel(0, y)))
         << y;
   }
 }
 
 TEST_F(Rendering, DemoWritesASceneThatRenderTakes) {
-  const Outcome outcome = Run("demo -o new");
+  const Outcome outcome = Render("demo -o new");
   EXPECT_EQ(outcome.exit_code, 0) << outcome.err;
   EXPECT_EQ(std::count(outcome.out.begin(), outcome.out.end(), '\n'), 9);
   const Picture near = ReadPicture(File("new/near_f1.png"));
   const Picture far = ReadPicture(File("new/far_f1.png"));
   EXPECT_LT(Variance(near, 1000, 1280), Variance(far, 1000, 1280));
-  const Outcome again =
-      Run("render --image new/scene.png --disparity new/disparity.png "
-          "--focus 330,300 -o again.png");
+  const Outcome again = Render(
+      "render --image new/scene.png --disparity new/disparity.png "
+      "--focus 330,300 -o again.png");
   EXPECT_EQ(again.exit_code, 0) << again.err;
   EXPECT_EQ(ReadPicture(File("again.png")).rgb, near.rgb);
 }

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <memory>
 #include <random>
 #include <stdexcept>
 
@@ -30,7 +31,8 @@ std::string TemporaryFolder::operator/(const std::string& name) const {
 }
 
 Picture NoisePicture(int width, int height) {
-  std::mt19937 random(1);  // NOLINT(cert-msc51-cpp): the same in every run
+  std::seed_seq seed = {1};
+  std::mt19937 random(seed);
   Picture picture(width, height);
   for (uint8_t& byte : picture.rgb) byte = static_cast<uint8_t>(random());
   return picture;
@@ -58,7 +60,7 @@ void WriteSampleJpeg(const std::string& path, int width, int height,
   compress.err = jpeg_std_error(&errors);
   jpeg_create_compress(&compress);
   unsigned char* bytes = nullptr;
-  unsigned long size = 0;  // NOLINT(google-runtime-int): libjpeg's type
+  unsigned long size = 0;
   jpeg_mem_dest(&compress, &bytes, &size);
   compress.image_width = static_cast<JDIMENSION>(width);
   compress.image_height = static_cast<JDIMENSION>(height);
@@ -76,8 +78,8 @@ void WriteSampleJpeg(const std::string& path, int width, int height,
   }
   jpeg_finish_compress(&compress);
   jpeg_destroy_compress(&compress);
+  const std::unique_ptr<unsigned char, void (*)(void*)> owner(bytes, std::free);
   WriteBytes(path, {bytes, bytes + size});
-  std::free(bytes);  // NOLINT: allocated by libjpeg
 }
 
 std::vector<uint8_t> ReadBytes(const std::string& path) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <string>
@@ -48,14 +49,15 @@ TEST(Nv21, EachByteIsTheRoundedFormulaOfItsPixels) {
       for (int i = 0; i < 4; ++i) {
         const uint8_t* rgb = picture.Pixel(x + i % 2, y + i / 2);
         const double luma = 0.299 * rgb[0] + 0.587 * rgb[1] + 0.114 * rgb[2];
-        const int at = (y + i / 2) * 18 + x + i % 2;
-        EXPECT_TRUE(near(frame.luma[static_cast<size_t>(at)], luma)) << at;
+        const size_t at =
+            PixelCount(18, y + i / 2) + static_cast<size_t>(x + i % 2);
+        EXPECT_TRUE(near(frame.luma[at], luma)) << at;
         r += rgb[0] / 4.0;
         g += rgb[1] / 4.0;
         b += rgb[2] / 4.0;
       }
       const double luma = 0.299 * r + 0.587 * g + 0.114 * b;
-      const auto at = static_cast<size_t>(y / 2 * 18 + x);
+      const size_t at = PixelCount(18, y / 2) + static_cast<size_t>(x);
       EXPECT_TRUE(near(frame.chroma[at], (r - luma) / 1.402 + 128)) << at;
       EXPECT_TRUE(near(frame.chroma[at + 1], (b - luma) / 1.772 + 128)) << at;
     }
@@ -84,12 +86,12 @@ TEST(Nv21, RoundTripKeepsGreyExactlyAndEvenColoursToTwoSteps) {
 }
 
 // A smooth picture, so that JPEG keeps it.
-std::vector<uint8_t> Ramp(int channels) {
+std::vector<uint8_t> Ramp(size_t channels) {
   std::vector<uint8_t> bytes;
   for (int y = 0; y < 12; ++y) {
     for (int x = 0; x < 16; ++x) {
-      const int pixel[4] = {60 + 9 * x, 200 - 5 * y, 90 + 4 * x, 7 * x + y};
-      for (int i = 0; i < channels; ++i) {
+      const std::array pixel = {60 + 9 * x, 200 - 5 * y, 90 + 4 * x, 7 * x + y};
+      for (size_t i = 0; i < channels; ++i) {
         bytes.push_back(static_cast<uint8_t>(pixel[i]));
       }
     }
@@ -115,7 +117,7 @@ TEST(ReadPicture, TakesEveryKind) {
   WriteSamplePng(path, 16, 12, PNG_FORMAT_GRAY, grey.data());
   EXPECT_EQ(ReadPicture(path).rgb, Repeat3(grey)) << "grey";
 
-  const std::vector<uint8_t> indices(16 * 12, 1);
+  const std::vector<uint8_t> indices(PixelCount(16, 12), 1);
   WriteSamplePng(path, 16, 12, PNG_FORMAT_RGB_COLORMAP, indices.data(),
                  {9, 9, 9, 10, 20, 30});
   const Picture palette = ReadPicture(path);

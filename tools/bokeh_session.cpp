@@ -5,8 +5,9 @@
 #include <zuQelRT_GL.h>
 
 #include <array>
-#include <cstdio>
 #include <cstring>
+#include <iomanip>
+#include <sstream>
 #include <string>
 
 #include "library_log.h"
@@ -34,16 +35,24 @@ CalibrationRecord PlainCalibration() {
 
 void CheckStatus(uint32_t status, const char* call) {
   if (status == ZUQEL_SUCCESS) return;
-  std::array<char, 16> code = {};
-  std::snprintf(code.data(), code.size(), "0x%04x", status);
-  throw WorkError(std::string(call) + " returned " + code.data());
+  std::ostringstream message;
+  message << call << " returned 0x" << std::hex << std::setw(4)
+          << std::setfill('0') << status;
+  throw WorkError(message.str());
 }
 
 constexpr FocusRect kNoRect = {0, 0, 0, 0};
 
+// The library reads and writes as many bytes as the session was made for.
+void CheckSize(const char* what, int width, int height, int session_width,
+               int session_height) {
+  if (width == session_width && height == session_height) return;
+  throw WorkError(std::string("the ") + what + " is not of the session's size");
+}
+
 }  // namespace
 
-BokehSession::BokehSession(const SessionSetup& setup) {
+BokehSession::BokehSession(const SessionSetup& setup) : setup_(setup) {
   __system_property_set("persist.zu.LVGLbokeh.FocusDot",
                         setup.focus_dot ? "1" : "0");
   GLInitInfo info = {};
@@ -70,7 +79,11 @@ BokehSession::~BokehSession() {
 }
 
 void BokehSession::Render(Nv21Frame& frame, DisparityMap& map,
-                          const Focus& focus) {
+                          const Focus& focus) const {
+  CheckSize("frame", frame.width, frame.height, setup_.picture_width,
+            setup_.picture_height);
+  CheckSize("disparity map", map.width, map.height, setup_.depth_width,
+            setup_.depth_height);
   const uint32_t status = zuQelRT_GLStartV1HWDepth(
       frame.luma.data(), frame.chroma.data(), map.values.data(),
       static_cast<uint32_t>(focus.point.x),
@@ -79,7 +92,11 @@ void BokehSession::Render(Nv21Frame& frame, DisparityMap& map,
 }
 
 void BokehSession::Render(Nv21Frame& frame, const WeightMap& map,
-                          const Focus& focus) {
+                          const Focus& focus) const {
+  CheckSize("frame", frame.width, frame.height, setup_.picture_width,
+            setup_.picture_height);
+  CheckSize("weight map", map.width, map.height, setup_.work_width,
+            setup_.work_height);
   const uint32_t status = zuQelRT_GLStartV1(
       frame.luma.data(), frame.chroma.data(), map.values.data(),
       static_cast<uint32_t>(focus.point.x),

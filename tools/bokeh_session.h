@@ -29,12 +29,15 @@ class BokehSession {
   BokehSession(const BokehSession&) = delete;
   BokehSession& operator=(const BokehSession&) = delete;
 
-  // Renders into `frame`; the sizes are those of the setup. Holes of `map` are
-  // filled in place. The work size is 320 x 240.
-  void Render(Nv21Frame& frame, DisparityMap& map, const Focus& focus);
+  // Renders into `frame`; the sizes have to be those of the setup. Holes of
+  // `map` are filled in place. The work size is 320 x 240.
+  void Render(Nv21Frame& frame, DisparityMap& map, const Focus& focus) const;
 
   // The same from weights of the work size.
-  void Render(Nv21Frame& frame, const WeightMap& map, const Focus& focus);
+  void Render(Nv21Frame& frame, const WeightMap& map, const Focus& focus) const;
+
+ private:
+  SessionSetup setup_;
 };
 
 }  // namespace zuqel::tools

@@ -31,6 +31,7 @@ struct Shot {
 
 std::vector<Shot> PlanShots(const std::string& folder, const Scene& scene) {
   std::vector<Shot> shots;
+  shots.reserve(2 * kLenses.size());
   for (const Lens& lens : kLenses) {
     shots.push_back({folder + "/near_" + lens.name + ".png",
                      {scene.near_focus, lens.f_number}});
@@ -49,7 +50,7 @@ std::vector<Picture> RenderShots(const Scene& scene,
   setup.picture_height = scene.picture.height;
   setup.depth_width = scene.disparity.width;
   setup.depth_height = scene.disparity.height;
-  BokehSession session(setup);
+  const BokehSession session(setup);
   const Nv21Frame source = ToNv21(scene.picture);
   std::vector<Picture> results;
   const ProgressBar bar(static_cast<int>(shots.size()));

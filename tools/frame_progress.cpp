@@ -4,7 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdio>
+#include <iostream>
 #include <string>
 
 namespace zuqel::tools {
@@ -20,7 +20,7 @@ ProgressBar::ProgressBar(int total)
     : total_(total), on_terminal_(total > 1 && isatty(STDERR_FILENO) == 1) {}
 
 ProgressBar::~ProgressBar() {
-  if (on_terminal_) std::fputs("\r\033[K", stderr);
+  if (on_terminal_) std::cerr << "\r\033[K";
 }
 
 void ProgressBar::Show(int done) const {
@@ -30,7 +30,8 @@ void ProgressBar::Show(int done) const {
       static_cast<size_t>(static_cast<int64_t>(done) * kCells / total_);
   std::string bar(kCells, '.');
   std::fill_n(bar.begin(), filled, '#');
-  std::fprintf(stderr, "\r[%s] %d/%d frames", bar.c_str(), done, total_);
+  std::cerr << "\r[" << bar << "] " << done << "/" << total_ << " frames"
+            << std::flush;
 }
 
 }  // namespace zuqel::tools

@@ -20,7 +20,7 @@ struct Picture {
   uint8_t* Pixel(int x, int y) {
     return rgb.data() + 3 * (PixelCount(width, y) + static_cast<size_t>(x));
   }
-  const uint8_t* Pixel(int x, int y) const {
+  [[nodiscard]] const uint8_t* Pixel(int x, int y) const {
     return rgb.data() + 3 * (PixelCount(width, y) + static_cast<size_t>(x));
   }
 
@@ -38,7 +38,7 @@ struct Map {
   Value& At(int x, int y) {
     return values[PixelCount(width, y) + static_cast<size_t>(x)];
   }
-  const Value& At(int x, int y) const {
+  [[nodiscard]] const Value& At(int x, int y) const {
     return values[PixelCount(width, y) + static_cast<size_t>(x)];
   }
 

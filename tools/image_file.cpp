@@ -12,8 +12,8 @@
 #include <iterator>
 #include <system_error>
 
-#include "jpeg_decode.h"
-#include "png_decode.h"
+#include "decode/jpeg_decode.h"
+#include "decode/png_decode.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -35,7 +35,7 @@ Bytes ReadFile(const std::string& path) {
   if (!file) {
     Refuse(path, std::string("cannot be opened: ") + std::strerror(errno));
   }
-  return Bytes(std::istreambuf_iterator<char>(file), {});
+  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void CheckDecoded(const std::string& path, DecodeStatus status,

@@ -3,7 +3,7 @@
 
 #include <android/log.h>
 
-#include <cstdio>
+#include <iostream>
 #include <string_view>
 
 namespace zuqel::tools {
@@ -31,7 +31,7 @@ void OnLine(const __android_log_message* line) {
   if (state.context_failure.empty() && TellsOfContextFailure(line->message)) {
     state.context_failure = line->message;
   }
-  if (state.verbose) std::fprintf(stderr, "%s: %s\n", line->tag, line->message);
+  if (state.verbose) std::cerr << line->tag << ": " << line->message << "\n";
 }
 
 }  // namespace

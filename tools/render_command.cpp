@@ -77,7 +77,7 @@ SessionSetup SetupFor(const RenderInput& input, bool focus_dot) {
 }
 
 // Renders a copy of the input into `frame` and returns the call's time in ms.
-double RenderFrame(BokehSession& session, const Nv21Frame& source,
+double RenderFrame(const BokehSession& session, const Nv21Frame& source,
                    const RenderInput& input, Nv21Frame& frame) {
   using Clock = std::chrono::steady_clock;
   frame = source;
@@ -94,7 +94,7 @@ double RenderFrame(BokehSession& session, const Nv21Frame& source,
 
 Picture RenderFrames(const RenderInput& input, const RenderOptions& options,
                      std::vector<double>& times_ms) {
-  BokehSession session(SetupFor(input, options.focus_dot));
+  const BokehSession session(SetupFor(input, options.focus_dot));
   const Nv21Frame source = ToNv21(input.picture);
   Nv21Frame frame;
   const int count = std::max(options.repeat, 1);

@@ -2,8 +2,8 @@
 #include <zuQelRT_GL.h>
 
 #include <array>
-#include <cstdio>
 #include <exception>
+#include <iostream>
 #include <new>
 #include <string>
 #include <vector>
@@ -26,7 +26,7 @@ std::string Version() {
 }
 
 int Fail(int exit_code, const char* message) {
-  std::fprintf(stderr, "zuqel: %s\n", message);
+  std::cerr << "zuqel: " << message << "\n";
   return exit_code;
 }
 

@@ -2,6 +2,7 @@
 #include "demo/backdrop.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace zuqel::tools {
@@ -35,10 +36,10 @@ struct HouseRow {
   int seed;
 };
 
-constexpr HouseRow kRows[] = {
-    {400, 130, 84, 12, 16, {0.15F, 0.12F, 0.22F}, 0.55F, 21},
-    {300, 150, 67, 10, 13, {0.30F, 0.20F, 0.33F}, 0.42F, 31},
-    {200, 190, 52, 8, 10, {0.52F, 0.33F, 0.42F}, 0.25F, 41},
+constexpr std::array kRows = {
+    HouseRow{400, 130, 84, 12, 16, {0.15F, 0.12F, 0.22F}, 0.55F, 21},
+    HouseRow{300, 150, 67, 10, 13, {0.30F, 0.20F, 0.33F}, 0.42F, 31},
+    HouseRow{200, 190, 52, 8, 10, {0.52F, 0.33F, 0.42F}, 0.25F, 41},
 };
 
 Colour Window(const HouseRow& row, float x, float y, int house) {
@@ -98,8 +99,8 @@ struct Wire {
   int lamps;
 };
 
-constexpr Wire kWires[] = {{-80, 700, 40, 96, 150, 17},
-                           {700, 1380, 96, 30, 130, 15}};
+constexpr std::array kWires = {Wire{-80, 700, 40, 96, 150, 17},
+                               Wire{700, 1380, 96, 30, 130, 15}};
 
 float WireY(const Wire& wire, float x) {
   const float t = (x - wire.left) / (wire.right - wire.left);

@@ -52,12 +52,12 @@ void AddFlower(const Flower& flower, std::vector<Blade>& blades) {
   }
 }
 
-constexpr Flower kFlowers[] = {
-    {{330, 300}, 112, {0.98F, 0.78F, 0.16F}, kDisparity + 40},
-    {{520, 225}, 96, {0.94F, 0.34F, 0.26F}, kDisparity},
-    {{215, 425}, 82, {0.97F, 0.93F, 0.88F}, kDisparity + 20},
-    {{545, 420}, 74, {0.96F, 0.60F, 0.70F}, kDisparity + 30},
-    {{395, 130}, 70, {0.97F, 0.93F, 0.88F}, kDisparity - 30},
+constexpr std::array kFlowers = {
+    Flower{{330, 300}, 112, {0.98F, 0.78F, 0.16F}, kDisparity + 40},
+    Flower{{520, 225}, 96, {0.94F, 0.34F, 0.26F}, kDisparity},
+    Flower{{215, 425}, 82, {0.97F, 0.93F, 0.88F}, kDisparity + 20},
+    Flower{{545, 420}, 74, {0.96F, 0.60F, 0.70F}, kDisparity + 30},
+    Flower{{395, 130}, 70, {0.97F, 0.93F, 0.88F}, kDisparity - 30},
 };
 
 struct Leaf {
@@ -66,16 +66,16 @@ struct Leaf {
   float disparity;
 };
 
-constexpr Leaf kLeaves[] = {
-    {{300, 470}, {150, 560}, 24, kDisparity + 30},
-    {{510, 480}, {660, 590}, 25, kDisparity + 20},
-    {{470, 400}, {640, 330}, 22, kDisparity - 10},
-    {{330, 400}, {140, 300}, 23, kDisparity - 10},
-    {{420, 330}, {440, 60}, 15, kDisparity - 40},
-    {{360, 330}, {240, 150}, 19, kDisparity - 40},
-    {{470, 340}, {625, 130}, 17, kDisparity - 40},
-    {{450, 470}, {585, 505}, 20, kDisparity + 10},
-    {{350, 480}, {265, 530}, 19, kDisparity + 10},
+constexpr std::array kLeaves = {
+    Leaf{{300, 470}, {150, 560}, 24, kDisparity + 30},
+    Leaf{{510, 480}, {660, 590}, 25, kDisparity + 20},
+    Leaf{{470, 400}, {640, 330}, 22, kDisparity - 10},
+    Leaf{{330, 400}, {140, 300}, 23, kDisparity - 10},
+    Leaf{{420, 330}, {440, 60}, 15, kDisparity - 40},
+    Leaf{{360, 330}, {240, 150}, 19, kDisparity - 40},
+    Leaf{{470, 340}, {625, 130}, 17, kDisparity - 40},
+    Leaf{{450, 470}, {585, 505}, 20, kDisparity + 10},
+    Leaf{{350, 480}, {265, 530}, 19, kDisparity + 10},
 };
 
 }  // namespace
@@ -168,24 +168,27 @@ Bouquet::Bouquet() {
     blades_.emplace_back(BladeKind::kStem, kMouth, bend, flower.centre, 6.0F,
                          kPaleGreen * 0.8F, kDisparity - 20);
   }
-  for (size_t square = 0; square < near_.size(); ++square) {
-    const auto left = static_cast<float>(square % kColumns * kSquare);
-    const auto top = static_cast<float>(square / kColumns * kSquare);
-    for (size_t i = 0; i < blades_.size(); ++i) {
-      const Blade& blade = blades_[i];
-      if (blade.left() < left + kSquare && blade.right() >= left &&
-          blade.top() < top + kSquare && blade.bottom() >= top) {
-        near_[square].push_back(i);
+  for (size_t i = 0; i < blades_.size(); ++i) {
+    const Blade& blade = blades_[i];
+    for (size_t row = Square(blade.top(), kRows);
+         row <= Square(blade.bottom(), kRows); ++row) {
+      for (size_t column = Square(blade.left(), kColumns);
+           column <= Square(blade.right(), kColumns); ++column) {
+        near_[row * kColumns + column].push_back(i);
       }
     }
   }
 }
 
+// Points beyond the squares belong to the last of them, whose blades then miss.
+size_t Bouquet::Square(float position, size_t count) {
+  return std::min(static_cast<size_t>(std::max(position, 0.0F)) / kSquare,
+                  count - 1);
+}
+
 bool Bouquet::Paint(float x, float y, Surface& surface) const {
-  const int column = static_cast<int>(x) / kSquare;
-  const int row = static_cast<int>(y) / kSquare;
-  if (column >= kColumns || row >= kRows) return false;
-  const auto& candidates = near_[static_cast<size_t>(row * kColumns + column)];
+  const auto& candidates =
+      near_[Square(y, kRows) * kColumns + Square(x, kColumns)];
   return std::any_of(candidates.begin(), candidates.end(),
                      [&](size_t i) { return blades_[i].Paint(x, y, surface); });
 }

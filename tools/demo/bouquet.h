@@ -25,10 +25,10 @@ class Blade {
         Colour colour, float disparity);
 
   // The box of the picture outside of which the blade is not seen.
-  float left() const { return left_; }
-  float right() const { return right_; }
-  float top() const { return top_; }
-  float bottom() const { return bottom_; }
+  [[nodiscard]] float left() const { return left_; }
+  [[nodiscard]] float right() const { return right_; }
+  [[nodiscard]] float top() const { return top_; }
+  [[nodiscard]] float bottom() const { return bottom_; }
 
   // Whether the blade covers the point; writes `surface` when it does.
   bool Paint(float x, float y, Surface& surface) const;
@@ -36,8 +36,8 @@ class Blade {
  private:
   static constexpr int kSteps = 20;
 
-  float WidthAt(float t) const;
-  Colour ColourAt(float t, float side, float x, float y) const;
+  [[nodiscard]] float WidthAt(float t) const;
+  [[nodiscard]] Colour ColourAt(float t, float side, float x, float y) const;
 
   BladeKind kind_;
   std::array<Point, kSteps + 1> line_;
@@ -56,7 +56,9 @@ class Bouquet {
 
  private:
   // Squares of the picture, so that a point asks only the blades near it.
-  static constexpr int kSquare = 32, kColumns = 24, kRows = 24;
+  static constexpr size_t kSquare = 32, kColumns = 24, kRows = 24;
+
+  static size_t Square(float position, size_t count);
 
   std::vector<Blade> blades_;                               // nearest first
   std::array<std::vector<size_t>, kColumns * kRows> near_;  // by square

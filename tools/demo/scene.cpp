@@ -2,6 +2,7 @@
 #include "demo/scene.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "demo/backdrop.h"
@@ -21,7 +22,7 @@ constexpr float kStereoShift = 8;  // map pixels
 
 class Painter {
  public:
-  Surface At(float x, float y) const {
+  [[nodiscard]] Surface At(float x, float y) const {
     Surface surface;
     if (PaintThings(x, y, surface)) return surface;
     if (y < kTableTop) return PaintBackdrop(x, y);
@@ -53,7 +54,7 @@ class Painter {
 };
 
 uint8_t ToByte(float value) {
-  return static_cast<uint8_t>(std::clamp(value, 0.0F, 1.0F) * 255 + 0.5F);
+  return static_cast<uint8_t>(std::lround(std::clamp(value, 0.0F, 1.0F) * 255));
 }
 
 // The mean of 2 x 2 points of the pixel, each first cut to what a picture

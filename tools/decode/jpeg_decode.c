@@ -1,5 +1,5 @@
 /* Decodes a JPEG file that lies in memory. */
-#include "jpeg_decode.h"
+#include "decode/jpeg_decode.h"
 
 #include <setjmp.h>
 #include <stdio.h>

@@ -1,11 +1,11 @@
 /* Decodes a JPEG file that lies in memory. */
-#ifndef ZUQEL_TOOLS_JPEG_DECODE_H_
-#define ZUQEL_TOOLS_JPEG_DECODE_H_
+#ifndef ZUQEL_TOOLS_DECODE_JPEG_DECODE_H_
+#define ZUQEL_TOOLS_DECODE_JPEG_DECODE_H_
 
 #include <stddef.h>
 #include <stdint.h>
 
-#include "decode_status.h"
+#include "decode/decode_status.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -24,4 +24,4 @@ enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size, uint8_t* rgb,
 }
 #endif
 
-#endif /* ZUQEL_TOOLS_JPEG_DECODE_H_ */
+#endif /* ZUQEL_TOOLS_DECODE_JPEG_DECODE_H_ */

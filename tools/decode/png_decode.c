@@ -1,5 +1,5 @@
 /* Decodes a PNG file that lies in memory. */
-#include "png_decode.h"
+#include "decode/png_decode.h"
 
 #include <png.h>
 #include <setjmp.h>

@@ -1,11 +1,11 @@
 /* Decodes a PNG file that lies in memory. */
-#ifndef ZUQEL_TOOLS_PNG_DECODE_H_
-#define ZUQEL_TOOLS_PNG_DECODE_H_
+#ifndef ZUQEL_TOOLS_DECODE_PNG_DECODE_H_
+#define ZUQEL_TOOLS_DECODE_PNG_DECODE_H_
 
 #include <stddef.h>
 #include <stdint.h>
 
-#include "decode_status.h"
+#include "decode/decode_status.h"
 
 #ifdef __cplusplus
 extern "C" {
@@ -28,4 +28,4 @@ enum DecodeStatus DecodePng(const uint8_t* bytes, size_t size,
 }
 #endif
 
-#endif /* ZUQEL_TOOLS_PNG_DECODE_H_ */
+#endif /* ZUQEL_TOOLS_DECODE_PNG_DECODE_H_ */
