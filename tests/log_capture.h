@@ -1,6 +1,6 @@
 // Collects what the library logs.
-#ifndef TESTS_LOG_CAPTURE_H_
-#define TESTS_LOG_CAPTURE_H_
+#ifndef ZUQEL_LOG_CAPTURE_H_
+#define ZUQEL_LOG_CAPTURE_H_
 
 #include <android/log.h>
 
@@ -63,4 +63,4 @@ class LogCapture {
 
 }  // namespace zuqel
 
-#endif  // TESTS_LOG_CAPTURE_H_
+#endif  // ZUQEL_LOG_CAPTURE_H_

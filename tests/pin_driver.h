@@ -1,6 +1,6 @@
 // Keeps the driver's libraries loaded until the process ends.
-#ifndef TESTS_PIN_DRIVER_H_
-#define TESTS_PIN_DRIVER_H_
+#ifndef ZUQEL_PIN_DRIVER_H_
+#define ZUQEL_PIN_DRIVER_H_
 
 #include <dlfcn.h>
 #include <link.h>
@@ -31,4 +31,4 @@ inline void PinDriverLibraries() {
 
 }  // namespace zuqel
 
-#endif  // TESTS_PIN_DRIVER_H_
+#endif  // ZUQEL_PIN_DRIVER_H_

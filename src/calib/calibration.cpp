@@ -4,6 +4,7 @@
 #include <zuQelRT_GL.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -28,7 +29,11 @@ struct RecordKind {
   uint32_t optics_at;
 };
 
-constexpr RecordKind kKinds[] = {{1, 464, 320}, {3, 512, 340}, {4, 512, 340}};
+constexpr auto kKinds = std::to_array<RecordKind>({
+    {1, 464, 320},
+    {3, 512, 340},
+    {4, 512, 340},
+});
 
 // The optical values as a record holds them. The lens-position line and the
 // selection distance mean nothing in a record of kind 4.
@@ -51,15 +56,22 @@ struct Container {
   bool encrypted;
 };
 
-constexpr Container kContainers[] = {
-    {464, 1, 1, 0, 0, false},    {466, 1, 1, 0, 0, false},
-    {496, 1, 1, 0, 0, true},     {1403, 1, 3, 7, 466, false},
-    {2801, 1, 6, 7, 466, false}, {1499, 1, 3, 7, 498, true},
-    {2993, 1, 6, 7, 498, true},  {512, 3, 1, 0, 0, false},
-    {514, 3, 1, 0, 0, false},    {544, 3, 1, 0, 0, true},
-    {1547, 3, 3, 7, 514, false}, {1643, 3, 3, 7, 546, true},
-    {1488, 4, 2, 0, 732, false}, {2080, 4, 2, 0, 732, true},
-};
+constexpr auto kContainers = std::to_array<Container>({
+    {464, 1, 1, 0, 0, false},
+    {466, 1, 1, 0, 0, false},
+    {496, 1, 1, 0, 0, true},
+    {1403, 1, 3, 7, 466, false},
+    {2801, 1, 6, 7, 466, false},
+    {1499, 1, 3, 7, 498, true},
+    {2993, 1, 6, 7, 498, true},
+    {512, 3, 1, 0, 0, false},
+    {514, 3, 1, 0, 0, false},
+    {544, 3, 1, 0, 0, true},
+    {1547, 3, 3, 7, 514, false},
+    {1643, 3, 3, 7, 546, true},
+    {1488, 4, 2, 0, 732, false},
+    {2080, 4, 2, 0, 732, true},
+});
 
 constexpr const RecordKind* FindKind(int32_t kind) {
   for (const RecordKind& row : kKinds) {
@@ -75,20 +87,16 @@ constexpr const Container* FindContainer(uint32_t length) {
   return nullptr;
 }
 
-// No row makes a read behind its block, nor behind a record.
-constexpr bool RowsFit() {
-  for (const Container& row : kContainers) {
-    const RecordKind* kind = FindKind(row.kind);
-    if (kind == nullptr || row.count == 0) return false;
-    const uint32_t stored =
-        kind->size + (row.encrypted ? kEncryptionOverhead : 0);
-    const uint32_t end = row.first + (row.count - 1) * row.stride + stored;
-    if (end > row.length) return false;
-    if (kind->optics_at + sizeof(Optics) > kind->size) return false;
-  }
-  return true;
+// Nothing is read behind a block, nor behind a record.
+constexpr bool Fits(const Container& row) {
+  const RecordKind* kind = FindKind(row.kind);
+  if (kind == nullptr || row.count == 0) return false;
+  const uint32_t stored =
+      kind->size + (row.encrypted ? kEncryptionOverhead : 0);
+  const uint32_t end = row.first + (row.count - 1) * row.stride + stored;
+  return end <= row.length && kind->optics_at + sizeof(Optics) <= kind->size;
 }
-static_assert(RowsFit());
+static_assert(std::all_of(kContainers.begin(), kContainers.end(), Fits));
 
 Optics ReadOptics(const uint8_t* record, const RecordKind& kind) {
   Optics optics;
@@ -123,7 +131,8 @@ uint32_t ChooseByLensPosition(const CalibrationInput& input,
   uint32_t best = 0;
   int64_t smallest = INT64_MAX;
   for (uint32_t k = 0; k < std::min(container.count, 3U); ++k) {
-    const Optics optics = ReadOptics(records + k * container.stride, kind);
+    const Optics optics =
+        ReadOptics(records + size_t{k} * container.stride, kind);
     const int64_t error = LensError(lens, optics.distance, input.lens_position);
     if (error >= smallest) continue;
     smallest = error;
@@ -166,7 +175,7 @@ uint32_t DecodeCalibration(const CalibrationInput& input,
   const RecordKind& kind = *FindKind(container->kind);
   const uint32_t chosen = ChooseRecord(input, *container, kind);
   if (chosen >= container->count) return ZUQEL_CALIB_BAD_LENGTH;
-  const size_t offset = container->first + chosen * container->stride;
+  const size_t offset = container->first + size_t{chosen} * container->stride;
   std::memcpy(record.bytes.data(), input.block_a + offset, kind.size);
   record.size = kind.size;
   record.kind = kind.kind;

@@ -15,7 +15,7 @@ constexpr bool IsHole(uint16_t value) {
 
 // Most pixels are valid: holes are looked for in runs of this many. A constant
 // count makes the test of a run a few vector instructions without a branch.
-constexpr int32_t kRun = 16;
+constexpr int32_t kRun = 32;
 
 inline bool HasHole(const uint16_t* values, int32_t count) {
   uint16_t found = 0;
@@ -40,9 +40,9 @@ inline bool FillFrom(Plane<uint16_t> plane, int32_t x, int32_t y,
   for (int32_t dy = window.top; dy <= window.bottom; ++dy) {
     for (int32_t dx = window.left; dx <= window.right; ++dx) {
       const uint16_t value = plane.row(y + dy)[x + dx];
-      const uint32_t valid = IsHole(value) ? 0 : 1;
-      sum += value * valid;
-      count += valid;
+      if (IsHole(value)) continue;
+      sum += value;
+      ++count;
     }
   }
   if (count == 0) return false;

@@ -1,0 +1,61 @@
+// Memory whose end is the end of what may be touched.
+#ifndef ZUQEL_GUARDED_MEMORY_H_
+#define ZUQEL_GUARDED_MEMORY_H_
+
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+#include <type_traits>
+
+namespace zuqel {
+
+// Owns elements, zeroed or copied, between two protected pages. The one behind
+// begins right after the last element; the one in front ends at the first only
+// when the elements fill whole pages. A touch of either ends the program.
+template <typename T>
+class GuardedMemory {
+  static_assert(std::is_trivial_v<T>);
+
+ public:
+  explicit GuardedMemory(size_t count) : count_(count) {
+    const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
+    const size_t bytes = count * sizeof(T);
+    const size_t used = (bytes + page - 1) / page * page;
+    mapped_ = used + 2 * page;
+    void* mapping = mmap(nullptr, mapped_, PROT_NONE,
+                         MAP_PRIVATE | MAP_ANONYMOUS, /*fd=*/-1, /*offset=*/0);
+    if (mapping == MAP_FAILED) std::abort();
+    mapping_ = static_cast<uint8_t*>(mapping);
+    uint8_t* first_page = mapping_ + page;
+    if (used != 0 && mprotect(first_page, used, PROT_READ | PROT_WRITE) != 0) {
+      std::abort();
+    }
+    data_ = reinterpret_cast<T*>(first_page + used - bytes);
+  }
+  explicit GuardedMemory(std::span<const T> values)
+      : GuardedMemory(values.size()) {
+    std::copy(values.begin(), values.end(), data_);
+  }
+  ~GuardedMemory() { munmap(mapping_, mapped_); }
+  GuardedMemory(const GuardedMemory&) = delete;
+  GuardedMemory& operator=(const GuardedMemory&) = delete;
+
+  [[nodiscard]] T* data() const { return data_; }
+  [[nodiscard]] size_t size() const { return count_; }
+  [[nodiscard]] std::span<T> span() const { return {data_, count_}; }
+
+ private:
+  uint8_t* mapping_ = nullptr;
+  size_t mapped_ = 0;
+  T* data_ = nullptr;
+  size_t count_ = 0;
+};
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_GUARDED_MEMORY_H_
