@@ -241,7 +241,10 @@ TEST_F(FrameTest, OffScreenFramesGoBackIntoThePlanes) {
 
 constexpr auto kOnScreenRows = std::to_array<FrameRow>({
     {.name = "preview", .preview = kLarge, .output = kLarge},
-    {.name = "portrait", .preview = kLarge, .portrait = true, .output = kLarge},
+    {.name = "portrait",
+     .preview = kLarge,
+     .portrait = true,
+     .output = {640, 480}},
     {.name = "reduced, from depth",
      .preview = kLarge,
      .f_number = 2.8F,
