@@ -1,9 +1,8 @@
-// Starts sessions, and contexts of a caller's own, for the length of a test.
-// For tests that link the library's objects.
+// Starts sessions for the length of a test. For tests that link the library's
+// objects.
 #ifndef ZUQEL_TEST_SESSION_H_
 #define ZUQEL_TEST_SESSION_H_
 
-#include <EGL/egl.h>
 #include <zuQelRT_GL.h>
 
 #include <array>
@@ -11,6 +10,7 @@
 #include <new>
 
 #include "api/session.h"
+#include "caller_context.h"
 #include "pin_driver.h"
 
 namespace zuqel {
@@ -61,58 +61,6 @@ inline void ResetSession() {
   std::destroy_at(session);
   new (session) Session;
 }
-
-// A context made by the library's caller, current on this thread, with a
-// pbuffer as its default framebuffer. Declare it before the session.
-class CallerContext {
- public:
-  explicit CallerContext(EGLint width = 1, EGLint height = 1,
-                         EGLint client_version = 2)
-      : display_(eglGetDisplay(EGL_DEFAULT_DISPLAY)) {
-    eglInitialize(display_, nullptr, nullptr);
-    const std::array config_attributes = {EGL_SURFACE_TYPE,
-                                          EGL_PBUFFER_BIT,
-                                          EGL_RED_SIZE,
-                                          8,
-                                          EGL_GREEN_SIZE,
-                                          8,
-                                          EGL_BLUE_SIZE,
-                                          8,
-                                          EGL_ALPHA_SIZE,
-                                          8,
-                                          EGL_RENDERABLE_TYPE,
-                                          EGL_OPENGL_ES2_BIT,
-                                          EGL_NONE};
-    EGLConfig config = nullptr;
-    EGLint count = 0;
-    eglChooseConfig(display_, config_attributes.data(), &config, 1, &count);
-    const std::array surface_attributes = {EGL_WIDTH, width, EGL_HEIGHT, height,
-                                           EGL_NONE};
-    surface_ =
-        eglCreatePbufferSurface(display_, config, surface_attributes.data());
-    const std::array context_attributes = {EGL_CONTEXT_CLIENT_VERSION,
-                                           client_version, EGL_NONE};
-    context_ = eglCreateContext(display_, config, EGL_NO_CONTEXT,
-                                context_attributes.data());
-    is_current_ =
-        eglMakeCurrent(display_, surface_, surface_, context_) == EGL_TRUE;
-    PinDriverLibraries();
-  }
-  ~CallerContext() {
-    eglMakeCurrent(display_, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-    eglTerminate(display_);
-  }
-  CallerContext(const CallerContext&) = delete;
-  CallerContext& operator=(const CallerContext&) = delete;
-
-  [[nodiscard]] bool is_current() const { return is_current_; }
-
- private:
-  EGLDisplay display_;
-  EGLSurface surface_ = EGL_NO_SURFACE;
-  EGLContext context_ = EGL_NO_CONTEXT;
-  bool is_current_ = false;
-};
 
 }  // namespace zuqel
 
