@@ -1,5 +1,9 @@
 // The maker's graphic-buffer wrapper library, as far as it is used. A device
 // build can be given the maker's own header in its place.
+//
+// The one for Linux looks at the property "zuqel.graphicbuffer" on every call:
+// "0" plays a device whose graphic buffers cannot be used, "unreadable" one
+// whose buffers cannot be locked.
 #ifndef PLATFORM_GBWRAPPER_GB_WRAPPER_H_
 #define PLATFORM_GBWRAPPER_GB_WRAPPER_H_
 

@@ -67,6 +67,12 @@ class TextureBuffer {
   std::vector<unsigned char> pixels_;
 };
 
+bool PropertyIs(std::string_view text) {
+  std::array<char, PROP_VALUE_MAX> value = {};
+  __system_property_get("zuqel.graphicbuffer", value.data());
+  return std::string_view(value.data()) == text;
+}
+
 using Buffers = std::map<int, std::unique_ptr<TextureBuffer>>;
 
 // The buffers live in the wrapper's opaque storage.
@@ -78,11 +84,8 @@ Buffers& BuffersIn(Storage& storage) {
 
 }  // namespace
 
-// A system without usable buffers is played by the property being "0".
 bool isValidGBWrapper() {
-  std::array<char, PROP_VALUE_MAX> value = {};
-  __system_property_get("zuqel.graphicbuffer", value.data());
-  return std::string_view(value.data()) != "0";
+  return !PropertyIs("0");
 }
 
 GBWrapper::GBWrapper() {
@@ -106,9 +109,10 @@ void* GBWrapper::getNativeBuffer(int index) {
 
 int GBWrapper::lock_read(void** pixels, int index) {
   const auto found = BuffersIn(storage_).find(index);
-  const bool exists = found != BuffersIn(storage_).end();
-  *pixels = exists ? found->second->Lock() : nullptr;
-  return exists ? 0 : -1;
+  const bool can_read =
+      found != BuffersIn(storage_).end() && !PropertyIs("unreadable");
+  *pixels = can_read ? found->second->Lock() : nullptr;
+  return can_read ? 0 : -1;
 }
 
 int GBWrapper::unlock(int index) {
