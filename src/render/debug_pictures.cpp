@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "base/buffer.h"
 #include "base/log.h"
 #include "gl/texture.h"
 
@@ -41,10 +42,10 @@ void DrawDebugPictures(const RenderState& state,
   for (size_t i = 0; i < pictures.table.size(); ++i) {
     const DebugPicture& picture = pictures.table[i];
     if (!IsInUse(picture)) continue;
-    PassDebugPicture(
-        state, state.debug_pictures[i].get(),
-        {picture.iX, picture.iY, picture.iDrawWidth, picture.iDrawHeight},
-        pictures.blend);
+    PassDebugPicture(state, state.debug_pictures[i].get(),
+                     {picture.iX, picture.iY, NonNegative(picture.iDrawWidth),
+                      NonNegative(picture.iDrawHeight)},
+                     pictures.blend);
   }
 }
 
