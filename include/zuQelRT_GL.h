@@ -79,6 +79,18 @@ typedef struct FocusRect {
   int32_t x, y, right, bottom;
 } FocusRect;
 
+/* A picture drawn over every frame, in use when `pData`, `iWidth` and `iHeight`
+ * are all non-zero. */
+typedef struct DebugPicture {
+  const uint8_t* pData; /* RGBA, rows of iWidth x 4 bytes, first row first */
+  int32_t iWidth;       /* of the picture, in pixels */
+  int32_t iHeight;
+  int32_t iX; /* lower left corner of its region, in output pixels from the */
+  int32_t iY; /* bottom left */
+  int32_t iDrawWidth; /* of its region; the picture is stretched to it */
+  int32_t iDrawHeight;
+} DebugPicture;
+
 /* Sets the arrangement of the camera module, 1 to 4 (1 at load). It counts from
  * the next initialisation on. ZUQEL_BAD_CAMERA_LAYOUT for any other value. */
 uint32_t zuQelRT_CameraLayout_Set(int32_t layout);
@@ -111,6 +123,19 @@ uint32_t zuQel_GLVersionInfo_Get(char* buffer, int32_t size);
 uint32_t zuQelRT_GLInitV1(const uint8_t* calibA, uint32_t calibASize,
                           const uint8_t* calibB, uint32_t calibBSize,
                           const GLInitInfo* info);
+
+/* Starts a session like zuQelRT_GLInitV1, with programs taken from a cache that
+ * an earlier start has filled, which is much faster than compiling them.
+ *
+ * `programBinaryCache`: 262144 bytes that the caller keeps between runs as they
+ * are, or null. A cache that does not load (zeros, at the first start) is filled
+ * anew during the call and counts from the next start on. A cache is good for the
+ * driver that made it; whether it is the same driver is not checked beyond one of
+ * its programs loading. */
+uint32_t zuQelRT_GLInitV1_1(const uint8_t* calibA, uint32_t calibASize,
+                            const uint8_t* calibB, uint32_t calibBSize,
+                            const GLInitInfo* info,
+                            uint8_t* programBinaryCache);
 
 /* Ends the session and releases what it holds; harmless when none runs. */
 uint32_t zuQelRT_GLClose(void);
@@ -160,6 +185,16 @@ uint32_t zuQelRT_GLStartV1HWDepth(uint8_t* a_pucInputImage,
                                   uint32_t focusX, uint32_t focusY,
                                   int32_t bypass, FocusRect rect,
                                   float fNumber);
+
+/* Sets whether the debug pictures are drawn over each frame, and whether they are
+ * blended with it by their alpha. Blending that was once on stays on for the life
+ * of the context. */
+uint32_t zuQelRT_GLShowDebugPicture(int32_t isShow, int32_t isBlending);
+
+/* Loads the debug pictures: `table` has exactly ten entries. Pixels are copied
+ * during the call; an entry not in use keeps its picture. Belongs on the rendering
+ * thread, after initialisation. ZUQEL_NULL_POINTER when `table` is null. */
+uint32_t zuQelRT_GLSetDebugPicture(const DebugPicture* table);
 
 #pragma GCC visibility pop
 

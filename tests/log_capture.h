@@ -42,7 +42,7 @@ class LogCapture {
     const size_t end =
         std::min(line.find_first_not_of("0123456789", begin), line.size());
     if (end == begin || line.compare(end, after.size(), after) != 0) return;
-    line.replace(begin, end - begin, "#");
+    line.replace(begin, end - begin, 1, '#');
   }
 
   static void Append(const __android_log_message* message) {

@@ -3,6 +3,7 @@
 #include <malloc.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <fstream>
 #include <vector>
@@ -85,6 +86,22 @@ TEST_F(MemoryTest, IsFlatOverSessions) {
     EXPECT_EQ(session.status(), 0U);
     RenderNext();
   });
+}
+
+// A cache that is taken every time, and one that is built anew every time.
+TEST_F(MemoryTest, IsFlatOverSessionsWithCacheAndGraphicBuffer) {
+  GLInitInfo info = DefaultInfo();
+  info.GraphicBufferFlag = 1;
+  for (const bool is_kept : {true, false}) {
+    SCOPED_TRACE(is_kept);
+    std::vector<uint8_t> cache(kProgramCacheBytes);
+    ExpectFlat(50 + kWarmUp, [&] {
+      const ScopedSession session(info, cache.data());
+      EXPECT_EQ(session.status(), 0U);
+      RenderNext();
+      if (!is_kept) std::fill(cache.begin(), cache.end(), uint8_t{0});
+    });
+  }
 }
 
 }  // namespace

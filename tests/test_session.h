@@ -40,11 +40,22 @@ inline uint32_t InitSession(const GLInitInfo& info) {
   return status;
 }
 
+// The same with a program cache, which may be null.
+inline uint32_t InitCachedSession(const GLInitInfo& info, uint8_t* cache) {
+  constexpr std::array<uint8_t, 512> kRecord = {};
+  const uint32_t status = zuQelRT_GLInitV1_1(
+      kRecord.data(), uint32_t{kRecord.size()}, nullptr, 0, &info, cache);
+  PinDriverLibraries();
+  return status;
+}
+
 // A session that ends with its scope.
 class ScopedSession {
  public:
   explicit ScopedSession(const GLInitInfo& info = DefaultInfo())
       : status_(InitSession(info)) {}
+  ScopedSession(const GLInitInfo& info, uint8_t* program_cache)
+      : status_(InitCachedSession(info, program_cache)) {}
   ~ScopedSession() { zuQelRT_GLClose(); }
   ScopedSession(const ScopedSession&) = delete;
   ScopedSession& operator=(const ScopedSession&) = delete;

@@ -5,11 +5,14 @@
 
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
+#include <GLES2/gl2.h>
 
 #include <array>
 #include <atomic>
 #include <cstdlib>
 #include <vector>
+
+#include "extension_adaptation.h"
 
 namespace zuqel::driver {
 namespace {
@@ -140,6 +143,20 @@ EGLBoolean __wrap_eglDestroyContext(EGLDisplay display, EGLContext context) {
 EGLBoolean __wrap_eglTerminate(EGLDisplay display) {
   if (Fails(Call::kTerminate)) return EGL_FALSE;
   return eglTerminate(display);
+}
+
+__eglMustCastToProperFunctionPointerType __wrap_eglGetProcAddress(
+    const char* name) {
+  const auto adapted = zuqel::driver::AdaptedFunction(name);
+  return adapted != nullptr ? adapted : eglGetProcAddress(name);
+}
+
+void __wrap_glCompileShader(GLuint shader) {
+  if (!Fails(Call::kCompileShader)) glCompileShader(shader);
+}
+
+void __wrap_glLinkProgram(GLuint program) {
+  if (!Fails(Call::kLinkProgram)) glLinkProgram(program);
 }
 
 EGLint __wrap_eglGetError() {

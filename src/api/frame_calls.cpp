@@ -4,12 +4,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <optional>
+#include <span>
 
 #include "api/session.h"
 #include "base/clock.h"
 #include "base/log.h"
 #include "depth/disparity_holes.h"
 #include "depth/disparity_range.h"
+#include "gl/frame_dump.h"
 #include "gl/gl_state.h"
 #include "render/focus_dot.h"
 #include "render/frame_upload.h"
@@ -17,6 +19,7 @@
 namespace {
 
 using zuqel::BufferRole;
+using zuqel::DumpName;
 using zuqel::FocusPoint;
 using zuqel::Frame;
 using zuqel::FrameCounters;
@@ -55,6 +58,11 @@ Frame FrameOf(const FrameCall& call, const GLInitInfo& info) {
   const auto chroma_bytes =
       static_cast<size_t>(size.width) * static_cast<size_t>(size.height / 2);
   return {{call.luma, size.width, size.height}, {call.chroma, chroma_bytes}};
+}
+
+Plane<const uint8_t> WeightsOf(const FrameCall& call, const GLInitInfo& info) {
+  return {call.weights, NonNegative(info.WorkWidth),
+          NonNegative(info.WorkHeight)};
 }
 
 // A frame can be rendered where initialisation has made its buffers.
@@ -110,11 +118,9 @@ bool TakeDepth(Session& session, const FrameCall& call) {
 
 bool TakeWeights(Session& session, const FrameCall& call) {
   if (call.weights == nullptr) return true;
-  return zuqel::UploadWeights(
-      session.frame.render,
-      {call.weights, NonNegative(session.gInfo.WorkWidth),
-       NonNegative(session.gInfo.WorkHeight)},
-      session.frame.weight_rgba);
+  return zuqel::UploadWeights(session.frame.render,
+                              WeightsOf(call, session.gInfo),
+                              session.frame.weight_rgba);
 }
 
 bool UploadFrame(Session& session, const Frame& frame) {
@@ -134,6 +140,25 @@ bool UploadFrame(Session& session, const Frame& frame) {
   return true;
 }
 
+DumpName DumpNameOf(const Session& session, const FrameCall& call) {
+  return {session.frame.counters.dump_number,
+          static_cast<int32_t>(call.focus_x),
+          static_cast<int32_t>(call.focus_y)};
+}
+
+void DumpInputs(const Session& session, const FrameCall& call,
+                const Frame& frame) {
+  const DumpName name = DumpNameOf(session, call);
+  zuqel::DumpFrame({frame.luma.data, frame.luma.size(), frame.luma.width,
+                    frame.luma.height, "Bokeh"},
+                   name);
+  if (call.from_depth) return;
+  const Plane<const uint8_t> weights = WeightsOf(call, session.gInfo);
+  zuqel::DumpFrame(
+      {weights.data, weights.size(), weights.width, weights.height, "RM"},
+      name);
+}
+
 FrameJob JobOf(const Session& session, const FrameCall& call) {
   const GLInitInfo& info = session.gInfo;
   const auto& camera = session.camera;
@@ -149,11 +174,21 @@ FrameJob JobOf(const Session& session, const FrameCall& call) {
       .focus_y = call.focus_y,
       .f_number = call.f_number,
       .focal_length = camera.focal_length / camera.focal_length_divisor,
-      .depth = call.from_depth ? &session.frame.depth_statistics : nullptr};
+      .depth = call.from_depth ? &session.frame.depth_statistics : nullptr,
+      .debug_pictures = &session.frame.debug_pictures,
+      .dump_name = DumpNameOf(session, call)};
 }
 
-// Reads what was rendered and, off screen, gives it to the caller.
+// Reads what was rendered and gives it to the caller: off screen, or whatever a
+// graphic buffer holds.
 void ReadResult(Session& session, const Frame& frame) {
+  if (session.gInfo.GraphicBufferFlag != 0) {
+    session.frame.graphic_buffer.ReadPixels(
+        [&](std::span<const uint32_t> pixels) {
+          zuqel::UnpackFrame(pixels, session.gInfo.srcformat, frame);
+        });
+    return;
+  }
   const zuqel::Buffer& pixels = session.buffers[BufferRole::kReadBack];
   glReadPixels(0, 0, frame.luma.width, frame.luma.height, GL_RGBA,
                GL_UNSIGNED_BYTE, pixels.bytes());
@@ -179,9 +214,10 @@ int ElapsedSince(uint32_t start) {
 
 // All steps between the checks and the last log line of a call.
 void RenderCall(Session& session, const FrameCall& call) {
-  const uint32_t preprocess_start = zuqel::MillisecondClock();
   const GLInitInfo& info = session.gInfo;
   const Frame frame = FrameOf(call, info);
+  DumpInputs(session, call, frame);
+  const uint32_t preprocess_start = zuqel::MillisecondClock();
   const FocusPoint centre = FindFocus(call, info);
   bool ready = IsReady(session);
   if (ready && session.FocusDotEnable != 0) {

@@ -4,16 +4,21 @@
 #include <unistd.h>
 #include <zuQelRT_GL.h>
 
+#include <array>
+
 #include "api/session.h"
 #include "base/log.h"
 #include "base/property.h"
 #include "calib/calibration.h"
 #include "gl/gl_state.h"
+#include "render/cached_programs.h"
 
 namespace {
 
+using zuqel::BufferRole;
 using zuqel::FrameSession;
 using zuqel::Session;
+using zuqel::Start;
 
 constexpr int32_t kDefaultStillCount = 90;
 constexpr int kFrameContextIndex = 0;
@@ -23,9 +28,18 @@ int32_t CalibrationSelector(int32_t camera_layout) {
   return camera_layout - 1;
 }
 
+// Arguments of an initialisation; the calibration's selector is still open.
+struct StartCall {
+  Start start = Start::kCompiled;
+  zuqel::calib::CalibrationInput calibration;
+  const GLInitInfo* info = nullptr;
+  uint8_t* program_cache = nullptr;
+};
+
 // Decodes the calibration and keeps the camera's values.
 uint32_t TakeCalibration(Session& session,
-                         const zuqel::calib::CalibrationInput& input) {
+                         zuqel::calib::CalibrationInput input) {
+  input.selector = CalibrationSelector(session.camera_layout);
   zuqel::calib::CalibrationRecord record;
   const uint32_t status = zuqel::calib::DecodeCalibration(input, record);
   if (status != ZUQEL_SUCCESS) return status;
@@ -56,13 +70,21 @@ void PrepareOffScreen(Session& session) {
   ZUQEL_LOG("check context - ");
 }
 
-void CreateGlObjects(Session& session) {
+void CreateGlObjects(Session& session, const StartCall& call) {
   FrameSession& frame = session.frame;
   const zuqel::PlainGlState plain_state;
   frame.render_context = eglGetCurrentContext();
-  zuqel::CreateRenderState(frame.render,
-                           {zuqel::NonNegative(session.gInfo.PreviewWidth),
-                            zuqel::NonNegative(session.gInfo.PreviewHeight)});
+  zuqel::CreateImages(
+      frame.render,
+      {zuqel::NonNegative(session.gInfo.PreviewWidth),
+       zuqel::NonNegative(session.gInfo.PreviewHeight)},
+      session.gInfo.GraphicBufferFlag != 0 ? &frame.graphic_buffer : nullptr);
+  if (call.start == Start::kCompiled) {
+    frame.render.programs.BuildAll();
+  } else {
+    zuqel::PreparePrograms(call.program_cache, session.program_cache,
+                           frame.render.programs);
+  }
 }
 
 // Names can be given back only where they live.
@@ -77,34 +99,34 @@ void DeleteGlObjects(FrameSession& frame) {
   frame.render_context = EGL_NO_CONTEXT;
 }
 
-}  // namespace
+// The refocus-map buffers, as the log names them.
+struct NamedBuffer {
+  BufferRole role;
+  const char* name;
+};
+constexpr std::array<NamedBuffer, 4> kRefocusMapBuffers = {{
+    {BufferRole::kInputDepthRgbaRm, "pucInputDepthRGBA_RM"},
+    {BufferRole::kWeightMapRm, "WeightMap_buffer_RM"},
+    {BufferRole::kWeightMapCharRm, "WeightMap_buffer_char_RM"},
+    {BufferRole::kLastDepth, "gLastDepth"},
+}};
 
-uint32_t zuQelRT_GLInitV1(const uint8_t* calibA, uint32_t calibASize,
-                          const uint8_t* calibB, uint32_t calibBSize,
-                          const GLInitInfo* info) {
-  ZUQEL_LOG("zuQelRT_GLInitV1 +");
-  Session& session = zuqel::TheSession();
-  if (session.QelMode != zuqel::kModeClosed &&
-      session.QelMode != zuqel::kModeNeverInitialised) {
-    ZUQEL_LOG("Qel status abnormal");
-    return ZUQEL_INIT_REFUSED;
+void LogRefocusMapBuffers(Session& session, const char* event) {
+  for (const NamedBuffer& buffer : kRefocusMapBuffers) {
+    ZUQEL_LOG("%s %s = 0x%x", event, buffer.name,
+              zuqel::Low32(session.buffers[buffer.role].bytes()));
   }
-  ZUQEL_LOG("Qel status pass");
-  if (info == nullptr) return ZUQEL_NULL_POINTER;
+}
 
-  session.gInfo = *info;
-  ZUQEL_LOG("gInfo.offmode = %d, gInfo.srcformat = %d InitV1 ",
-            session.gInfo.offmode, session.gInfo.srcformat);
-  const uint32_t calibration = TakeCalibration(
-      session, {.block_a = calibA,
-                .block_a_size = calibASize,
-                .block_b = calibB,
-                .block_b_size = calibBSize,
-                .selector = CalibrationSelector(session.camera_layout)});
-  if (calibration != ZUQEL_SUCCESS) return calibration;
-  // Before anything is made that would have to be taken back.
-  if (!session.buffers.Reserve(session.gInfo)) return ZUQEL_INIT_REFUSED;
+// Makes the buffers, before anything that would have to be taken back.
+bool ReserveBuffers(Session& session, Start start) {
+  return session.buffers.Reserve(session.gInfo, start) &&
+         (start == Start::kCompiled ||
+          session.program_cache.copy.Reserve(zuqel::kProgramCacheBytes));
+}
 
+// Gives the session what its record asks for, in the order of the log.
+void SetUp(Session& session, const StartCall& call) {
   ReadStillCount(session);
   if (session.gInfo.offmode != 0) PrepareOffScreen(session);
   session.FocusDotEnable =
@@ -112,12 +134,69 @@ uint32_t zuQelRT_GLInitV1(const uint8_t* calibA, uint32_t calibASize,
   ZUQEL_LOG("Dot enable = %d", session.FocusDotEnable);
   if (!isValidGBWrapper()) session.gInfo.GraphicBufferFlag = 0;
   ZUQEL_LOG("Graphics buffer flag = %d", session.gInfo.GraphicBufferFlag);
-  CreateGlObjects(session);
+  CreateGlObjects(session, call);
   session.PortraitFlag = session.gInfo.PortraitMode != 0;
+}
 
+uint32_t Initialise(const StartCall& call) {
+  Session& session = zuqel::TheSession();
+  if (session.QelMode != zuqel::kModeClosed &&
+      session.QelMode != zuqel::kModeNeverInitialised) {
+    ZUQEL_LOG("Qel status abnormal");
+    return ZUQEL_INIT_REFUSED;
+  }
+  ZUQEL_LOG("Qel status pass");
+  if (call.info == nullptr) return ZUQEL_NULL_POINTER;
+  if (call.start == Start::kCached) {
+    LogRefocusMapBuffers(session, "Init pointer status");
+    session.buffers.AbandonRefocusMapBuffers();
+  }
+
+  session.gInfo = *call.info;
+  ZUQEL_LOG("gInfo.offmode = %d, gInfo.srcformat = %d %s",
+            session.gInfo.offmode, session.gInfo.srcformat,
+            call.start == Start::kCompiled ? "InitV1 " : "InitV1_1");
+  const uint32_t calibration = TakeCalibration(session, call.calibration);
+  if (calibration != ZUQEL_SUCCESS) return calibration;
+  if (!ReserveBuffers(session, call.start)) return ZUQEL_INIT_REFUSED;
+
+  SetUp(session, call);
+  if (call.start == Start::kCached) LogRefocusMapBuffers(session, "Init");
   session.QelMode = zuqel::kModeRunning;
-  ZUQEL_LOG("zuQelRT_GLInitV1 -");
   return ZUQEL_SUCCESS;
+}
+
+}  // namespace
+
+uint32_t zuQelRT_GLInitV1(const uint8_t* calibA, uint32_t calibASize,
+                          const uint8_t* calibB, uint32_t calibBSize,
+                          const GLInitInfo* info) {
+  ZUQEL_LOG("zuQelRT_GLInitV1 +");
+  const uint32_t status =
+      Initialise({.calibration = {.block_a = calibA,
+                                  .block_a_size = calibASize,
+                                  .block_b = calibB,
+                                  .block_b_size = calibBSize},
+                  .info = info});
+  if (status == ZUQEL_SUCCESS) ZUQEL_LOG("zuQelRT_GLInitV1 -");
+  return status;
+}
+
+uint32_t zuQelRT_GLInitV1_1(const uint8_t* calibA, uint32_t calibASize,
+                            const uint8_t* calibB, uint32_t calibBSize,
+                            const GLInitInfo* info,
+                            uint8_t* programBinaryCache) {
+  ZUQEL_LOG("zuQelRT_GLInitV1_1 +");
+  const uint32_t status =
+      Initialise({.start = Start::kCached,
+                  .calibration = {.block_a = calibA,
+                                  .block_a_size = calibASize,
+                                  .block_b = calibB,
+                                  .block_b_size = calibBSize},
+                  .info = info,
+                  .program_cache = programBinaryCache});
+  if (status == ZUQEL_SUCCESS) ZUQEL_LOG("zuQelRT_GLInitV1_1 -");
+  return status;
 }
 
 uint32_t zuQelRT_GLClose() {
@@ -125,10 +204,13 @@ uint32_t zuQelRT_GLClose() {
   Session& session = zuqel::TheSession();
   session.QelMode = zuqel::kModeClosed;
   DeleteGlObjects(session.frame);
+  session.frame.graphic_buffer.Release();
   session.buffers.ReleaseAtClose();
   session.frame.weight_rgba.Release();
   session.frame.depth_rgba.Release();
   session.frame.chroma_scratch.Release();
+  session.program_cache.copy.Release();
+  session.program_cache.binaryInfo = {};
   if (session.gInfo.offmode != 0) {
     zuqel::DeleteContext(session.context, kFrameContextIndex);
   }

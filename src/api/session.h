@@ -13,6 +13,9 @@
 #include "base/buffer.h"
 #include "calib/calibration.h"
 #include "gl/context.h"
+#include "gl/graphic_buffer.h"
+#include "gl/program_cache.h"
+#include "render/debug_pictures.h"
 #include "render/frame_renderer.h"
 
 namespace zuqel {
@@ -33,6 +36,8 @@ struct FrameCounters {
 // What the frame calls keep.
 struct FrameSession {
   RenderState render;
+  GraphicBuffer graphic_buffer;
+  DebugPictures debug_pictures;
   EGLContext render_context = EGL_NO_CONTEXT;  // where its names live
   Buffer weight_rgba;
   Buffer depth_rgba;
@@ -59,6 +64,7 @@ struct Session {
 
   ContextSlot context;
   WorkingBuffers buffers;
+  ProgramCache program_cache;
   FrameSession frame;
 
   // Taken by zuQelRT_SetParameter only.

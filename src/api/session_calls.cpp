@@ -3,16 +3,15 @@
 
 #include <algorithm>
 #include <mutex>
-#include <string_view>
 
 #include "api/session.h"
 #include "base/log.h"
+#include "base/version.h"
 
 namespace {
 
 using zuqel::Session;
 
-constexpr std::string_view kVersion = "0.54.07";
 constexpr int32_t kVersionBufferSize = 256;
 
 // Answers 4 or 1, which both mean success.
@@ -78,6 +77,6 @@ uint32_t zuQelRT_SetParameter(int32_t id, const ParameterInfo* info) {
 uint32_t zuQel_GLVersionInfo_Get(char* buffer, int32_t size) {
   if (size < kVersionBufferSize) return ZUQEL_BUFFER_TOO_SMALL;
   if (buffer == nullptr) return ZUQEL_NULL_POINTER;
-  *std::copy(kVersion.begin(), kVersion.end(), buffer) = '\0';
+  *std::copy(zuqel::kVersion.begin(), zuqel::kVersion.end(), buffer) = '\0';
   return ZUQEL_SUCCESS;
 }

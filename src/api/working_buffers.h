@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <vector>
 
 #include "base/buffer.h"
 
@@ -23,16 +24,26 @@ enum class BufferRole {
   kWeightMapCharRm,
   kInputDepthRgbaRm,
   kDepthRgba2,
+  kLastDepth,
   kCount,
 };
 
+// The two ways to start a session: compile the programs, or take them from the
+// caller's cache.
+enum class Start { kCompiled, kCached };
+
 class WorkingBuffers {
  public:
-  // Makes what is missing or too small. False when memory does not suffice;
-  // then what close frees has been freed.
-  [[nodiscard]] bool Reserve(const GLInitInfo& info);
+  // Makes what this start needs and is missing or too small. False when memory
+  // does not suffice; then what close frees has been freed.
+  [[nodiscard]] bool Reserve(const GLInitInfo& info, Start start);
 
-  // Frees all but the refocus-map buffers, which outlive a session.
+  // Takes the refocus-map buffers out of use, so that they are made afresh, and
+  // keeps their memory until close.
+  void AbandonRefocusMapBuffers();
+
+  // Frees what was abandoned and all but the refocus-map buffers, which outlive
+  // a session.
   void ReleaseAtClose();
 
   Buffer& operator[](BufferRole role) {
@@ -41,6 +52,7 @@ class WorkingBuffers {
 
  private:
   std::array<Buffer, static_cast<size_t>(BufferRole::kCount)> buffers_;
+  std::vector<Buffer> abandoned_;
 };
 
 }  // namespace zuqel

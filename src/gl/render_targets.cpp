@@ -1,6 +1,7 @@
 // Makes and deletes the render targets.
 #include "gl/render_targets.h"
 
+#include "base/log.h"
 #include "gl/texture.h"
 
 namespace zuqel {
@@ -21,19 +22,40 @@ TargetSize SizeOfTarget(size_t index, TargetSize preview) {
   return {kQuarterWidth, kQuarterHeight};
 }
 
+// A graphic buffer cannot be filled by an upload: the texture gets its
+// parameters and takes the buffer's image.
+void BackByGraphicBuffer(GLuint texture, GraphicBuffer& graphic_buffer,
+                         TargetSize size) {
+  ZUQEL_LOG("Graphics buffer +");
+  graphic_buffer.Create(size.width, size.height);
+  BindTexture(texture, {});
+  graphic_buffer.BackBoundTexture();
+}
+
 }  // namespace
 
-void RenderTargets::Create(int32_t preview_width, int32_t preview_height) {
+void RenderTargets::Create(int32_t preview_width, int32_t preview_height,
+                           GraphicBuffer* graphic_buffer) {
   for (Texture& texture : textures_) texture.Generate();
   for (Framebuffer& framebuffer : framebuffers_) framebuffer.Generate();
   for (size_t i = 0; i < kCount; ++i) {
     const TargetSize size = SizeOfTarget(i, {preview_width, preview_height});
-    UploadTexture(texture(i), GL_RGBA, size.width, size.height, nullptr, {});
-    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer(i));
-    glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
-                           texture(i), 0);
+    const bool is_graphic_buffer = i == kOutput && graphic_buffer != nullptr;
+    if (is_graphic_buffer) {
+      BackByGraphicBuffer(texture(i), *graphic_buffer, size);
+    } else {
+      UploadTexture(texture(i), GL_RGBA, size.width, size.height, nullptr, {});
+    }
+    Attach(i);
+    if (is_graphic_buffer) ZUQEL_LOG("Graphics buffer -");
   }
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
+}
+
+void RenderTargets::Attach(size_t index) const {
+  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer(index));
+  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
+                         texture(index), 0);
 }
 
 void RenderTargets::DeleteTextures() {

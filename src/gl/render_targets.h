@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "gl/gl_handle.h"
+#include "gl/graphic_buffer.h"
 
 namespace zuqel {
 
@@ -27,8 +28,9 @@ class RenderTargets {
   static constexpr size_t kCount = 14;
 
   // Makes all of them for one preview size, in pixels; leaves framebuffer 0
-  // bound.
-  void Create(int32_t preview_width, int32_t preview_height);
+  // bound. With a graphic buffer the output texture has its storage there.
+  void Create(int32_t preview_width, int32_t preview_height,
+              GraphicBuffer* graphic_buffer);
   void DeleteTextures();
   void DeleteFramebuffers();
   // Lets go of names that died with their context.
@@ -42,6 +44,8 @@ class RenderTargets {
   }
 
  private:
+  void Attach(size_t index) const;
+
   std::array<Texture, kCount> textures_;
   std::array<Framebuffer, kCount> framebuffers_;
 };

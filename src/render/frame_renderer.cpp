@@ -1,6 +1,9 @@
 // The order of passes of a frame.
 #include "render/frame_renderer.h"
 
+#include <array>
+
+#include "base/buffer.h"
 #include "base/clock.h"
 #include "base/log.h"
 #include "render/plane_conversion.h"
@@ -88,15 +91,34 @@ void Composite(const RenderState& state, const FrameJob& job) {
   PassComposite(state, inputs, job.portrait ? kQuadRotate : unturned);
 }
 
+ImageSize CurrentViewport() {
+  std::array<GLint, 4> viewport = {};
+  glGetIntegerv(GL_VIEWPORT, viewport.data());
+  return {viewport[2], viewport[3]};
+}
+
+// Dumps the framebuffer at the size of the viewport that the frame began with.
+void DumpOutput(ImageSize size, const DumpName& name) {
+  if (!DumpsAreOn()) return;
+  Buffer pixels;
+  if (!pixels.Reserve(ByteCount(size.width, size.height, 4))) return;
+  glReadPixels(0, 0, size.width, size.height, GL_RGBA, GL_UNSIGNED_BYTE,
+               pixels.bytes());
+  DumpFrame({pixels.bytes(), pixels.size(), size.width, size.height, "Output"},
+            name);
+}
+
 }  // namespace
 
-void CreateRenderState(RenderState& state, ImageSize preview) {
+void CreateImages(RenderState& state, ImageSize preview,
+                  GraphicBuffer* graphic_buffer) {
   for (Texture& input : state.inputs) input.Generate();
-  state.targets.Create(preview.width, preview.height);
-  state.programs.BuildAll();
+  for (Texture& picture : state.debug_pictures) picture.Generate();
+  state.targets.Create(preview.width, preview.height, graphic_buffer);
 }
 
 void DeleteRenderState(RenderState& state) {
+  for (Texture& picture : state.debug_pictures) picture.Delete();
   for (Texture& input : state.inputs) input.Delete();
   state.targets.DeleteTextures();
   state.targets.DeleteFramebuffers();
@@ -104,6 +126,7 @@ void DeleteRenderState(RenderState& state) {
 }
 
 void ForgetRenderState(RenderState& state) {
+  for (Texture& picture : state.debug_pictures) picture.Forget();
   for (Texture& input : state.inputs) input.Forget();
   state.targets.Forget();
   state.programs.Forget();
@@ -111,6 +134,7 @@ void ForgetRenderState(RenderState& state) {
 
 void RenderFrame(const RenderState* state, const FrameJob& job) {
   StepClock clock;
+  const ImageSize viewport = state != nullptr ? CurrentViewport() : ImageSize{};
   ZUQEL_LOG("*VX* zuQelRT_GL initialize shader_bypass(1) = %d (ms)",
             clock.Lap());
   if (state != nullptr && !job.off_screen) PassNv21ToRgb(*state);
@@ -133,8 +157,12 @@ void RenderFrame(const RenderState* state, const FrameJob& job) {
   if (state != nullptr && job.depth != nullptr) MakeWeights(*state, job, scale);
   ZUQEL_LOG("*VX* zuQelRT_GL minimize depth shader_bypass(3) = %d (ms)",
             clock.Lap());
-  if (state != nullptr) Composite(*state, job);
+  if (state != nullptr) {
+    Composite(*state, job);
+    DrawDebugPictures(*state, *job.debug_pictures);
+  }
   ZUQEL_LOG("*VX* zuQelRT_GL refocus(2) = %d (ms)", clock.Lap());
+  if (state != nullptr) DumpOutput(viewport, job.dump_name);
 }
 
 }  // namespace zuqel

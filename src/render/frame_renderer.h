@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+#include "gl/frame_dump.h"
+#include "render/debug_pictures.h"
 #include "render/passes.h"
 
 namespace zuqel {
@@ -30,13 +32,16 @@ struct FrameJob {
   // Null: the refocus texture holds weights. Else it holds packed disparity,
   // and the weights come from it and these.
   const DepthStatistics* depth = nullptr;
+  const DebugPictures* debug_pictures = nullptr;
+  DumpName dump_name;
 };
 
-// Makes the textures, targets and programs for one preview size. Needs
-// PlainGlState.
-void CreateRenderState(RenderState& state, ImageSize preview);
+// Makes the textures and targets for one preview size, the output target in a
+// graphic buffer where one is given. Needs PlainGlState.
+void CreateImages(RenderState& state, ImageSize preview,
+                  GraphicBuffer* graphic_buffer);
 
-// Deletes them; their context is current.
+// Deletes images and programs; their context is current.
 void DeleteRenderState(RenderState& state);
 
 // Lets go of them: their context is gone or not current.

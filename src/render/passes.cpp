@@ -16,15 +16,16 @@ void SetUniform(GLuint program, const char* name, GLfloat value) {
   glUniform1f(glGetUniformLocation(program, name), value);
 }
 
-void SetViewport(ImageSize size) {
-  glViewport(0, 0, size.width, size.height == 0 ? 1 : size.height);
+void SetViewport(DrawRegion region) {
+  glViewport(region.x, region.y, region.width,
+             region.height == 0 ? 1 : region.height);
 }
 
 void BeginPass(GLuint program, GLuint framebuffer, ImageSize size) {
   glUseProgram(program);
   glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-  SetViewport(size);
+  SetViewport({0, 0, size.width, size.height});
 }
 
 // Binds a texture to a unit and tells a sampler of the program.
@@ -148,6 +149,20 @@ void PassComposite(const RenderState& state, const CompositeInputs& inputs,
   SetTexture(program, "blurTexture1", 1, state.targets.texture(kBlurredImage));
   SetTexture(program, "refocusTexture", 4, inputs.weight_texture);
   DrawQuad(program, quad);
+}
+
+void PassDebugPicture(const RenderState& state, GLuint picture_texture,
+                      DrawRegion region, bool blend) {
+  const GLuint program = state.programs[ProgramRole::CopyProgram];
+  glUseProgram(program);
+  glBindFramebuffer(GL_FRAMEBUFFER, state.targets.framebuffer(kOutputTarget));
+  SetViewport(region);
+  if (blend) {
+    glEnable(GL_BLEND);
+    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+  }
+  SetTexture(program, "inputImageTexture", 0, picture_texture);
+  DrawQuad(program, kQuadUpright);
 }
 
 }  // namespace zuqel

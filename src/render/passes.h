@@ -10,6 +10,7 @@
 //   DepthWeight      depth texture             target 10            work
 //   Pick3x3          a texture                 a target             work
 //   Composite        image, target 2, weights  13 or default        output
+//   DebugPicture     a debug texture           target 13            as given
 #ifndef ZUQEL_RENDER_PASSES_H_
 #define ZUQEL_RENDER_PASSES_H_
 
@@ -39,6 +40,7 @@ inline constexpr size_t kInputUV = 1;  // interleaved chroma, or the U plane
 inline constexpr size_t kInputV = 2;
 inline constexpr size_t kInputRefocus = 3;  // weights, or packed disparity
 inline constexpr size_t kInputCount = 10;
+inline constexpr size_t kDebugPictureCount = 10;
 
 struct ImageSize {
   int32_t width = 0;
@@ -50,6 +52,15 @@ struct RenderState {
   ProgramTable programs;
   RenderTargets targets;
   std::array<Texture, kInputCount> inputs;
+  std::array<Texture, kDebugPictureCount> debug_pictures;
+};
+
+// A region of the output in pixels, from the lower left.
+struct DrawRegion {
+  int32_t x = 0;
+  int32_t y = 0;
+  int32_t width = 0;
+  int32_t height = 0;
 };
 
 struct DepthWeightUniforms {
@@ -82,6 +93,10 @@ void PassDepthWeight(const RenderState& state, ImageSize size,
 void PassPick3x3(const RenderState& state, ProgramRole program,
                  GLuint source_texture, GLuint destination_framebuffer,
                  ImageSize size);
+// Stretches a picture over a region of what is there. Blending that has once
+// been enabled stays so.
+void PassDebugPicture(const RenderState& state, GLuint picture_texture,
+                      DrawRegion region, bool blend);
 void PassComposite(const RenderState& state, const CompositeInputs& inputs,
                    const Quad& quad);
 

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstddef>
+#include <utility>
 
 #include "gl/program.h"
 
@@ -31,6 +32,9 @@ const ProgramSource& SourceOf(ProgramRole role);
 class ProgramTable {
  public:
   void BuildAll();
+  void Set(ProgramRole role, Program program) {
+    programs_[static_cast<size_t>(role)] = std::move(program);
+  }
   void DeleteAll();
   // Lets go of names that died with their context.
   void Forget();

@@ -7,12 +7,14 @@ namespace zuqel::driver {
 
 enum class Call {
   kChooseConfig,
+  kCompileShader,
   kCreateContext,
   kCreatePbufferSurface,
   kDestroyContext,
   kDestroySurface,
   kGetDisplay,
   kInitialize,
+  kLinkProgram,
   kMakeCurrent,
   kTerminate,
   kCount,

@@ -1,0 +1,117 @@
+// Native methods of a bare test activity,
+// com.example.lvglrefocusing.MainActivity: they load sample files from the
+// device's shared storage and exercise the library's lifecycle. The harness
+// keeps its own state beside the session.
+#include <pthread.h>
+#include <zuQelRT_GL.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <system_error>
+
+#include "base/buffer.h"
+#include "base/clock.h"
+#include "base/log.h"
+
+namespace {
+
+using zuqel::Buffer;
+
+constexpr int32_t kImageWidth = 1280;
+constexpr int32_t kImageHeight = 960;
+constexpr int32_t kDepthWidth = 320;
+constexpr int32_t kDepthHeight = 240;
+constexpr size_t kImageBytes = size_t{kImageWidth} * kImageHeight * 3 / 2;
+constexpr size_t kDepthBytes = size_t{kDepthWidth} * kDepthHeight * 2;
+
+constexpr char const* kCalibrationPath = "/sdcard/OTP_DATA.bin";
+constexpr char const* kImagePath = "/sdcard/filesmain.raw";
+constexpr char const* kDepthPath = "/sdcard/filesdepth320x240.raw";
+
+struct Harness {
+  // Usable before the first initGL and after the last closeGL too.
+  pthread_mutex_t mutex = PTHREAD_MUTEX_INITIALIZER;
+  Buffer image;
+  Buffer depth;
+};
+
+Harness& TheHarness() {
+  static auto* harness = new Harness;  // calls may come while the process exits
+  return *harness;
+}
+
+// Bytes of a file; a missing one has none.
+size_t SizeOfFile(const char* path) {
+  std::error_code error;
+  const auto size = std::filesystem::file_size(path, error);
+  return error ? 0 : static_cast<size_t>(size);
+}
+
+// Reads up to `size` bytes of a file and logs whether it could be read. A short
+// file leaves the rest of the buffer as it was.
+void ReadFile(const char* path, uint8_t* bytes, size_t size) {
+  std::ifstream file(path, std::ios::binary);
+  const bool is_read = bytes != nullptr && file.is_open();
+  if (is_read) {
+    file.read(reinterpret_cast<char*>(bytes),
+              static_cast<std::streamsize>(size));
+  }
+  ZUQEL_LOG("%s", is_read ? "*VX* Read File Success." : "*VX* Read File Fail.");
+}
+
+void ReadInto(Buffer& buffer, size_t size, const char* path) {
+  const bool has_room = buffer.Reserve(size);
+  ReadFile(path, has_room ? buffer.bytes() : nullptr, size);
+}
+
+}  // namespace
+
+// Called by the Java runtime, which finds them by their names. The runtime's
+// environment and the calling object are not used.
+#pragma GCC visibility push(default)
+extern "C" {
+
+void Java_com_example_lvglrefocusing_MainActivity_initGL(void* /*env*/,
+                                                         void* /*object*/) {
+  Harness& harness = TheHarness();
+  Buffer calibration;
+  const size_t calibration_size = SizeOfFile(kCalibrationPath);
+  ZUQEL_LOG("*VX* dOTPSize = %d", static_cast<int>(calibration_size));
+  ReadInto(calibration, calibration_size, kCalibrationPath);
+  ReadInto(harness.image, kImageBytes, kImagePath);
+  ReadInto(harness.depth, kDepthBytes, kDepthPath);
+  // A marker only: the session is not initialised here.
+  ZUQEL_LOG("*VX* zuQel_GLInit errNum = %d", 0);
+  pthread_mutex_init(&harness.mutex, nullptr);
+}
+
+int32_t Java_com_example_lvglrefocusing_MainActivity_closeGL(void* /*env*/,
+                                                             void* /*object*/) {
+  Harness& harness = TheHarness();
+  ZUQEL_LOG("*VX* Close");
+  pthread_mutex_lock(&harness.mutex);
+  zuQelRT_GLClose();
+  harness.image.Release();
+  harness.depth.Release();
+  pthread_mutex_unlock(&harness.mutex);
+  const int32_t result = pthread_mutex_destroy(&harness.mutex);
+  harness.mutex = PTHREAD_MUTEX_INITIALIZER;
+  return result;
+}
+
+int32_t Java_com_example_lvglrefocusing_MainActivity_startGL(void* /*env*/,
+                                                             void* /*object*/) {
+  Harness& harness = TheHarness();
+  const uint32_t start = zuqel::MillisecondClock();
+  pthread_mutex_lock(&harness.mutex);
+  ZUQEL_LOG("*VX* Runtime = %d (ms)",
+            static_cast<int>(zuqel::MillisecondClock() - start));
+  return pthread_mutex_unlock(&harness.mutex);
+}
+
+}  // extern "C"
+#pragma GCC visibility pop

@@ -1,0 +1,96 @@
+// Loads, accepts and rebuilds the program cache.
+#include "render/cached_programs.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <iterator>
+
+#include "base/log.h"
+
+namespace zuqel {
+namespace {
+
+using enum ProgramRole;
+
+constexpr std::array<ProgramRole, kProgramCacheEntries> kRoleOfEntry = {
+    BlurHProgram,        BlurVProgram,
+    CopyProgram,         DepthWeightProgram,
+    CompositeProgram,    Nv21PackProgram,
+    Nv21ToRgbProgram,    Min3x3Program,
+    Max3x3Program,       AllInFocusWeightProgram,
+    PlanarYuvPackProgram};
+
+constexpr std::array<size_t, kProgramCacheEntries> kLoadOrder = {
+    0, 1, 2, 3, 4, 6, 5, 7, 8, 9, 10};
+
+struct BuildStep {
+  ProgramRole role;
+  size_t entry;
+};
+
+// The conversion to RGB is built twice: its first binary's entry goes to the
+// repacking program afterwards, and its bytes stay unreferenced. Readers of old
+// caches rely on where everything lies.
+constexpr std::array<BuildStep, 12> kBuildSteps = {{
+    {BlurHProgram, 0},
+    {BlurVProgram, 1},
+    {CopyProgram, 2},
+    {DepthWeightProgram, 3},
+    {CompositeProgram, 4},
+    {Nv21ToRgbProgram, 5},
+    {Nv21ToRgbProgram, 6},
+    {Nv21PackProgram, 5},
+    {Min3x3Program, 7},
+    {Max3x3Program, 8},
+    {AllInFocusWeightProgram, 9},
+    {PlanarYuvPackProgram, 10},
+}};
+
+bool LoadAll(ProgramCacheBytes cache, const BinaryInfo& info,
+             ProgramTable& programs) {
+  GLint loaded = 0;
+  for (const size_t entry : kLoadOrder) {
+    Program program;
+    loaded |= LoadProgramBinary(cache, info.entries[entry], program);
+    programs.Set(kRoleOfEntry[entry], std::move(program));
+  }
+  return loaded == GL_TRUE;
+}
+
+void Rebuild(std::span<uint8_t, kProgramCacheBytes> cache) {
+  std::array<CacheStep, kBuildSteps.size()> steps;
+  std::transform(kBuildSteps.begin(), kBuildSteps.end(), steps.begin(),
+                 [](const BuildStep& step) {
+                   return CacheStep{&SourceOf(step.role), step.entry};
+                 });
+  BuildProgramCache(steps, cache);
+}
+
+}  // namespace
+
+size_t CacheEntryOf(ProgramRole role) {
+  const auto* entry = std::find(kRoleOfEntry.begin(), kRoleOfEntry.end(), role);
+  return static_cast<size_t>(std::distance(kRoleOfEntry.begin(), entry));
+}
+
+void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
+                     ProgramTable& programs) {
+  if (cache == nullptr) {
+    programs.BuildAll();
+    return;
+  }
+  const std::span<uint8_t, kProgramCacheBytes> bytes(cache, kProgramCacheBytes);
+  BinaryInfo& info = session_cache.binaryInfo;
+  std::memcpy(&info, cache, sizeof(info));
+  std::memcpy(session_cache.copy.bytes(), cache, kProgramCacheBytes);
+  ZUQEL_LOG("binaryInfo isValid = %d", info.isValid);
+  if (info.isValid == 1 && LoadAll(bytes, info, programs)) return;
+
+  std::memset(session_cache.copy.bytes(), 0, kProgramCacheBytes);
+  info = {};
+  Rebuild(bytes);
+  programs.BuildAll();
+}
+
+}  // namespace zuqel

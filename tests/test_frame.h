@@ -1,0 +1,56 @@
+// A frame with its maps, and properties for the length of a scope.
+#ifndef ZUQEL_TEST_FRAME_H_
+#define ZUQEL_TEST_FRAME_H_
+
+#include <sys/system_properties.h>
+#include <zuQelRT_GL.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "test_scene.h"
+
+namespace zuqel {
+
+// Sets a property and empties it at the end of its scope, which reads as unset.
+class ScopedProperty {
+ public:
+  ScopedProperty(const char* name, const char* value) : name_(name) {
+    __system_property_set(name, value);
+  }
+  ~ScopedProperty() { __system_property_set(name_, ""); }
+  ScopedProperty(const ScopedProperty&) = delete;
+  ScopedProperty& operator=(const ScopedProperty&) = delete;
+
+ private:
+  const char* name_;
+};
+
+// Noise with maps of 320 x 240, both sharp and blurred somewhere. The focus
+// point is (3, 4).
+struct TestFrame {
+  explicit TestFrame(const GLInitInfo& info, uint32_t seed = 1)
+      : luma(PatternBytes(Pattern::kNoise, info.PreviewWidth,
+                          info.PreviewHeight, seed)),
+        chroma(PatternBytes(Pattern::kNoise, info.PreviewWidth,
+                            info.PreviewHeight / 2, seed + 1)),
+        weights(PatternBytes(Pattern::kRamp, 320, 240, 0)),
+        depth(DisparityScene(320, 240, 200, 700)) {}
+
+  uint32_t Render(bool from_depth = false, int32_t bypass = 0) {
+    return from_depth
+               ? zuQelRT_GLStartV1HWDepth(luma.data(), chroma.data(),
+                                          depth.data(), 3, 4, bypass,
+                                          {0, 0, 0, 0}, 1)
+               : zuQelRT_GLStartV1(luma.data(), chroma.data(), weights.data(),
+                                   3, 4, bypass, {0, 0, 0, 0}, 1);
+  }
+
+  std::vector<uint8_t> luma, chroma, weights;
+  std::vector<uint16_t> depth;
+};
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_TEST_FRAME_H_
