@@ -229,7 +229,7 @@ void SumRecordChoice(Numbers& numbers, Checksum& sum) {
 }
 
 void SumForcedRecords(Numbers& numbers, Checksum& sum) {
-  for (const size_t length : {464, 1403, 2801, 512, 1547, 1488}) {
+  for (const size_t length : {464U, 1403U, 2801U, 512U, 1547U, 1488U}) {
     const auto block = Noise<uint8_t>(length, numbers);
     for (uint32_t index = 0; index < 7; ++index) {
       const auto selector = static_cast<int32_t>(index);
