@@ -21,7 +21,7 @@ using testing::ElementsAreArray;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr int kWidth = 34, kHeight = 5, kPixels = kWidth * kHeight;
+constexpr int kWidth = 34, kHeight = 5;
 
 // What comes behind the size in the name of a dump.
 constexpr const char* kEnd = "_v0.54.07_0007_1_-2.raw";
@@ -29,10 +29,12 @@ constexpr const char* kEnd = "_v0.54.07_0007_1_-2.raw";
 class RawCommand : public testing::Test {
  protected:
   RawCommand() {
-    const Picture noise = NoisePicture(4 * kWidth, kHeight);
-    bytes_.assign(noise.rgb.begin(), noise.rgb.begin() + 4 * kPixels);
+    const size_t pixels = PixelCount(kWidth, kHeight);
+    bytes_ = NoisePicture(4 * kWidth, kHeight).rgb;
+    bytes_.resize(4 * pixels);
     WriteBytes(File(output_name_), bytes_);
-    grey_.assign(bytes_.begin(), bytes_.begin() + kPixels);
+    grey_ = bytes_;
+    grey_.resize(pixels);
     for (const std::string& name : {luma_name_, weight_name_}) {
       WriteBytes(File(name), grey_);
     }
