@@ -15,6 +15,7 @@ struct Command {
 
 Command AddRenderCommand(CLI::App& program);
 Command AddDemoCommand(CLI::App& program);
+Command AddRawCommand(CLI::App& program);
 
 }  // namespace zuqel::tools
 

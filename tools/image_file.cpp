@@ -26,18 +26,6 @@ using Reason = std::array<char, kDecodeReasonSize>;
   throw InputError(path + ": " + what);
 }
 
-Bytes ReadFile(const std::string& path) {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) {
-    Refuse(path, "is a folder");
-  }
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    Refuse(path, std::string("cannot be opened: ") + std::strerror(errno));
-  }
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 void CheckDecoded(const std::string& path, DecodeStatus status,
                   const Reason& reason) {
   if (status == kDecodeTruncated) Refuse(path, "is truncated");
@@ -145,6 +133,18 @@ void WritePng(int width, int height, png_uint_32 format, const void* pixels,
 
 }  // namespace
 
+std::vector<uint8_t> ReadFile(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    Refuse(path, "is a folder");
+  }
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    Refuse(path, std::string("cannot be opened: ") + std::strerror(errno));
+  }
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
 Picture ReadPicture(const std::string& path) {
   const Bytes bytes = ReadFile(path);
   if (IsPng(bytes)) return DecodePngPicture(path, bytes);
@@ -169,6 +169,10 @@ WeightMap ReadWeights(const std::string& path) {
 void WritePicture(const Picture& picture, const std::string& path) {
   WritePng(picture.width, picture.height, PNG_FORMAT_RGB, picture.rgb.data(),
            path);
+}
+
+void WriteGrey(const Map<uint8_t>& map, const std::string& path) {
+  WritePng(map.width, map.height, PNG_FORMAT_GRAY, map.values.data(), path);
 }
 
 void WriteDisparity(const DisparityMap& map, const std::string& path) {

@@ -2,7 +2,9 @@
 #ifndef ZUQEL_TOOLS_IMAGE_FILE_H_
 #define ZUQEL_TOOLS_IMAGE_FILE_H_
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "image.h"
 
@@ -12,6 +14,9 @@ namespace zuqel::tools {
 constexpr int kLargestSide = 8192;
 
 // The readers throw InputError, which names the file and what is wrong with it.
+
+// All bytes of a file.
+std::vector<uint8_t> ReadFile(const std::string& path);
 
 // A PNG or JPEG picture. Grey becomes colour, alpha is dropped, 16 bits are
 // reduced to 8.
@@ -25,6 +30,7 @@ WeightMap ReadWeights(const std::string& path);
 
 // The writers make PNG files and throw WorkError.
 void WritePicture(const Picture& picture, const std::string& path);
+void WriteGrey(const Map<uint8_t>& map, const std::string& path);
 void WriteDisparity(const DisparityMap& map, const std::string& path);
 
 }  // namespace zuqel::tools

@@ -69,6 +69,14 @@ Nv21Frame ToNv21(const Picture& picture) {
   return frame;
 }
 
+void YuvToRgb(int luma, int u, int v, uint8_t* rgb) {
+  u -= 128;
+  v -= 128;
+  rgb[0] = ToByte(luma + Round(kRFromV * v, 16));
+  rgb[1] = ToByte(luma + Round(kGFromU * u + kGFromV * v, 16));
+  rgb[2] = ToByte(luma + Round(kBFromU * u, 16));
+}
+
 Picture ToPicture(const Nv21Frame& frame) {
   Picture picture(frame.width, frame.height);
   for (int y = 0; y < frame.height; ++y) {
@@ -76,12 +84,7 @@ Picture ToPicture(const Nv21Frame& frame) {
     const uint8_t* chroma =
         frame.chroma.data() + PixelCount(frame.width, y / 2);
     for (int x = 0; x < frame.width; ++x) {
-      const int v = chroma[x & ~1] - 128;
-      const int u = chroma[x | 1] - 128;
-      uint8_t* rgb = picture.Pixel(x, y);
-      rgb[0] = ToByte(luma[x] + Round(kRFromV * v, 16));
-      rgb[1] = ToByte(luma[x] + Round(kGFromU * u + kGFromV * v, 16));
-      rgb[2] = ToByte(luma[x] + Round(kBFromU * u, 16));
+      YuvToRgb(luma[x], chroma[x | 1], chroma[x & ~1], picture.Pixel(x, y));
     }
   }
   return picture;

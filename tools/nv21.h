@@ -21,6 +21,9 @@ struct Nv21Frame {
 // The chroma is that of the mean of the 2x2 pixels. `picture` has even sides.
 Nv21Frame ToNv21(const Picture& picture);
 
+// One pixel to red, green and blue; full-range BT.601.
+void YuvToRgb(int luma, int u, int v, uint8_t* rgb);
+
 // Each of the 2x2 pixels takes the chroma as it is.
 Picture ToPicture(const Nv21Frame& frame);
 

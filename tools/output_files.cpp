@@ -78,6 +78,10 @@ void OutputFiles::Write(const std::string& path, const Picture& picture) {
   WritePicture(picture, AddTemporary(path, picture.width, picture.height));
 }
 
+void OutputFiles::Write(const std::string& path, const Map<uint8_t>& grey) {
+  WriteGrey(grey, AddTemporary(path, grey.width, grey.height));
+}
+
 void OutputFiles::Write(const std::string& path, const DisparityMap& map) {
   WriteDisparity(map, AddTemporary(path, map.width, map.height));
 }

@@ -2,6 +2,7 @@
 #ifndef ZUQEL_TOOLS_OUTPUT_FILES_H_
 #define ZUQEL_TOOLS_OUTPUT_FILES_H_
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -28,6 +29,7 @@ class OutputFiles {
 
   // Writes a PNG file for the announced `path`.
   void Write(const std::string& path, const Picture& picture);
+  void Write(const std::string& path, const Map<uint8_t>& grey);
   void Write(const std::string& path, const DisparityMap& map);
 
   // Moves every written file to its place and prints a line for each.

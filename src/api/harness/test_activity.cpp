@@ -3,15 +3,13 @@
 // device's shared storage and exercise the library's lifecycle. The harness
 // keeps its own state beside the session.
 #include <pthread.h>
+#include <sys/stat.h>
 #include <zuQelRT_GL.h>
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <memory>
-#include <system_error>
+#include <cstdio>
+#include <optional>
 
 #include "base/buffer.h"
 #include "base/clock.h"
@@ -44,28 +42,30 @@ Harness& TheHarness() {
   return *harness;
 }
 
-// Bytes of a file; a missing one has none.
-size_t SizeOfFile(const char* path) {
-  std::error_code error;
-  const auto size = std::filesystem::file_size(path, error);
-  return error ? 0 : static_cast<size_t>(size);
+// Bytes of a file, 0 of a missing one. Nothing for one past 2^31 - 1 bytes,
+// which counts as out of memory.
+std::optional<size_t> SizeOfFile(const char* path) {
+  struct stat status = {};
+  if (stat(path, &status) != 0) return 0;
+  if (status.st_size > INT32_MAX) return std::nullopt;
+  return static_cast<size_t>(status.st_size);
 }
 
-// Reads up to `size` bytes of a file and logs whether it could be read. A short
-// file leaves the rest of the buffer as it was.
-void ReadFile(const char* path, uint8_t* bytes, size_t size) {
-  std::ifstream file(path, std::ios::binary);
-  const bool is_read = bytes != nullptr && file.is_open();
-  if (is_read) {
-    file.read(reinterpret_cast<char*>(bytes),
-              static_cast<std::streamsize>(size));
-  }
+// Fills the buffer from the start of a file; a short file leaves the rest as it
+// was. False when the file cannot be opened or read.
+bool ReadFile(const char* path, const Buffer& buffer) {
+  std::FILE* file = std::fopen(path, "rb");
+  if (file == nullptr) return false;
+  static_cast<void>(std::fread(buffer.bytes(), 1, buffer.size(), file));
+  const bool is_read = std::ferror(file) == 0;
+  static_cast<void>(std::fclose(file));
+  return is_read;
+}
+
+// Makes the buffer where there is none, reads the file, and logs the outcome.
+void ReadInto(Buffer& buffer, std::optional<size_t> size, const char* path) {
+  const bool is_read = buffer.Reserve(size) && ReadFile(path, buffer);
   ZUQEL_LOG("%s", is_read ? "*VX* Read File Success." : "*VX* Read File Fail.");
-}
-
-void ReadInto(Buffer& buffer, size_t size, const char* path) {
-  const bool has_room = buffer.Reserve(size);
-  ReadFile(path, has_room ? buffer.bytes() : nullptr, size);
 }
 
 }  // namespace
@@ -79,8 +79,9 @@ void Java_com_example_lvglrefocusing_MainActivity_initGL(void* /*env*/,
                                                          void* /*object*/) {
   Harness& harness = TheHarness();
   Buffer calibration;
-  const size_t calibration_size = SizeOfFile(kCalibrationPath);
-  ZUQEL_LOG("*VX* dOTPSize = %d", static_cast<int>(calibration_size));
+  const std::optional<size_t> calibration_size = SizeOfFile(kCalibrationPath);
+  ZUQEL_LOG("*VX* dOTPSize = %d",
+            static_cast<int>(calibration_size.value_or(0)));
   ReadInto(calibration, calibration_size, kCalibrationPath);
   ReadInto(harness.image, kImageBytes, kImagePath);
   ReadInto(harness.depth, kDepthBytes, kDepthPath);

@@ -1,0 +1,174 @@
+#!/usr/bin/env python3
+"""Loads the library into a Java runtime and calls the test activity's methods.
+
+The sample files have fixed places below /sdcard. A root folder of the test's
+own, in a mount namespace of its own, has that folder, so that the machine's
+files are neither needed nor touched.
+"""
+
+import argparse
+import os
+import re
+import subprocess
+import sys
+import tempfile
+
+SKIPPED = 77  # SKIP_RETURN_CODE of the test
+CLASS = "com.example.lvglrefocusing.MainActivity"
+FOLDER = "a folder"
+
+CALIBRATION = "OTP_DATA.bin"
+IMAGE = "filesmain.raw"
+DEPTH = "filesdepth320x240.raw"
+IMAGE_BYTES = 1280 * 960 * 3 // 2
+DEPTH_BYTES = 320 * 240 * 2
+
+GOOD = "*VX* Read File Success."
+BAD = "*VX* Read File Fail."
+START = ["*VX* Runtime = N (ms)"]
+CLOSE = ["*VX* Close", "zuQelRT_GLClose +", "zuQelRT_GLClose -"]
+
+
+def init(size, *outcomes):
+    return [f"*VX* dOTPSize = {size}", *outcomes,
+            "*VX* zuQel_GLInit errNum = 0"]
+
+
+CASES = [  # name, sizes of the files, calls, log
+    ("no files", {}, "init start close",
+     init(0, BAD, BAD, BAD) + START + CLOSE),
+    ("all files",
+     {CALIBRATION: 2048, IMAGE: IMAGE_BYTES, DEPTH: DEPTH_BYTES},
+     "init start close", init(2048, GOOD, GOOD, GOOD) + START + CLOSE),
+    ("short files, buffers reused, closed twice",
+     {CALIBRATION: 0, IMAGE: 1000, DEPTH: 1},
+     "init init close close init close",
+     2 * init(0, GOOD, GOOD, GOOD) + 2 * CLOSE + init(0, GOOD, GOOD, GOOD) +
+     CLOSE),
+    # Far longer, so that a read past the buffer does not pass unseen.
+    ("long files", {IMAGE: 1 << 28, DEPTH: 1 << 28}, "init start close",
+     init(0, BAD, GOOD, GOOD) + START + CLOSE),
+    ("folder in a file's place, one past 2 GiB",
+     {CALIBRATION: 1 << 31, IMAGE: FOLDER, DEPTH: DEPTH_BYTES},
+     "init start close", init(0, BAD, BAD, GOOD) + START + CLOSE),
+    ("out of order", {DEPTH: DEPTH_BYTES}, "start close start init start",
+     START + CLOSE + START + init(0, BAD, BAD, GOOD) + START),
+]
+
+
+def arguments():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--java", required=True)
+    parser.add_argument("--classes", required=True, type=os.path.abspath)
+    parser.add_argument("--library", required=True, type=os.path.abspath)
+    parser.add_argument("--preload", help="a sanitizer's runtime library")
+    parser.add_argument("--root", help=argparse.SUPPRESS)
+    return parser.parse_args()
+
+
+def run_in_namespace():
+    """Runs this script again where it may mount; returns its exit code."""
+    for unshare in (["unshare", "-m"], ["unshare", "-rm"]):
+        may_mount = subprocess.run(
+            unshare + ["mount", "-t", "tmpfs", "tmpfs", "/tmp"],
+            stderr=subprocess.DEVNULL)
+        if may_mount.returncode == 0:
+            with tempfile.TemporaryDirectory() as root:
+                script = [sys.executable, os.path.abspath(__file__)]
+                return subprocess.run(unshare + script + sys.argv[1:] +
+                                      ["--root", root]).returncode
+    print("no mount namespace of its own can be had for /sdcard")
+    return 1 if os.environ.get("CI") else SKIPPED
+
+
+def enter_root(root):
+    """Makes `root` this process's root: the machine's, with an own /sdcard."""
+    mount = ["mount", "-t", "tmpfs", "tmpfs", root]
+    subprocess.run(mount, check=True)
+    for entry in os.scandir("/"):
+        place = os.path.join(root, entry.name)
+        if entry.name == "sdcard":
+            continue
+        if entry.is_symlink():
+            os.symlink(os.readlink(entry.path), place)
+        elif entry.is_dir():
+            os.mkdir(place)
+            subprocess.run(["mount", "--rbind", entry.path, place], check=True)
+    os.mkdir(os.path.join(root, "sdcard"))
+    os.chroot(root)
+    os.chdir("/sdcard")
+
+
+def place_files(sizes):
+    for name in (CALIBRATION, IMAGE, DEPTH):
+        if os.path.isdir(name):
+            os.rmdir(name)
+        elif os.path.exists(name):
+            os.remove(name)
+        size = sizes.get(name)
+        if size == FOLDER:
+            os.mkdir(name)
+        elif size is not None:
+            with open(name, "wb") as file:
+                file.truncate(size)
+
+
+def environment(preload):
+    # Java tells on standard error what it takes from these.
+    left_out = ("JAVA_TOOL_OPTIONS", "JDK_JAVA_OPTIONS", "_JAVA_OPTIONS")
+    result = {k: v for k, v in os.environ.items() if k not in left_out}
+    if preload:
+        # The runtime reads its own guard pages, and frees little at its end.
+        result["LD_PRELOAD"] = preload
+        result["ASAN_OPTIONS"] = "detect_leaks=0:handle_segv=0"
+    return result
+
+
+def printed(calls):
+    return [{"init": "initGL"}.get(call, f"{call}GL = 0")
+            for call in calls.split()]
+
+
+def log_of(process, text):
+    """The log's messages; other lines stay as they are, so they are found."""
+    prefix = "E/System.out(%5d): " % process.pid
+    return [re.sub(r"Runtime = \d+ ", "Runtime = N ", line[len(prefix):])
+            if line.startswith(prefix) else line
+            for line in text.splitlines()]
+
+
+def run_case(options, sizes, calls, expected_log):
+    """What differs from the expected, as lines; none when all is well."""
+    place_files(sizes)
+    command = [options.java, "-Xshare:auto", "-XX:TieredStopAtLevel=1",
+               "-XX:+UseSerialGC", "-Xcheck:jni", "-cp", options.classes, CLASS,
+               options.library, *calls.split()]
+    process = subprocess.Popen(
+        command, env=environment(options.preload), text=True,
+        stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+    out, err = process.communicate(timeout=60)
+    wrong = []
+    for what, actual, expected in (
+            ("exit code", process.returncode, 0),
+            ("output", out.splitlines(), printed(calls)),
+            ("log", log_of(process, err), expected_log)):
+        if actual != expected:
+            wrong.append(f"  {what}: {actual}\n  expected: {expected}")
+    return wrong
+
+
+def main():
+    options = arguments()
+    if options.root is None:
+        return run_in_namespace()
+    enter_root(options.root)
+    failed = 0
+    for name, sizes, calls, expected_log in CASES:
+        wrong = run_case(options, sizes, calls, expected_log)
+        print("\n".join([f"{'FAILED' if wrong else 'ok'}: {name}"] + wrong))
+        failed += bool(wrong)
+    return 1 if failed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,71 @@
+// Runs the zuqel program from outside.
+#include "program_run.h"
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdint>
+#include <filesystem>
+#include <sstream>
+
+#include "image_samples.h"
+
+namespace zuqel::tools {
+namespace {
+
+// A list of pointers that ends with null; valid as long as `texts`.
+std::vector<char*> PointersTo(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  pointers.reserve(texts.size() + 1);
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+}  // namespace
+
+Outcome RunZuqel(const std::string& folder, const std::string& arguments,
+                 const std::vector<std::string>& environment) {
+  std::istringstream words("zuqel " + arguments);
+  std::vector<std::string> argv_text;
+  for (std::string word; words >> word;) argv_text.push_back(word);
+  std::vector<std::string> env_text = environment;
+  for (char** entry = environ; *entry != nullptr; ++entry) {
+    env_text.emplace_back(*entry);
+  }
+
+  const TemporaryFolder streams;
+  const std::string out = streams / "out.txt", err = streams / "err.txt";
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
+  posix_spawn_file_actions_t actions = {};
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), kFlags, 0600);
+  posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), kFlags, 0600);
+  posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+  pid_t child = 0;
+  int status = 0;
+  const int failed =
+      posix_spawn(&child, ZUQEL_PROGRAM, &actions, nullptr,
+                  PointersTo(argv_text).data(), PointersTo(env_text).data());
+  posix_spawn_file_actions_destroy(&actions);
+  if (failed != 0 || waitpid(child, &status, 0) != child) return {};
+  return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(out),
+          ReadText(err)};
+}
+
+std::string ReadText(const std::string& path) {
+  const std::vector<uint8_t> bytes = ReadBytes(path);
+  return {bytes.begin(), bytes.end()};
+}
+
+std::set<std::string> FilesIn(const std::string& folder) {
+  std::set<std::string> names;
+  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+    names.insert(entry.path().filename());
+  }
+  return names;
+}
+
+}  // namespace zuqel::tools

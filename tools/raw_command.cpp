@@ -1,0 +1,194 @@
+// zuqel raw: a frame dump of the library in, a picture of it out.
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <regex>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "command.h"
+#include "image.h"
+#include "image_file.h"
+#include "nv21.h"
+#include "output_files.h"
+#include "tool_error.h"
+
+namespace zuqel::tools {
+namespace {
+
+struct RawOptions {
+  std::string file, size, kind, output;
+  bool is_rgb = false;
+};
+
+struct Kind {
+  const char* name;
+  const char* tag;  // in the names of dumps
+  size_t pixel_bytes;
+};
+constexpr Kind kLuma = {"luma", "Bokeh", 1};
+constexpr Kind kWeights = {"weights", "RM", 1};
+constexpr Kind kOutput = {"output", "Output", 4};
+constexpr std::array<const Kind*, 3> kKinds = {&kLuma, &kWeights, &kOutput};
+
+struct Size {
+  bool operator==(const Size&) const = default;
+  int width = 0, height = 0;
+};
+
+struct Dump {
+  const Kind* kind = nullptr;
+  Size size;
+};
+
+std::string ToText(Size size) {
+  return std::to_string(size.width) + "x" + std::to_string(size.height);
+}
+
+// `text` is WIDTHxHEIGHT; `source` names it in the error.
+Size ParseSize(const std::string& text, const std::string& source) {
+  static const std::regex kPattern(R"((\d{1,9})x(\d{1,9}))");
+  std::smatch match;
+  Size size;
+  if (std::regex_match(text, match, kPattern)) {
+    size = {std::stoi(match[1]), std::stoi(match[2])};
+  }
+  if (std::clamp(size.width, 1, kLargestSide) != size.width ||
+      std::clamp(size.height, 1, kLargestSide) != size.height) {
+    throw InputError(source + ": " + text + " is not WxH, each from 1 to " +
+                     std::to_string(kLargestSide));
+  }
+  return size;
+}
+
+// What the library put into the name; nothing when it did not make the name. A
+// folder property without its slash puts the folder's name in front.
+std::optional<Dump> ParseName(const std::string& path) {
+  const std::string name = std::filesystem::path(path).filename();
+  for (const Kind* kind : kKinds) {
+    const std::regex pattern(std::string("GL") + kind->tag +
+                             R"(_(\d+x\d+)_v.+_-?\d+_-?\d+_-?\d+\.raw$)");
+    std::smatch match;
+    if (std::regex_search(name, match, pattern)) {
+      return Dump{kind, ParseSize(match[1], path)};
+    }
+  }
+  return std::nullopt;
+}
+
+const Kind* KindNamed(const std::string& name) {
+  const auto* const found =
+      std::find_if(kKinds.begin(), kKinds.end(),
+                   [&](const Kind* kind) { return kind->name == name; });
+  return found == kKinds.end() ? nullptr : *found;
+}
+
+// Puts the name and the options together, which must not contradict.
+Dump Identify(const RawOptions& options) {
+  const std::optional<Dump> named = ParseName(options.file);
+  if (!named && (options.size.empty() || options.kind.empty())) {
+    throw InputError(options.file +
+                     ": the name does not tell size and kind; give --size "
+                     "and --kind");
+  }
+  Dump dump = named.value_or(Dump{});
+  if (!options.size.empty()) dump.size = ParseSize(options.size, "--size");
+  if (!options.kind.empty()) dump.kind = KindNamed(options.kind);
+  if (named && named->size != dump.size) {
+    throw InputError("--size " + options.size + ": the name says " +
+                     ToText(named->size));
+  }
+  if (named && named->kind != dump.kind) {
+    throw InputError("--kind " + options.kind + ": the name says " +
+                     named->kind->name);
+  }
+  if (options.is_rgb && dump.kind != &kOutput) {
+    throw InputError(std::string("--rgb: is for output; this is ") +
+                     dump.kind->name);
+  }
+  return dump;
+}
+
+std::vector<uint8_t> ReadDump(const std::string& path, const Dump& dump) {
+  std::vector<uint8_t> bytes = ReadFile(path);
+  const size_t expected =
+      PixelCount(dump.size.width, dump.size.height) * dump.kind->pixel_bytes;
+  if (bytes.size() != expected) {
+    throw InputError(path + ": has " + std::to_string(bytes.size()) +
+                     " bytes; " + dump.kind->name + " of " + ToText(dump.size) +
+                     " has " + std::to_string(expected));
+  }
+  return bytes;
+}
+
+// Pixels of four bytes; the last is of no use here.
+Picture ColourPicture(Size size, const std::vector<uint8_t>& bytes,
+                      bool is_rgb) {
+  Picture picture(size.width, size.height);
+  uint8_t* rgb = picture.rgb.data();
+  for (size_t i = 0; i < bytes.size(); i += 4, rgb += 3) {
+    const uint8_t* pixel = &bytes[i];
+    if (is_rgb) {
+      std::copy_n(pixel, 3, rgb);
+    } else {
+      YuvToRgb(pixel[0], pixel[1], pixel[2], rgb);
+    }
+  }
+  return picture;
+}
+
+void Run(const RawOptions& options) {
+  const Dump dump = Identify(options);
+  OutputFiles outputs;
+  outputs.Announce(options.output);
+  std::vector<uint8_t> bytes = ReadDump(options.file, dump);
+  if (dump.kind == &kOutput) {
+    outputs.Write(options.output,
+                  ColourPicture(dump.size, bytes, options.is_rgb));
+  } else {
+    Map<uint8_t> grey(dump.size.width, dump.size.height);
+    grey.values = std::move(bytes);
+    outputs.Write(options.output, grey);
+  }
+  outputs.Commit();
+}
+
+}  // namespace
+
+Command AddRawCommand(CLI::App& program) {
+  CLI::App* app = program.add_subcommand(
+      "raw", "Turn a frame dump of the library into a picture");
+  auto options = std::make_shared<RawOptions>();
+  app->add_option("FILE", options->file,
+                  "The dump; its name tells the rest unless it was renamed")
+      ->type_name("")
+      ->required();
+  app->add_option("--size", options->size, "Width and height in pixels")
+      ->type_name("WxH");
+  app->add_option("--kind", options->kind,
+                  "luma or weights, one byte a pixel, become 8-bit grey;\n"
+                  "output, four bytes a pixel, becomes a colour picture")
+      ->type_name("KIND")
+      ->check([](const std::string& name) {
+        return KindNamed(name) == nullptr
+                   ? name + " is not luma, weights or output"
+                   : std::string();
+      });
+  app->add_flag("--rgb", options->is_rgb,
+                "The output's channels are R, G, B, as where the library\n"
+                "renders to a screen; off screen they are Y, U, V");
+  app->add_option("-o,--output", options->output, "The picture, PNG")
+      ->type_name("FILE")
+      ->required();
+  app->footer(
+      "Example:\n"
+      "  zuqel raw GLOutput_1280x960_v0.54.07_0007_640_480.raw -o output.png");
+  return {app, [options] { Run(*options); }};
+}
+
+}  // namespace zuqel::tools
