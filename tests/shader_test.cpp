@@ -66,7 +66,8 @@ class ShaderTest : public testing::Test {
     PinDriverLibraries();
     if (slot_.context == EGL_NO_CONTEXT) return;
     plain_state_.emplace();
-    CreateRenderState(state_, {kWidth, kHeight});
+    CreateImages(state_, {kWidth, kHeight}, nullptr);
+    state_.programs.BuildAll();
   }
   static void TearDownTestSuite() {
     if (slot_.context == EGL_NO_CONTEXT) return;
