@@ -1,6 +1,5 @@
 // The cipher against published vectors and against libcrypto.
 #include <gtest/gtest.h>
-#include <openssl/evp.h>
 
 #include <algorithm>
 #include <array>
@@ -8,7 +7,6 @@
 #include <cstdint>
 #include <fstream>
 #include <map>
-#include <memory>
 #include <new>
 #include <random>
 #include <span>
@@ -19,11 +17,10 @@
 #include "calib/gcm.h"
 #include "calib/key_wrap.h"
 #include "guarded_memory.h"
+#include "peer_cipher.h"
 
 namespace zuqel::calib {
 namespace {
-
-using Bytes = std::vector<uint8_t>;
 
 Bytes FromHex(const std::string& text) {
   Bytes bytes;
@@ -80,16 +77,6 @@ Bytes Decrypt(const Bytes& key, Bytes data) {
   }
   return data;
 }
-
-struct Sealed {
-  Bytes data;
-  Bytes tag;
-  bool operator==(const Sealed&) const = default;
-};
-
-struct Message {
-  Bytes key, nonce, additional, plain;
-};
 
 // `data` lies against a protected page, as foreign data might.
 Sealed Seal(const Message& message) {
@@ -228,37 +215,6 @@ TEST(Cipher, KeyWrapVectors) {
   EXPECT_GE(refused, 20);
 }
 
-struct FreeContext {
-  void operator()(EVP_CIPHER_CTX* context) const {
-    EVP_CIPHER_CTX_free(context);
-  }
-};
-using Context = std::unique_ptr<EVP_CIPHER_CTX, FreeContext>;
-
-// `data` encrypted by libcrypto in the mode of `type`.
-Bytes EncryptByPeer(EVP_CIPHER_CTX* context, const EVP_CIPHER* type,
-                    const Bytes& key, const uint8_t* nonce,
-                    const Bytes& additional, const Bytes& data) {
-  EVP_CIPHER_CTX_set_flags(context, EVP_CIPHER_CTX_FLAG_WRAP_ALLOW);
-  EXPECT_EQ(EVP_EncryptInit_ex(context, type, nullptr, key.data(), nonce), 1);
-  EVP_CIPHER_CTX_set_padding(context, 0);
-  if (!additional.empty()) {
-    int size = 0;
-    EXPECT_EQ(EVP_EncryptUpdate(context, nullptr, &size, additional.data(),
-                                static_cast<int>(additional.size())),
-              1);
-  }
-  Bytes encrypted(data.size() + kAesBlockSize);
-  int written = 0;
-  int rest = 0;
-  EXPECT_EQ(EVP_EncryptUpdate(context, encrypted.data(), &written, data.data(),
-                              static_cast<int>(data.size())),
-            1);
-  EXPECT_EQ(EVP_EncryptFinal_ex(context, encrypted.data() + written, &rest), 1);
-  encrypted.resize(static_cast<size_t>(written) + static_cast<size_t>(rest));
-  return encrypted;
-}
-
 class Source {
  public:
   size_t Below(size_t end) { return engine_() % end; }
@@ -275,31 +231,22 @@ class Source {
 
 TEST(Cipher, SameAsPeer) {
   Source source;
-  const Context context(EVP_CIPHER_CTX_new());
   for (size_t size = 0; size < 600; ++size) {
     const Message message{source.Take(32), source.Take(12),
                           source.Take(source.Below(64)), source.Take(size)};
-    Sealed expected{
-        EncryptByPeer(context.get(), EVP_aes_256_gcm(), message.key,
-                      message.nonce.data(), message.additional, message.plain),
-        Bytes(kGcmTagSize)};
-    ASSERT_EQ(EVP_CIPHER_CTX_ctrl(context.get(), EVP_CTRL_GCM_GET_TAG,
-                                  kGcmTagSize, expected.tag.data()),
-              1);
-    ASSERT_EQ(Seal(message), expected) << size;
-    const Opened opened = Open(message, expected);
+    const Sealed sealed = SealByPeer(message);
+    ASSERT_EQ(Seal(message), sealed) << size;
+    const Opened opened = Open(message, sealed);
     ASSERT_TRUE(opened.is_right) << size;
     ASSERT_EQ(opened.data, message.plain) << size;
 
     const Bytes blocks = source.Take(size / 16 * 16);
-    const Bytes encrypted = EncryptByPeer(context.get(), EVP_aes_256_ecb(),
-                                          message.key, nullptr, {}, blocks);
+    const Bytes encrypted = EncryptByPeer(message.key, blocks);
     ASSERT_EQ(Encrypt(message.key, blocks), encrypted);
     ASSERT_EQ(Decrypt(message.key, encrypted), blocks);
 
     const Bytes key = source.Take(32);
-    const Bytes wrapped = EncryptByPeer(context.get(), EVP_aes_256_wrap(),
-                                        message.key, nullptr, {}, key);
+    const Bytes wrapped = WrapByPeer(message.key, key);
     ASSERT_EQ(Wrap(message.key, key), wrapped);
     ASSERT_EQ(Unwrap(message.key, wrapped).data, key);
   }

@@ -7,6 +7,7 @@
 #include "api/session.h"
 #include "base/log.h"
 #include "base/property.h"
+#include "calib/built_in_keys.h"
 #include "calib/calibration.h"
 #include "gl/gl_state.h"
 
@@ -100,7 +101,8 @@ uint32_t zuQelRT_GLInitV1(const uint8_t* calibA, uint32_t calibASize,
                 .block_a_size = calibASize,
                 .block_b = calibB,
                 .block_b_size = calibBSize,
-                .selector = CalibrationSelector(session.camera_layout)});
+                .selector = CalibrationSelector(session.camera_layout),
+                .default_keys = zuqel::calib::BuiltInKeys()});
   if (calibration != ZUQEL_SUCCESS) return calibration;
   // Before anything is made that would have to be taken back.
   if (!session.buffers.Reserve(session.gInfo)) return ZUQEL_INIT_REFUSED;

@@ -71,7 +71,8 @@ using Factors = std::array<uint8_t, 4>;
 constexpr Factors kMix = {2, 3, 1, 1};
 constexpr Factors kInverseMix = {14, 11, 13, 9};
 
-void MixColumns(AesBlock state, const Factors& factors) {
+template <const Factors& kFactors>
+void MixColumns(AesBlock state) {
   SecretBytes<kAesBlockSize> old;
   std::copy(state.begin(), state.end(), old.values.begin());
   for (size_t i = 0; i < kAesBlockSize; ++i) {
@@ -79,7 +80,7 @@ void MixColumns(AesBlock state, const Factors& factors) {
     const size_t column = i - row;
     uint8_t sum = 0;
     for (size_t k = 0; k < 4; ++k) {
-      sum ^= Multiply(old.values[column + (row + k) % 4], factors[k]);
+      sum ^= Multiply(old.values[column + (row + k) % 4], kFactors[k]);
     }
     state[i] = sum;
   }
@@ -116,7 +117,7 @@ void Aes256::Encrypt(AesBlock block) const {
   AddRoundKey(block, 0);
   for (size_t round = 1; round <= kRounds; ++round) {
     SubstituteAndShiftRows(block, kSubstitution, 1);
-    if (round != kRounds) MixColumns(block, kMix);
+    if (round != kRounds) MixColumns<kMix>(block);
     AddRoundKey(block, round);
   }
 }
@@ -124,7 +125,7 @@ void Aes256::Encrypt(AesBlock block) const {
 void Aes256::Decrypt(AesBlock block) const {
   for (size_t round = kRounds; round >= 1; --round) {
     AddRoundKey(block, round);
-    if (round != kRounds) MixColumns(block, kInverseMix);
+    if (round != kRounds) MixColumns<kInverseMix>(block);
     SubstituteAndShiftRows(block, kInverseSubstitution, 3);
   }
   AddRoundKey(block, 0);
