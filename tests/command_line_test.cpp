@@ -1,16 +1,10 @@
 // Runs the program as people do: arguments in; exit code, words and files out.
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <spawn.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-
 #include <filesystem>
 #include <set>
-#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -18,6 +12,7 @@
 #include "image_file.h"
 #include "image_samples.h"
 #include "nv21.h"
+#include "program_run.h"
 
 namespace zuqel::tools {
 namespace {
@@ -26,16 +21,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr int kWidth = 320, kHeight = 240;
-
-struct Outcome {
-  int exit_code = -1;
-  std::string out, err;
-};
-
-std::string ReadText(const std::string& path) {
-  const std::vector<uint8_t> bytes = ReadBytes(path);
-  return {bytes.begin(), bytes.end()};
-}
 
 class CommandLine : public testing::Test {
  protected:
@@ -67,38 +52,10 @@ class CommandLine : public testing::Test {
     return names;
   }
 
-  // Runs zuqel in the work folder; `arguments` are separated by spaces.
   [[nodiscard]] Outcome Run(
       const std::string& arguments,
       const std::vector<std::string>& environment = {}) const {
-    std::istringstream words("zuqel " + arguments);
-    std::vector<std::string> argv_text;
-    for (std::string word; words >> word;) argv_text.push_back(word);
-    std::vector<std::string> env_text = environment;
-    for (char** entry = environ; *entry != nullptr; ++entry) {
-      env_text.emplace_back(*entry);
-    }
-    std::vector<char*> argv, env;
-    for (std::string& text : argv_text) argv.push_back(text.data());
-    for (std::string& text : env_text) env.push_back(text.data());
-    argv.push_back(nullptr);
-    env.push_back(nullptr);
-
-    const std::string out = folder_ / "out.txt", err = folder_ / "err.txt";
-    constexpr int kFlags = O_WRONLY | O_CREAT | O_TRUNC;
-    posix_spawn_file_actions_t actions = {};
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), kFlags, 0600);
-    posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), kFlags, 0600);
-    posix_spawn_file_actions_addchdir_np(&actions, (folder_ / "work").c_str());
-    pid_t child = 0;
-    int status = 0;
-    const int failed = posix_spawn(&child, ZUQEL_PROGRAM, &actions, nullptr,
-                                   argv.data(), env.data());
-    posix_spawn_file_actions_destroy(&actions);
-    if (failed != 0 || waitpid(child, &status, 0) != child) return {};
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(out),
-            ReadText(err)};
+    return RunZuqel(folder_, arguments, environment);
   }
 
   TemporaryFolder folder_;
@@ -111,6 +68,9 @@ TEST_F(CommandLine, TellsAboutItself) {
       {"--version", "zuqel 0.54.07\n"},
       {"render --help", "\n  zuqel render --image "},
       {"demo --help", "\n  zuqel demo -o "},
+      {"calibration --help", "calibration COMMAND --help"},
+      {"calibration inspect --help", "\n  zuqel calibration inspect "},
+      {"calibration seal --help", "\n  zuqel calibration seal "},
   };
   for (const auto& [arguments, piece] : cases) {
     const Outcome outcome = Run(arguments);

@@ -5,37 +5,20 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <system_error>
 
 #include "decode/jpeg_decode.h"
 #include "decode/png_decode.h"
+#include "file_bytes.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using Reason = std::array<char, kDecodeReasonSize>;
 
 [[noreturn]] void Refuse(const std::string& path, const std::string& what) {
   throw InputError(path + ": " + what);
-}
-
-Bytes ReadFile(const std::string& path) {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) {
-    Refuse(path, "is a folder");
-  }
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    Refuse(path, std::string("cannot be opened: ") + std::strerror(errno));
-  }
-  return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void CheckDecoded(const std::string& path, DecodeStatus status,

@@ -49,6 +49,7 @@ int Run(int argc, char** argv) {
   const std::array commands = {
       zuqel::tools::AddRenderCommand(program),
       zuqel::tools::AddDemoCommand(program),
+      zuqel::tools::AddCalibrationCommand(program),
   };
   try {
     program.parse(argc, argv);
