@@ -32,8 +32,7 @@ struct Window {
   bool operator==(const Window&) const = default;
 };
 
-// Branches on the values of neighbours would be mispredicted: invalid ones are
-// multiplied by 0 instead.
+// Fills one hole; false when it has no valid neighbour.
 inline bool FillFrom(Plane<uint16_t> plane, int32_t x, int32_t y,
                      Window window) {
   uint32_t sum = 0;
@@ -41,9 +40,9 @@ inline bool FillFrom(Plane<uint16_t> plane, int32_t x, int32_t y,
   for (int32_t dy = window.top; dy <= window.bottom; ++dy) {
     for (int32_t dx = window.left; dx <= window.right; ++dx) {
       const uint16_t value = plane.row(y + dy)[x + dx];
-      const uint32_t valid = IsHole(value) ? 0 : 1;
-      sum += value * valid;
-      count += valid;
+      if (IsHole(value)) continue;
+      sum += value;
+      ++count;
     }
   }
   if (count == 0) return false;
@@ -51,7 +50,6 @@ inline bool FillFrom(Plane<uint16_t> plane, int32_t x, int32_t y,
   return true;
 }
 
-// Fills one hole; false when it has no valid neighbour.
 bool FillHole(Plane<uint16_t> plane, int32_t x, int32_t y) {
   const Window inside = {x > 0 ? -1 : 0, y > 0 ? -1 : 0,
                          x + 1 < plane.width ? 1 : 0,

@@ -1,0 +1,67 @@
+// Starts sessions for the length of a test. For tests that link the library's
+// objects.
+#ifndef TESTS_TEST_SESSION_H_
+#define TESTS_TEST_SESSION_H_
+
+#include <zuQelRT_GL.h>
+
+#include <array>
+#include <memory>
+#include <new>
+
+#include "api/session.h"
+#include "caller_context.h"
+#include "pin_driver.h"
+
+namespace zuqel {
+
+// 640 x 480 NV21 off screen with maps of 320 x 240.
+inline GLInitInfo DefaultInfo() {
+  return {.PreviewWidth = 640,
+          .PreviewHeight = 480,
+          .DepthWidth = 320,
+          .DepthHeight = 240,
+          .WorkWidth = 320,
+          .WorkHeight = 240,
+          .OutputWidth = 640,
+          .OutputHeight = 480,
+          .PortraitMode = 0,
+          .offmode = 1,
+          .srcformat = 0,
+          .GraphicBufferFlag = 0};
+}
+
+// Initialises with a calibration record of zeros, which gives no camera values.
+inline uint32_t InitSession(const GLInitInfo& info) {
+  constexpr std::array<uint8_t, 512> kRecord = {};
+  const uint32_t status = zuQelRT_GLInitV1(
+      kRecord.data(), uint32_t{kRecord.size()}, nullptr, 0, &info);
+  PinDriverLibraries();
+  return status;
+}
+
+// A session that ends with its scope.
+class ScopedSession {
+ public:
+  explicit ScopedSession(const GLInitInfo& info = DefaultInfo())
+      : status_(InitSession(info)) {}
+  ~ScopedSession() { zuQelRT_GLClose(); }
+  ScopedSession(const ScopedSession&) = delete;
+  ScopedSession& operator=(const ScopedSession&) = delete;
+
+  [[nodiscard]] uint32_t status() const { return status_; }
+
+ private:
+  uint32_t status_;
+};
+
+// Puts the session back to what it is at load. None runs.
+inline void ResetSession() {
+  Session* session = &TheSession();
+  std::destroy_at(session);
+  new (session) Session;
+}
+
+}  // namespace zuqel
+
+#endif  // TESTS_TEST_SESSION_H_
