@@ -36,10 +36,16 @@ extern "C" {
 #define ZUQEL_INIT_REFUSED 0x200Eu
 /* Calibration, returned by initialisation. */
 #define ZUQEL_CALIB_BAD_LENGTH 0x6002u    /* length matches no container */
-#define ZUQEL_CALIB_NOT_DECRYPTED 0x6004u /* an encrypted record */
-#define ZUQEL_CALIB_NO_BLOCK 0x600Au      /* both blocks are null */
-#define ZUQEL_CALIB_NO_PAYLOAD 0x600Bu    /* none in the second block */
-#define ZUQEL_CALIB_NO_KEY 0x600Cu        /* none in the second block */
+#define ZUQEL_CALIB_NOT_DECRYPTED 0x6004u /* no key, a wrong one, or damage */
+/* Headers of encrypted kind-3 records. */
+#define ZUQEL_CALIB_BAD_VERSION 0x6005u      /* below 2 */
+#define ZUQEL_CALIB_BAD_COUNT 0x6006u        /* neither of the next two */
+#define ZUQEL_CALIB_BAD_FIRST_COUNT 0x6007u  /* at byte 4: below 1 */
+#define ZUQEL_CALIB_BAD_SECOND_COUNT 0x6008u /* at byte 244: below 1 */
+/* The two blocks. */
+#define ZUQEL_CALIB_NO_BLOCK 0x600Au   /* both are null */
+#define ZUQEL_CALIB_NO_PAYLOAD 0x600Bu /* none in the second block */
+#define ZUQEL_CALIB_NO_KEY 0x600Cu     /* none in the second block */
 
 /* What a session is made for; copied by initialisation. Sizes are in pixels; a
  * negative size counts as 0. */
@@ -114,7 +120,11 @@ uint32_t zuQel_GLVersionInfo_Get(char* buffer, int32_t size);
  *
  * `calibA` (`calibASize` bytes) is the camera module's calibration container,
  * `calibB` (`calibBSize` bytes) a second block with a key; either may be null,
- * not both. A container is recognised by its length alone.
+ * not both. A container is recognised by its length alone. Encrypted ones are
+ * opened with the key of the second block: 32 bytes as they are, or the first
+ * 40 bytes of a longer block, wrapped (RFC 3394) with the default key built
+ * into the library; the rest of such a block is the container when `calibA` is
+ * null or empty. Without a second block a default key opens them.
  * With `offmode` 0 the caller's OpenGL ES 2.0 context must be current.
  *
  * ZUQEL_INIT_REFUSED when a session runs or memory does not suffice;

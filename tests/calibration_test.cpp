@@ -134,6 +134,8 @@ TEST(Calibration, BlocksAreCheckedInOrder) {
       {"key alone", nullptr, 464, b.data(), 32, ZUQEL_CALIB_NO_PAYLOAD},
       {"key, empty first", a.data(), 0, b.data(), 32, ZUQEL_CALIB_NO_PAYLOAD},
       {"empty first", a.data(), 0, nullptr, 0, ZUQEL_CALIB_NO_PAYLOAD},
+      {"null second of a size", a.data(), 0, nullptr, 99,
+       ZUQEL_CALIB_NO_PAYLOAD},
       {"too long", a.data(), 2994, b.data(), 32, ZUQEL_CALIB_BAD_LENGTH},
       {"huge", a.data(), UINT32_MAX, nullptr, 0, ZUQEL_CALIB_BAD_LENGTH},
       {"encrypted", a.data(), 496, b.data(), 32, ZUQEL_CALIB_NOT_DECRYPTED},

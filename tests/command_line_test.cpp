@@ -64,6 +64,9 @@ TEST_F(CommandLine, TellsAboutItself) {
       {"render --help", "\n  zuqel render --image "},
       {"demo --help", "\n  zuqel demo -o "},
       {"raw --help", "\n  zuqel raw GLOutput_"},
+      {"calibration --help", "calibration COMMAND --help"},
+      {"calibration inspect --help", "\n  zuqel calibration inspect "},
+      {"calibration seal --help", "\n  zuqel calibration seal "},
   };
   for (const auto& [arguments, piece] : cases) {
     const Outcome outcome = Run(arguments);

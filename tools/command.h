@@ -16,6 +16,7 @@ struct Command {
 Command AddRenderCommand(CLI::App& program);
 Command AddDemoCommand(CLI::App& program);
 Command AddRawCommand(CLI::App& program);
+Command AddCalibrationCommand(CLI::App& program);
 
 }  // namespace zuqel::tools
 

@@ -5,21 +5,16 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <system_error>
 
 #include "decode/jpeg_decode.h"
 #include "decode/png_decode.h"
+#include "file_bytes.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
 namespace {
 
-using Bytes = std::vector<uint8_t>;
 using Reason = std::array<char, kDecodeReasonSize>;
 
 [[noreturn]] void Refuse(const std::string& path, const std::string& what) {

@@ -20,6 +20,10 @@ bool IsFolder(const fs::path& path) {
   return fs::is_directory(path, ignored);
 }
 
+std::string SizeText(int width, int height) {
+  return std::to_string(width) + "x" + std::to_string(height);
+}
+
 fs::path FolderOf(const fs::path& path) {
   return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
@@ -65,17 +69,18 @@ void OutputFiles::Announce(const std::string& path) {
   announced_.push_back(full);
 }
 
-fs::path OutputFiles::AddTemporary(const std::string& path, int width,
-                                   int height) {
+fs::path OutputFiles::AddTemporary(const std::string& path,
+                                   const std::string& size) {
   const fs::path target = path;
   std::string name = ".";
   name += target.filename().string() + "." + std::to_string(getpid());
-  written_.push_back({path, FolderOf(target) / name, width, height});
+  written_.push_back({path, FolderOf(target) / name, size});
   return written_.back().temporary;
 }
 
 void OutputFiles::Write(const std::string& path, const Picture& picture) {
-  WritePicture(picture, AddTemporary(path, picture.width, picture.height));
+  WritePicture(picture,
+               AddTemporary(path, SizeText(picture.width, picture.height)));
 }
 
 void OutputFiles::Write(const std::string& path, const Map<uint8_t>& grey) {
@@ -83,7 +88,11 @@ void OutputFiles::Write(const std::string& path, const Map<uint8_t>& grey) {
 }
 
 void OutputFiles::Write(const std::string& path, const DisparityMap& map) {
-  WriteDisparity(map, AddTemporary(path, map.width, map.height));
+  WriteDisparity(map, AddTemporary(path, SizeText(map.width, map.height)));
+}
+
+void OutputFiles::Write(const std::string& path, const Bytes& bytes) {
+  WriteFile(bytes, AddTemporary(path, std::to_string(bytes.size()) + " bytes"));
 }
 
 void OutputFiles::Commit() {
@@ -96,8 +105,7 @@ void OutputFiles::Commit() {
     made_folder_.clear();
   }
   for (const Written& file : written_) {
-    std::printf("wrote %s (%dx%d)\n", file.path.c_str(), file.width,
-                file.height);
+    std::printf("wrote %s (%s)\n", file.path.c_str(), file.size.c_str());
   }
   written_.clear();
 }

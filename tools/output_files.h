@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "file_bytes.h"
 #include "image.h"
 
 namespace zuqel::tools {
@@ -27,10 +28,11 @@ class OutputFiles {
   // folder is missing, it is a folder itself, or it was announced before.
   void Announce(const std::string& path);
 
-  // Writes a PNG file for the announced `path`.
+  // Writes a file for the announced `path`; pictures as PNG.
   void Write(const std::string& path, const Picture& picture);
   void Write(const std::string& path, const Map<uint8_t>& grey);
   void Write(const std::string& path, const DisparityMap& map);
+  void Write(const std::string& path, const Bytes& bytes);
 
   // Moves every written file to its place and prints a line for each.
   void Commit();
@@ -39,11 +41,11 @@ class OutputFiles {
   struct Written {
     std::string path;
     std::filesystem::path temporary;
-    int width, height;
+    std::string size;
   };
 
-  std::filesystem::path AddTemporary(const std::string& path, int width,
-                                     int height);
+  std::filesystem::path AddTemporary(const std::string& path,
+                                     const std::string& size);
 
   std::vector<std::filesystem::path> announced_;
   std::vector<Written> written_;

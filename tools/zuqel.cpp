@@ -50,6 +50,7 @@ int Run(int argc, char** argv) {
       zuqel::tools::AddRenderCommand(program),
       zuqel::tools::AddDemoCommand(program),
       zuqel::tools::AddRawCommand(program),
+      zuqel::tools::AddCalibrationCommand(program),
   };
   try {
     program.parse(argc, argv);

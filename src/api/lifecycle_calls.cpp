@@ -9,6 +9,7 @@
 #include "api/session.h"
 #include "base/log.h"
 #include "base/property.h"
+#include "calib/built_in_keys.h"
 #include "calib/calibration.h"
 #include "gl/gl_state.h"
 #include "render/cached_programs.h"
@@ -40,6 +41,7 @@ struct StartCall {
 uint32_t TakeCalibration(Session& session,
                          zuqel::calib::CalibrationInput input) {
   input.selector = CalibrationSelector(session.camera_layout);
+  input.default_keys = zuqel::calib::BuiltInKeys();
   zuqel::calib::CalibrationRecord record;
   const uint32_t status = zuqel::calib::DecodeCalibration(input, record);
   if (status != ZUQEL_SUCCESS) return status;

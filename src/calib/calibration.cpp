@@ -1,39 +1,26 @@
-// Recognition of calibration containers and choice of a record.
+// Opens calibration containers and picks a record.
 #include "calib/calibration.h"
 
 #include <zuQelRT_GL.h>
 
 #include <algorithm>
-#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <span>
+
+#include "calib/aes256.h"
+#include "calib/container.h"
+#include "calib/key_wrap.h"
+#include "calib/secret.h"
 
 namespace zuqel::calib {
 namespace {
 
 static_assert(std::endian::native == std::endian::little,
               "records hold little-endian floats");
-
-constexpr uint32_t kKeySize = 32;
-
-// What encryption adds to a record.
-constexpr uint32_t kEncryptionOverhead = 32;
-
-// One kind of record. Its optical values stand together, at different places.
-struct RecordKind {
-  int32_t kind;
-  uint32_t size;
-  uint32_t optics_at;
-};
-
-constexpr auto kKinds = std::to_array<RecordKind>({
-    {1, 464, 320},
-    {3, 512, 340},
-    {4, 512, 340},
-});
 
 // The optical values as a record holds them. The lens-position line and the
 // selection distance mean nothing in a record of kind 4.
@@ -46,57 +33,16 @@ struct Optics {
   float distance;
 };
 
-// One container length. Record k begins at first + k * stride.
-struct Container {
-  uint32_t length;
-  int32_t kind;
-  uint32_t count;
-  uint32_t first;
-  uint32_t stride;
-  bool encrypted;
+static_assert(std::all_of(kRecordKinds.begin(), kRecordKinds.end(),
+                          [](const RecordKind& kind) {
+                            return kind.optics_at + sizeof(Optics) <= kind.size;
+                          }));
+
+// The units of a container when they are plain.
+struct Units {
+  const uint8_t* first;
+  size_t stride;
 };
-
-constexpr auto kContainers = std::to_array<Container>({
-    {464, 1, 1, 0, 0, false},
-    {466, 1, 1, 0, 0, false},
-    {496, 1, 1, 0, 0, true},
-    {1403, 1, 3, 7, 466, false},
-    {2801, 1, 6, 7, 466, false},
-    {1499, 1, 3, 7, 498, true},
-    {2993, 1, 6, 7, 498, true},
-    {512, 3, 1, 0, 0, false},
-    {514, 3, 1, 0, 0, false},
-    {544, 3, 1, 0, 0, true},
-    {1547, 3, 3, 7, 514, false},
-    {1643, 3, 3, 7, 546, true},
-    {1488, 4, 2, 0, 732, false},
-    {2080, 4, 2, 0, 732, true},
-});
-
-constexpr const RecordKind* FindKind(int32_t kind) {
-  for (const RecordKind& row : kKinds) {
-    if (row.kind == kind) return &row;
-  }
-  return nullptr;
-}
-
-constexpr const Container* FindContainer(uint32_t length) {
-  for (const Container& row : kContainers) {
-    if (row.length == length) return &row;
-  }
-  return nullptr;
-}
-
-// Nothing is read behind a block, nor behind a record.
-constexpr bool Fits(const Container& row) {
-  const RecordKind* kind = FindKind(row.kind);
-  if (kind == nullptr || row.count == 0) return false;
-  const uint32_t stored =
-      kind->size + (row.encrypted ? kEncryptionOverhead : 0);
-  const uint32_t end = row.first + (row.count - 1) * row.stride + stored;
-  return end <= row.length && kind->optics_at + sizeof(Optics) <= kind->size;
-}
-static_assert(std::all_of(kContainers.begin(), kContainers.end(), Fits));
 
 Optics ReadOptics(const uint8_t* record, const RecordKind& kind) {
   Optics optics;
@@ -123,17 +69,14 @@ int64_t LensError(const Optics& lens, float distance, int32_t lens_position) {
 }
 
 // The best of the first three records, the earlier of two that are as good.
-uint32_t ChooseByLensPosition(const CalibrationInput& input,
-                              const Container& container,
-                              const RecordKind& kind) {
-  const uint8_t* records = input.block_a + container.first;
-  const Optics lens = ReadOptics(records, kind);
+uint32_t ChooseByLensPosition(Units units, const Container& container,
+                              const RecordKind& kind, int32_t lens_position) {
+  const Optics lens = ReadOptics(units.first, kind);
   uint32_t best = 0;
   int64_t smallest = INT64_MAX;
-  for (uint32_t k = 0; k < std::min(container.count, 3U); ++k) {
-    const Optics optics =
-        ReadOptics(records + size_t{k} * container.stride, kind);
-    const int64_t error = LensError(lens, optics.distance, input.lens_position);
+  for (uint32_t k = 0; k < std::min(container.count, size_t{3}); ++k) {
+    const Optics optics = ReadOptics(units.first + k * units.stride, kind);
+    const int64_t error = LensError(lens, optics.distance, lens_position);
     if (error >= smallest) continue;
     smallest = error;
     best = k;
@@ -141,15 +84,102 @@ uint32_t ChooseByLensPosition(const CalibrationInput& input,
   return best;
 }
 
-// The number of the record to take; it may lie past the container's last one.
-uint32_t ChooseRecord(const CalibrationInput& input, const Container& container,
-                      const RecordKind& kind) {
-  if (container.kind == 4) {
-    return input.selector == 1 || input.selector == 3 ? 1 : 0;
-  }
+// The number of the unit to take; it may lie past the container's last one.
+uint32_t ChooseUnit(const CalibrationInput& input, Units units,
+                    const Container& container, const RecordKind& kind) {
   if (container.count == 1) return 0;
   if (input.forced_index != kByLensPosition) return input.forced_index;
-  return ChooseByLensPosition(input, container, kind);
+  return ChooseByLensPosition(units, container, kind, input.lens_position);
+}
+
+// Takes the key out of the second block. False when it has none.
+bool TakeKey(std::span<const uint8_t> block, const Key* wrapping_key,
+             std::optional<Aes256>& cipher) {
+  if (block.size() == kAesKeySize) {
+    cipher.emplace(block.first<kAesKeySize>());
+    return true;
+  }
+  if (block.size() < kWrappedKeySize || wrapping_key == nullptr) return false;
+  SecretBytes<kAesKeySize> key;
+  if (!UnwrapKey(Aes256(*wrapping_key), block.first<kWrappedKeySize>(),
+                 key.values)) {
+    return false;
+  }
+  cipher.emplace(key.values);
+  return true;
+}
+
+// The container; empty when neither block has one.
+std::span<const uint8_t> FindPayload(const CalibrationInput& input) {
+  if (input.block_a != nullptr && input.block_a_size != 0) {
+    return {input.block_a, input.block_a_size};
+  }
+  if (input.block_b == nullptr || input.block_b_size <= kWrappedKeySize) {
+    return {};
+  }
+  return std::span(input.block_b, input.block_b_size).subspan(kWrappedKeySize);
+}
+
+template <typename T>
+int32_t ReadInteger(std::span<const uint8_t> record, size_t at) {
+  T value = 0;
+  std::memcpy(&value, record.subspan(at, sizeof(T)).data(), sizeof(T));
+  return value;
+}
+
+// What a kind-3 record says of itself before its values.
+uint32_t CheckHeader(std::span<const uint8_t> record) {
+  const int32_t version = ReadInteger<int16_t>(record, 0);
+  const int32_t count = ReadInteger<int16_t>(record, 2);
+  const int32_t first_count = ReadInteger<int32_t>(record, 4);
+  const int32_t second_count = ReadInteger<int32_t>(record, 244);
+  if (version < 2) return ZUQEL_CALIB_BAD_VERSION;
+  if (count != first_count && count != second_count) {
+    return ZUQEL_CALIB_BAD_COUNT;
+  }
+  if (first_count < 1) return ZUQEL_CALIB_BAD_FIRST_COUNT;
+  if (second_count < 1) return ZUQEL_CALIB_BAD_SECOND_COUNT;
+  return ZUQEL_SUCCESS;
+}
+
+// Decrypts every unit of `payload` into `plain`, one behind the other.
+uint32_t OpenUnits(std::span<const uint8_t> payload, const Container& container,
+                   const Aes256& cipher, std::span<uint8_t> plain) {
+  for (size_t k = 0; k < container.count; ++k) {
+    const auto sealed = payload.subspan(
+        container.First() + k * container.Stride(), container.StoredSize());
+    const auto unit =
+        plain.subspan(k * container.unit_size, container.unit_size);
+    if (!OpenRecord(cipher, sealed, unit)) return ZUQEL_CALIB_NOT_DECRYPTED;
+    if (container.kind != 3) continue;
+    const uint32_t status = CheckHeader(unit);
+    if (status != ZUQEL_SUCCESS) return status;
+  }
+  return ZUQEL_SUCCESS;
+}
+
+// Enough for the units of every encrypted container.
+constexpr size_t kMostPlainBytes = 6 * size_t{464};
+static_assert(std::all_of(kContainers.begin(), kContainers.end(),
+                          [](const Container& row) {
+                            return row.count * row.unit_size <= kMostPlainBytes;
+                          }));
+
+// Picks a record. False when the index forced lies past the last.
+bool TakeRecord(const CalibrationInput& input, Units units,
+                const Container& container, CalibrationRecord& record) {
+  const RecordKind kind = *FindKind(container.kind);
+  const uint32_t chosen = ChooseUnit(input, units, container, kind);
+  if (chosen >= container.count) return false;
+  const uint8_t* bytes = units.first + chosen * units.stride;
+  const bool is_second_half = input.selector == 1 || input.selector == 3;
+  if (kind.kind == 4 && is_second_half) bytes += kSecondHalfAt;
+  std::memcpy(record.bytes.data(), bytes, kind.size);
+  record.size = static_cast<uint32_t>(kind.size);
+  record.kind = kind.kind;
+  record.index = chosen;
+  record.count = static_cast<uint32_t>(container.count);
+  return true;
 }
 
 }  // namespace
@@ -160,33 +190,39 @@ uint32_t DecodeCalibration(const CalibrationInput& input,
   if (input.block_a == nullptr && input.block_b == nullptr) {
     return ZUQEL_CALIB_NO_BLOCK;
   }
-  // A block that is not a key itself holds a wrapped one, whose own key this
-  // build does not have. That counts even when nothing needs decryption.
-  if (input.block_b != nullptr && input.block_b_size != kKeySize) {
+  // A second block without a key counts even when nothing is encrypted.
+  std::optional<Aes256> cipher;
+  if (input.block_b != nullptr &&
+      !TakeKey({input.block_b, input.block_b_size}, input.default_keys.general,
+               cipher)) {
     return ZUQEL_CALIB_NO_KEY;
   }
-  if (input.block_a == nullptr || input.block_a_size == 0) {
-    return ZUQEL_CALIB_NO_PAYLOAD;
-  }
-  const Container* container = FindContainer(input.block_a_size);
-  if (container == nullptr) return ZUQEL_CALIB_BAD_LENGTH;
-  if (container->encrypted) return ZUQEL_CALIB_NOT_DECRYPTED;
+  const std::span<const uint8_t> payload = FindPayload(input);
+  if (payload.empty()) return ZUQEL_CALIB_NO_PAYLOAD;
+  const std::optional<Container> container = FindContainer(payload.size());
+  if (!container) return ZUQEL_CALIB_BAD_LENGTH;
 
-  const RecordKind& kind = *FindKind(container->kind);
-  const uint32_t chosen = ChooseRecord(input, *container, kind);
-  if (chosen >= container->count) return ZUQEL_CALIB_BAD_LENGTH;
-  const size_t offset = container->first + size_t{chosen} * container->stride;
-  std::memcpy(record.bytes.data(), input.block_a + offset, kind.size);
-  record.size = kind.size;
-  record.kind = kind.kind;
-  // The halves of kind 4 are two views of one record.
-  record.index = kind.kind == 4 ? 0 : chosen;
+  Units units = {payload.data() + container->First(), container->Stride()};
+  SecretBytes<kMostPlainBytes> plain;
+  if (container->encrypted) {
+    const DefaultKeys& keys = input.default_keys;
+    const Key* key = container->kind == 4 ? keys.kind4 : keys.general;
+    if (!cipher && key != nullptr) cipher.emplace(*key);
+    if (!cipher) return ZUQEL_CALIB_NOT_DECRYPTED;
+    const uint32_t status =
+        OpenUnits(payload, *container, *cipher, plain.values);
+    if (status != ZUQEL_SUCCESS) return status;
+    units = {plain.values.data(), container->unit_size};
+  }
+  if (!TakeRecord(input, units, *container, record)) {
+    return ZUQEL_CALIB_BAD_LENGTH;
+  }
   return ZUQEL_SUCCESS;
 }
 
 std::optional<CameraValues> TakeCameraValues(const CalibrationRecord& record) {
-  const RecordKind* kind = FindKind(record.kind);
-  if (kind == nullptr) return std::nullopt;
+  const std::optional<RecordKind> kind = FindKind(record.kind);
+  if (!kind) return std::nullopt;
   const Optics optics = ReadOptics(record.bytes.data(), *kind);
   return CameraValues{.focal_length = optics.focal_length,
                       .focal_length_divisor = optics.focal_length_divisor,

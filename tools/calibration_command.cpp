@@ -1,0 +1,215 @@
+// zuqel calibration: looks into calibration containers and encrypts them.
+#include "calib/calibration.h"
+
+#include <zuQelRT_GL.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <string>
+
+#include "calib/built_in_keys.h"
+#include "command.h"
+#include "container_seal.h"
+#include "file_bytes.h"
+#include "output_files.h"
+#include "tool_error.h"
+
+namespace zuqel::tools {
+namespace {
+
+struct InspectOptions {
+  std::string container, key;
+  int layout = 1;
+};
+
+struct SealOptions {
+  std::string container, key, output;
+};
+
+struct StatusText {
+  uint32_t status;
+  const char* text;
+};
+
+constexpr std::array<StatusText, 9> kStatusTexts = {{
+    {ZUQEL_CALIB_BAD_LENGTH, "no container has this length"},
+    {ZUQEL_CALIB_NOT_DECRYPTED,
+     "a record does not decrypt: no key, another key, or damage"},
+    {ZUQEL_CALIB_BAD_VERSION, "a record's version is below 2"},
+    {ZUQEL_CALIB_BAD_COUNT, "a record's count fits neither of its parts"},
+    {ZUQEL_CALIB_BAD_FIRST_COUNT, "a record's count at byte 4 is below 1"},
+    {ZUQEL_CALIB_BAD_SECOND_COUNT, "a record's count at byte 244 is below 1"},
+    {ZUQEL_CALIB_NO_BLOCK, "there is nothing to decode"},
+    {ZUQEL_CALIB_NO_PAYLOAD, "there is no container behind the key"},
+    {ZUQEL_CALIB_NO_KEY, "the key cannot be unwrapped"},
+}};
+
+std::string Explain(uint32_t status) {
+  std::ostringstream text;
+  text << "0x" << std::hex << status;
+  for (const StatusText& row : kStatusTexts) {
+    if (row.status == status) text << ": " << row.text;
+  }
+  return text.str();
+}
+
+// The key that a file with 64 hex digits holds.
+std::optional<calib::Key> ParseKey(const Bytes& file) {
+  std::string digits(file.begin(), file.end());
+  while (!digits.empty() &&
+         std::isspace(static_cast<unsigned char>(digits.back())) != 0) {
+    digits.pop_back();
+  }
+  calib::Key key = {};
+  if (digits.size() != 2 * key.size() ||
+      !std::all_of(digits.begin(), digits.end(),
+                   [](unsigned char c) { return std::isxdigit(c) != 0; })) {
+    return std::nullopt;
+  }
+  for (size_t i = 0; i < key.size(); ++i) {
+    key[i] =
+        static_cast<uint8_t>(std::stoul(digits.substr(2 * i, 2), nullptr, 16));
+  }
+  return key;
+}
+
+// Nothing else that a file may hold has the size of 64 hex digits, which would
+// be too little for a container behind a wrapped key.
+Bytes ReadSecondBlock(const std::string& path) {
+  const Bytes file = ReadFile(path);
+  const std::optional<calib::Key> key = ParseKey(file);
+  return key ? Bytes(key->begin(), key->end()) : file;
+}
+
+calib::Key ReadKey(const std::string& path) {
+  const Bytes block = ReadSecondBlock(path);
+  calib::Key key = {};
+  if (block.size() != key.size()) {
+    throw InputError(path + ": is no key; 64 hex digits or 32 bytes are");
+  }
+  std::copy(block.begin(), block.end(), key.begin());
+  return key;
+}
+
+// What 32 bits cannot count is no container's size either.
+uint32_t SizeOf(const Bytes& block) {
+  return static_cast<uint32_t>(std::min<size_t>(block.size(), UINT32_MAX));
+}
+
+calib::CalibrationRecord Decode(const std::string& path,
+                                const calib::CalibrationInput& input) {
+  calib::CalibrationRecord record;
+  const uint32_t status = calib::DecodeCalibration(input, record);
+  if (status != ZUQEL_SUCCESS) throw InputError(path + ": " + Explain(status));
+  return record;
+}
+
+void Inspect(const InspectOptions& options) {
+  const Bytes container = ReadFile(options.container);
+  calib::CalibrationInput input = {.block_a = container.data(),
+                                   .block_a_size = SizeOf(container),
+                                   .selector = options.layout - 1,
+                                   .default_keys = calib::BuiltInKeys()};
+  Bytes second;
+  if (!options.key.empty()) {
+    second = ReadSecondBlock(options.key);
+    input.block_b = second.data();
+    input.block_b_size = SizeOf(second);
+  }
+  const calib::CalibrationRecord record = Decode(options.container, input);
+  const calib::CameraValues values =
+      calib::TakeCameraValues(record).value_or(calib::CameraValues());
+  std::printf("kind                  %d\n", record.kind);
+  std::printf("records               %u\n", record.count);
+  std::printf("record                %u\n", record.index);
+  std::printf("focal length          %.9g\n", values.focal_length);
+  std::printf("focal length divisor  %.9g\n", values.focal_length_divisor);
+  std::printf("third value           %.9g\n", values.third);
+}
+
+void Seal(const SealOptions& options) {
+  const Bytes plain = ReadFile(options.container);
+  const calib::Key key = ReadKey(options.key);
+  OutputFiles outputs;
+  outputs.Announce(options.output);
+  Bytes sealed;
+  try {
+    sealed = SealContainer(plain, key);
+  } catch (const InputError& error) {
+    throw InputError(options.container + ": " + error.what());
+  }
+  // A container that would be refused is not worth writing.
+  Decode(options.container,
+         {.block_a = sealed.data(),
+          .block_a_size = SizeOf(sealed),
+          .block_b = key.data(),
+          .block_b_size = static_cast<uint32_t>(key.size())});
+  outputs.Write(options.output, sealed);
+  outputs.Commit();
+}
+
+Command AddInspect(CLI::App& group) {
+  CLI::App* app = group.add_subcommand(
+      "inspect", "Print what initialisation takes of a container");
+  auto options = std::make_shared<InspectOptions>();
+  app->add_option("FILE", options->container,
+                  "The container, plain or encrypted; empty when it lies\n"
+                  "behind the key")
+      ->type_name("")
+      ->required();
+  app->add_option("--key", options->key,
+                  "64 hex digits, or the second block as the camera module\n"
+                  "has it; else the keys of this build are used")
+      ->type_name("FILE");
+  app->add_option("--layout", options->layout,
+                  "Arrangement of the camera module, 1 (the default) to 4;\n"
+                  "it picks the half of kind 4")
+      ->type_name("N")
+      ->check(CLI::Range(1, 4));
+  app->footer(
+      "Example:\n"
+      "  zuqel calibration inspect sealed.bin --key key.hex");
+  return {app, [options] { Inspect(*options); }};
+}
+
+Command AddSeal(CLI::App& group) {
+  CLI::App* app = group.add_subcommand("seal", "Encrypt a plain container");
+  auto options = std::make_shared<SealOptions>();
+  app->add_option("FILE", options->container, "The plain container")
+      ->type_name("")
+      ->required();
+  app->add_option("--key", options->key, "64 hex digits or 32 bytes")
+      ->type_name("FILE")
+      ->required();
+  app->add_option("-o,--output", options->output, "The encrypted container")
+      ->type_name("FILE")
+      ->required();
+  app->footer(
+      "Example:\n"
+      "  zuqel calibration seal plain.bin --key key.hex -o sealed.bin");
+  return {app, [options] { Seal(*options); }};
+}
+
+}  // namespace
+
+Command AddCalibrationCommand(CLI::App& program) {
+  CLI::App* app = program.add_subcommand(
+      "calibration", "Look into a calibration container, or encrypt one");
+  app->require_subcommand(1);
+  app->footer(
+      "`zuqel calibration COMMAND --help` tells more, with an example.");
+  const std::array commands = {AddInspect(*app), AddSeal(*app)};
+  return {app, [commands] {
+            for (const Command& command : commands) {
+              if (command.options->parsed()) command.run();
+            }
+          }};
+}
+
+}  // namespace zuqel::tools

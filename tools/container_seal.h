@@ -1,0 +1,17 @@
+// Encrypts a plain calibration container.
+#ifndef ZUQEL_TOOLS_CONTAINER_SEAL_H_
+#define ZUQEL_TOOLS_CONTAINER_SEAL_H_
+
+#include "calib/calibration.h"
+#include "file_bytes.h"
+
+namespace zuqel::tools {
+
+// The encrypted container of the same records, each with a nonce from the
+// system's random source. InputError, without a file's name, when `plain` is no
+// plain container.
+Bytes SealContainer(const Bytes& plain, const calib::Key& key);
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_CONTAINER_SEAL_H_

@@ -1,0 +1,21 @@
+// Whole files.
+#ifndef ZUQEL_TOOLS_FILE_BYTES_H_
+#define ZUQEL_TOOLS_FILE_BYTES_H_
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace zuqel::tools {
+
+using Bytes = std::vector<uint8_t>;
+
+// InputError when the file cannot be opened or is a folder.
+Bytes ReadFile(const std::string& path);
+
+// WorkError when not all of it could be written.
+void WriteFile(const Bytes& bytes, const std::string& path);
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_FILE_BYTES_H_
