@@ -128,18 +128,6 @@ void WritePng(int width, int height, png_uint_32 format, const void* pixels,
 
 }  // namespace
 
-std::vector<uint8_t> ReadFile(const std::string& path) {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) {
-    Refuse(path, "is a folder");
-  }
-  std::ifstream file(path, std::ios::binary);
-  if (!file) {
-    Refuse(path, std::string("cannot be opened: ") + std::strerror(errno));
-  }
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 Picture ReadPicture(const std::string& path) {
   const Bytes bytes = ReadFile(path);
   if (IsPng(bytes)) return DecodePngPicture(path, bytes);

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 #include <string>
-#include <vector>
 
 #include "image.h"
 
@@ -14,9 +13,6 @@ namespace zuqel::tools {
 constexpr int kLargestSide = 8192;
 
 // The readers throw InputError, which names the file and what is wrong with it.
-
-// All bytes of a file.
-std::vector<uint8_t> ReadFile(const std::string& path);
 
 // A PNG or JPEG picture. Grey becomes colour, alpha is dropped, 16 bits are
 // reduced to 8.

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "command.h"
+#include "file_bytes.h"
 #include "image.h"
 #include "image_file.h"
 #include "nv21.h"
