@@ -84,7 +84,7 @@ void OutputFiles::Write(const std::string& path, const Picture& picture) {
 }
 
 void OutputFiles::Write(const std::string& path, const Map<uint8_t>& grey) {
-  WriteGrey(grey, AddTemporary(path, grey.width, grey.height));
+  WriteGrey(grey, AddTemporary(path, SizeText(grey.width, grey.height)));
 }
 
 void OutputFiles::Write(const std::string& path, const DisparityMap& map) {
