@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <memory>
 #include <optional>
-#include <regex>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -15,6 +15,7 @@
 #include "file_bytes.h"
 #include "image.h"
 #include "image_file.h"
+#include "number_pair.h"
 #include "nv21.h"
 #include "output_files.h"
 #include "tool_error.h"
@@ -51,20 +52,21 @@ std::string ToText(Size size) {
   return std::to_string(size.width) + "x" + std::to_string(size.height);
 }
 
-// `text` is WIDTHxHEIGHT; `source` names it in the error.
-Size ParseSize(const std::string& text, const std::string& source) {
-  static const std::regex kPattern(R"((\d{1,9})x(\d{1,9}))");
-  std::smatch match;
-  Size size;
-  if (std::regex_match(text, match, kPattern)) {
-    size = {std::stoi(match[1]), std::stoi(match[2])};
+// Nothing when the text is not "WxH".
+std::optional<Size> ParseSize(std::string_view text) {
+  const std::optional<NumberPair> numbers = ParseNumberPair(text, 'x');
+  if (!numbers) return std::nullopt;
+  return Size{numbers->first, numbers->second};
+}
+
+// `source` names the size in the error.
+void CheckSize(const std::string& source, Size size) {
+  if (std::clamp(size.width, 1, kLargestSide) == size.width &&
+      std::clamp(size.height, 1, kLargestSide) == size.height) {
+    return;
   }
-  if (std::clamp(size.width, 1, kLargestSide) != size.width ||
-      std::clamp(size.height, 1, kLargestSide) != size.height) {
-    throw InputError(source + ": " + text + " is not WxH, each from 1 to " +
-                     std::to_string(kLargestSide));
-  }
-  return size;
+  throw InputError(source + ": " + ToText(size) + " is not between 1x1 and " +
+                   ToText({kLargestSide, kLargestSide}));
 }
 
 // What the library put into the name; nothing when it did not make the name. A
@@ -72,12 +74,14 @@ Size ParseSize(const std::string& text, const std::string& source) {
 std::optional<Dump> ParseName(const std::string& path) {
   const std::string name = std::filesystem::path(path).filename();
   for (const Kind* kind : kKinds) {
-    const std::regex pattern(std::string("GL") + kind->tag +
-                             R"(_(\d+x\d+)_v.+_-?\d+_-?\d+_-?\d+\.raw$)");
-    std::smatch match;
-    if (std::regex_search(name, match, pattern)) {
-      return Dump{kind, ParseSize(match[1], path)};
-    }
+    const std::string start = std::string("GL") + kind->tag + "_";
+    const size_t found = name.find(start);
+    if (found == std::string::npos) continue;
+    const size_t from = found + start.size();
+    const size_t version = name.find("_v", from);
+    if (version == std::string::npos) continue;
+    const auto size = ParseSize(name.substr(from, version - from));
+    if (size) return Dump{kind, *size};
   }
   return std::nullopt;
 }
@@ -98,7 +102,11 @@ Dump Identify(const RawOptions& options) {
                      "and --kind");
   }
   Dump dump = named.value_or(Dump{});
-  if (!options.size.empty()) dump.size = ParseSize(options.size, "--size");
+  if (!options.size.empty()) {
+    const std::optional<Size> size = ParseSize(options.size);
+    if (!size) throw InputError("--size " + options.size + ": is not WxH");
+    dump.size = *size;
+  }
   if (!options.kind.empty()) dump.kind = KindNamed(options.kind);
   if (named && named->size != dump.size) {
     throw InputError("--size " + options.size + ": the name says " +
@@ -108,6 +116,7 @@ Dump Identify(const RawOptions& options) {
     throw InputError("--kind " + options.kind + ": the name says " +
                      named->kind->name);
   }
+  CheckSize(named ? options.file : "--size", dump.size);
   if (options.is_rgb && dump.kind != &kOutput) {
     throw InputError(std::string("--rgb: is for output; this is ") +
                      dump.kind->name);
