@@ -200,6 +200,8 @@ constexpr auto kOffScreenRows = std::to_array<FrameRow>({
      .format = 5,
      .from_depth = true,
      .depth = {640, 480}},
+    // Smaller than the weights: what lies past an edge comes from the other.
+    {.name = "coarse depth", .from_depth = true, .depth = {80, 61}},
     {.name = "portrait from depth", .from_depth = true, .portrait = true},
     {.name = "small weights from depth",
      .from_depth = true,

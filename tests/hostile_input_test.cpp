@@ -11,6 +11,7 @@
 #include <optional>
 #include <vector>
 
+#include "caller_context.h"
 #include "guarded_memory.h"
 #include "test_session.h"
 

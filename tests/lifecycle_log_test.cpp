@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "base/clock.h"
+#include "caller_context.h"
 #include "log_capture.h"
 #include "test_session.h"
 

@@ -71,7 +71,7 @@ std::vector<std::pair<size_t, size_t>> Sizes() {
     for (size_t width = 1; width <= 9; ++width) {
       sizes.emplace_back(width, height);
     }
-    for (const size_t width : {15, 16, 17, 31, 32, 33}) {
+    for (const size_t width : {15U, 16U, 17U, 31U, 32U, 33U}) {
       sizes.emplace_back(width, height);
     }
   }

@@ -9,6 +9,7 @@
 #include <tuple>
 #include <vector>
 
+#include "caller_context.h"
 #include "log_capture.h"
 #include "test_session.h"
 

@@ -53,7 +53,8 @@ Usage CountDeclarations(const std::string& source) {
     text += line.substr(0, line.find("//")) + ' ';
   }
   // An array's size becomes the word after its name, else that is ";".
-  for (size_t i = 0; (i = text.find_first_of("[];", i)) != text.npos; i += 3) {
+  for (size_t i = 0; (i = text.find_first_of("[];", i)) != std::string::npos;
+       i += 3) {
     text.replace(i, 1, text[i] == ';' ? " ; " : "   ");
   }
   Usage usage;

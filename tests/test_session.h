@@ -1,7 +1,7 @@
 // Starts sessions for the length of a test. For tests that link the library's
 // objects.
-#ifndef ZUQEL_TEST_SESSION_H_
-#define ZUQEL_TEST_SESSION_H_
+#ifndef TESTS_TEST_SESSION_H_
+#define TESTS_TEST_SESSION_H_
 
 #include <zuQelRT_GL.h>
 
@@ -75,4 +75,4 @@ inline void ResetSession() {
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_TEST_SESSION_H_
+#endif  // TESTS_TEST_SESSION_H_

@@ -1,0 +1,158 @@
+// Times the conversions between planes and pixels beside a plain copy of the
+// bytes they touch, and whole frames through the C interface.
+#include <android/log.h>
+#include <benchmark/benchmark.h>
+#include <zuQelRT_GL.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include "render/plane_conversion.h"
+
+namespace {
+
+constexpr int32_t kMapWidth = 320;
+constexpr int32_t kMapHeight = 240;
+
+struct Planes {
+  int32_t width;
+  int32_t height;
+  std::vector<uint8_t> luma;
+  std::vector<uint8_t> chroma;
+
+  zuqel::Frame View() {
+    return {{luma.data(), width, height}, {chroma.data(), chroma.size()}};
+  }
+};
+
+std::vector<uint8_t> RandomBytes(size_t count) {
+  std::seed_seq seed = {11};
+  std::mt19937 random(seed);
+  std::vector<uint8_t> bytes(count);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random() >> 24);
+  return bytes;
+}
+
+Planes MakePlanes(const benchmark::State& state) {
+  const auto width = static_cast<int32_t>(state.range(0));
+  const auto height = static_cast<int32_t>(state.range(1));
+  const size_t pixels =
+      static_cast<size_t>(width) * static_cast<size_t>(height);
+  return {width, height, RandomBytes(pixels), RandomBytes(pixels / 2)};
+}
+
+// Pixels of 4 bytes and planes of 1.5.
+void SetTouchedBytes(benchmark::State& state, const Planes& planes) {
+  const size_t pixels = planes.luma.size();
+  state.SetBytesProcessed(state.iterations() *
+                          static_cast<int64_t>(pixels * 4 + pixels * 3 / 2));
+}
+
+// A copy that reads and writes as many bytes as a conversion does.
+void CopyAsMany(benchmark::State& state) {
+  const Planes planes = MakePlanes(state);
+  const size_t half = (planes.luma.size() * 4 + planes.luma.size() * 3 / 2) / 2;
+  const std::vector<uint8_t> source(half, 1);
+  std::vector<uint8_t> copy(half);
+  while (state.KeepRunning()) {
+    std::memcpy(copy.data(), source.data(), half);
+    benchmark::ClobberMemory();
+  }
+  SetTouchedBytes(state, planes);
+}
+
+template <int32_t kFormat>
+void UnpackFrame(benchmark::State& state) {
+  Planes planes = MakePlanes(state);
+  const std::vector<uint32_t> rgba(planes.luma.size(), 0x80402010);
+  while (state.KeepRunning()) {
+    zuqel::UnpackFrame(rgba, kFormat, planes.View());
+    benchmark::ClobberMemory();
+  }
+  SetTouchedBytes(state, planes);
+}
+
+void PackFrame(benchmark::State& state) {
+  Planes planes = MakePlanes(state);
+  std::vector<uint32_t> rgba(planes.luma.size());
+  while (state.KeepRunning()) {
+    zuqel::PackFrame(planes.View(), rgba);
+    benchmark::ClobberMemory();
+  }
+  SetTouchedBytes(state, planes);
+}
+
+// A running session of one preview size.
+class Session {
+ public:
+  explicit Session(const Planes& planes) {
+    __android_log_set_minimum_priority(ANDROID_LOG_SILENT);
+    const GLInitInfo info = {.PreviewWidth = planes.width,
+                             .PreviewHeight = planes.height,
+                             .DepthWidth = kMapWidth,
+                             .DepthHeight = kMapHeight,
+                             .WorkWidth = kMapWidth,
+                             .WorkHeight = kMapHeight,
+                             .OutputWidth = 0,
+                             .OutputHeight = 0,
+                             .PortraitMode = 0,
+                             .offmode = 1,
+                             .srcformat = 0,
+                             .GraphicBufferFlag = 0};
+    const std::array<uint8_t, 512> calibration = {};
+    started_ = zuQelRT_GLInitV1(calibration.data(), calibration.size(), nullptr,
+                                0, &info) == ZUQEL_SUCCESS;
+  }
+  ~Session() { zuQelRT_GLClose(); }
+  Session(const Session&) = delete;
+  Session& operator=(const Session&) = delete;
+
+  [[nodiscard]] bool started() const { return started_; }
+
+ private:
+  bool started_;
+};
+
+void FrameFromWeights(benchmark::State& state) {
+  Planes planes = MakePlanes(state);
+  const std::vector<uint8_t> weights =
+      RandomBytes(size_t{kMapWidth} * kMapHeight);
+  const Session session(planes);
+  if (!session.started()) state.SkipWithError("no session");
+  while (state.KeepRunning()) {
+    zuQelRT_GLStartV1(planes.luma.data(), planes.chroma.data(), weights.data(),
+                      0, 0, 0, {}, 1.0F);
+  }
+}
+
+void FrameFromDepth(benchmark::State& state) {
+  Planes planes = MakePlanes(state);
+  std::vector<uint16_t> depth(size_t{kMapWidth} * kMapHeight);
+  for (size_t i = 0; i < depth.size(); ++i) {
+    depth[i] = static_cast<uint16_t>(100 + i / kMapWidth * 3);
+  }
+  const Session session(planes);
+  if (!session.started()) state.SkipWithError("no session");
+  while (state.KeepRunning()) {
+    zuQelRT_GLStartV1HWDepth(planes.luma.data(), planes.chroma.data(),
+                             depth.data(), 0, 0, 0, {}, 1.0F);
+  }
+}
+
+void FrameSizes(benchmark::internal::Benchmark* bench) {
+  bench->Args({1280, 960})->Args({1920, 1080});
+}
+
+BENCHMARK(CopyAsMany)->Apply(FrameSizes);
+BENCHMARK(UnpackFrame<zuqel::kFormatNv21>)->Apply(FrameSizes);
+BENCHMARK(UnpackFrame<zuqel::kFormatPlanar>)->Apply(FrameSizes);
+BENCHMARK(UnpackFrame<zuqel::kFormatPacked>)->Apply(FrameSizes);
+BENCHMARK(PackFrame)->Apply(FrameSizes);
+BENCHMARK(FrameFromWeights)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
+BENCHMARK(FrameFromDepth)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
+
+}  // namespace

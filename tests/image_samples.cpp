@@ -1,0 +1,95 @@
+// Small picture files of every kind for the tests of the tools.
+#include "image_samples.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+#include <random>
+#include <stdexcept>
+
+// Needs FILE and size_t before it.
+#include <jpeglib.h>
+
+namespace zuqel::tools {
+
+TemporaryFolder::TemporaryFolder()
+    : path_(std::filesystem::temp_directory_path() / "zuqel_test_XXXXXX") {
+  if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("mkdtemp");
+}
+
+TemporaryFolder::~TemporaryFolder() {
+  std::error_code ignored;
+  std::filesystem::remove_all(path_, ignored);
+}
+
+std::string TemporaryFolder::operator/(const std::string& name) const {
+  return path_ + "/" + name;
+}
+
+Picture NoisePicture(int width, int height) {
+  std::seed_seq seed = {1};
+  std::mt19937 random(seed);
+  Picture picture(width, height);
+  for (uint8_t& byte : picture.rgb) byte = static_cast<uint8_t>(random());
+  return picture;
+}
+
+void WriteSamplePng(const std::string& path, int width, int height,
+                    png_uint_32 format, const void* pixels,
+                    const std::vector<uint8_t>& colour_map) {
+  png_image image = {};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = static_cast<png_uint_32>(width);
+  image.height = static_cast<png_uint_32>(height);
+  image.format = format;
+  image.colormap_entries = static_cast<png_uint_32>(colour_map.size() / 3);
+  if (png_image_write_to_file(&image, path.c_str(), 0, pixels, 0,
+                              colour_map.data()) == 0) {
+    throw std::runtime_error(image.message);
+  }
+}
+
+void WriteSampleJpeg(const std::string& path, int width, int height,
+                     int channels, const std::vector<uint8_t>& pixels) {
+  jpeg_compress_struct compress = {};
+  jpeg_error_mgr errors = {};
+  compress.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&compress);
+  unsigned char* bytes = nullptr;
+  unsigned long size = 0;
+  jpeg_mem_dest(&compress, &bytes, &size);
+  compress.image_width = static_cast<JDIMENSION>(width);
+  compress.image_height = static_cast<JDIMENSION>(height);
+  compress.input_components = channels;
+  compress.in_color_space = channels == 1 ? JCS_GRAYSCALE : JCS_RGB;
+  jpeg_set_defaults(&compress);
+  jpeg_set_quality(&compress, 98, TRUE);
+  jpeg_start_compress(&compress, TRUE);
+  std::vector<uint8_t> row(static_cast<size_t>(width * channels));
+  for (size_t y = 0; y < static_cast<size_t>(height); ++y) {
+    std::copy_n(pixels.begin() + static_cast<std::ptrdiff_t>(y * row.size()),
+                row.size(), row.begin());
+    JSAMPROW start = row.data();
+    jpeg_write_scanlines(&compress, &start, 1);
+  }
+  jpeg_finish_compress(&compress);
+  jpeg_destroy_compress(&compress);
+  const std::unique_ptr<unsigned char, void (*)(void*)> owner(bytes, std::free);
+  WriteBytes(path, {bytes, bytes + size});
+}
+
+std::vector<uint8_t> ReadBytes(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void WriteBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
+  std::ofstream file(path, std::ios::binary);
+  std::copy(bytes.begin(), bytes.end(), std::ostreambuf_iterator<char>(file));
+}
+
+}  // namespace zuqel::tools

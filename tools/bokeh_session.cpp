@@ -1,0 +1,107 @@
+// The library's one session, from initialisation to close.
+#include "bokeh_session.h"
+
+#include <sys/system_properties.h>
+#include <zuQelRT_GL.h>
+
+#include <array>
+#include <cstring>
+#include <iomanip>
+#include <sstream>
+#include <string>
+
+#include "library_log.h"
+#include "tool_error.h"
+
+namespace zuqel::tools {
+namespace {
+
+using CalibrationRecord = std::array<uint8_t, 512>;
+
+void PutFloat(CalibrationRecord& record, size_t offset, float value) {
+  static_assert(sizeof(value) == 4);
+  std::memcpy(record.data() + offset, &value, sizeof(value));
+}
+
+// Initialisation wants a record of a camera module; a rendered picture does not
+// depend on it.
+CalibrationRecord PlainCalibration() {
+  CalibrationRecord record = {};
+  PutFloat(record, 340, 20.0F);
+  PutFloat(record, 344, 1.0F);
+  PutFloat(record, 356, 4.0F);  // focal length, divided by the one before
+  return record;
+}
+
+void CheckStatus(uint32_t status, const char* call) {
+  if (status == ZUQEL_SUCCESS) return;
+  std::ostringstream message;
+  message << call << " returned 0x" << std::hex << std::setw(4)
+          << std::setfill('0') << status;
+  throw WorkError(message.str());
+}
+
+constexpr FocusRect kNoRect = {0, 0, 0, 0};
+
+// The library reads and writes as many bytes as the session was made for.
+void CheckSize(const char* what, int width, int height, int session_width,
+               int session_height) {
+  if (width == session_width && height == session_height) return;
+  throw WorkError(std::string("the ") + what + " is not of the session's size");
+}
+
+}  // namespace
+
+BokehSession::BokehSession(const SessionSetup& setup) : setup_(setup) {
+  __system_property_set("persist.zu.LVGLbokeh.FocusDot",
+                        setup.focus_dot ? "1" : "0");
+  GLInitInfo info = {};
+  info.PreviewWidth = setup.picture_width;
+  info.PreviewHeight = setup.picture_height;
+  info.DepthWidth = setup.depth_width;
+  info.DepthHeight = setup.depth_height;
+  info.WorkWidth = setup.work_width;
+  info.WorkHeight = setup.work_height;
+  info.offmode = 1;
+  info.srcformat = 0;
+  const CalibrationRecord record = PlainCalibration();
+  CheckStatus(zuQelRT_GLInitV1(record.data(), record.size(), nullptr, 0, &info),
+              "zuQelRT_GLInitV1");
+  const std::string failure = ContextFailure();
+  if (!failure.empty()) {
+    zuQelRT_GLClose();
+    throw WorkError("no OpenGL ES 2.0 to render with: " + failure);
+  }
+}
+
+BokehSession::~BokehSession() {
+  zuQelRT_GLClose();
+}
+
+void BokehSession::Render(Nv21Frame& frame, DisparityMap& map,
+                          const Focus& focus) const {
+  CheckSize("frame", frame.width, frame.height, setup_.picture_width,
+            setup_.picture_height);
+  CheckSize("disparity map", map.width, map.height, setup_.depth_width,
+            setup_.depth_height);
+  const uint32_t status = zuQelRT_GLStartV1HWDepth(
+      frame.luma.data(), frame.chroma.data(), map.values.data(),
+      static_cast<uint32_t>(focus.point.x),
+      static_cast<uint32_t>(focus.point.y), 0, kNoRect, focus.f_number);
+  CheckStatus(status, "zuQelRT_GLStartV1HWDepth");
+}
+
+void BokehSession::Render(Nv21Frame& frame, const WeightMap& map,
+                          const Focus& focus) const {
+  CheckSize("frame", frame.width, frame.height, setup_.picture_width,
+            setup_.picture_height);
+  CheckSize("weight map", map.width, map.height, setup_.work_width,
+            setup_.work_height);
+  const uint32_t status = zuQelRT_GLStartV1(
+      frame.luma.data(), frame.chroma.data(), map.values.data(),
+      static_cast<uint32_t>(focus.point.x),
+      static_cast<uint32_t>(focus.point.y), 0, kNoRect, focus.f_number);
+  CheckStatus(status, "zuQelRT_GLStartV1");
+}
+
+}  // namespace zuqel::tools

@@ -1,0 +1,45 @@
+// The library's one session, from initialisation to close.
+#ifndef ZUQEL_TOOLS_BOKEH_SESSION_H_
+#define ZUQEL_TOOLS_BOKEH_SESSION_H_
+
+#include "image.h"
+#include "nv21.h"
+
+namespace zuqel::tools {
+
+// What a session is made for; sizes in pixels.
+struct SessionSetup {
+  int picture_width = 0, picture_height = 0;
+  int depth_width = 0, depth_height = 0;
+  int work_width = 320, work_height = 240;
+  bool focus_dot = false;
+};
+
+struct Focus {
+  FocusPoint point;
+  float f_number = 1.0F;
+};
+
+// Off screen, on the calling thread. The members throw WorkError when the
+// library refuses or there is no OpenGL ES to render with.
+class BokehSession {
+ public:
+  explicit BokehSession(const SessionSetup& setup);
+  ~BokehSession();
+  BokehSession(const BokehSession&) = delete;
+  BokehSession& operator=(const BokehSession&) = delete;
+
+  // Renders into `frame`; the sizes have to be those of the setup. Holes of
+  // `map` are filled in place. The work size is 320 x 240.
+  void Render(Nv21Frame& frame, DisparityMap& map, const Focus& focus) const;
+
+  // The same from weights of the work size.
+  void Render(Nv21Frame& frame, const WeightMap& map, const Focus& focus) const;
+
+ private:
+  SessionSetup setup_;
+};
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_BOKEH_SESSION_H_

@@ -1,0 +1,91 @@
+/* Decodes a JPEG file that lies in memory. */
+#include "decode/jpeg_decode.h"
+
+#include <setjmp.h>
+#include <stdio.h>
+
+/* Needs FILE and size_t before it. */
+#include <jpeglib.h>
+
+#include <jerror.h>
+
+struct JpegDecoder {
+  struct jpeg_decompress_struct decompress;
+  struct jpeg_error_mgr errors; /* found again through decompress.client_data */
+  jmp_buf failed;
+  enum DecodeStatus status;
+  char* reason;
+};
+
+static void Fail(j_common_ptr common, enum DecodeStatus status) {
+  struct JpegDecoder* decoder = common->client_data;
+  char message[JMSG_LENGTH_MAX];
+  common->err->format_message(common, message);
+  snprintf(decoder->reason, kDecodeReasonSize, "%s", message);
+  decoder->status = status;
+  longjmp(decoder->failed, 1);
+}
+
+static void OnError(j_common_ptr common) {
+  Fail(common, kDecodeDamaged);
+}
+
+/* libjpeg takes a file that ends early for a warning and paints the rest grey;
+ * other warnings are about pictures that decode well enough. */
+static void OnMessage(j_common_ptr common, int level) {
+  if (level >= 0) return;
+  const int code = common->err->msg_code;
+  if (code == JWRN_JPEG_EOF || code == JWRN_HIT_MARKER) {
+    Fail(common, kDecodeTruncated);
+  }
+}
+
+static void Open(struct JpegDecoder* decoder, const uint8_t* bytes,
+                 size_t size) {
+  decoder->decompress.err = jpeg_std_error(&decoder->errors);
+  decoder->errors.error_exit = OnError;
+  decoder->errors.emit_message = OnMessage;
+  decoder->decompress.client_data = decoder;
+  jpeg_create_decompress(&decoder->decompress);
+  jpeg_mem_src(&decoder->decompress, bytes, size);
+  jpeg_read_header(&decoder->decompress, TRUE);
+}
+
+static void ReadRows(struct JpegDecoder* decoder, uint8_t* rgb) {
+  struct jpeg_decompress_struct* decompress = &decoder->decompress;
+  decompress->out_color_space = JCS_RGB;
+  jpeg_start_decompress(decompress);
+  while (decompress->output_scanline < decompress->output_height) {
+    JSAMPROW row = rgb + (size_t)decompress->output_scanline *
+                             decompress->output_width * 3;
+    jpeg_read_scanlines(decompress, &row, 1);
+  }
+  jpeg_finish_decompress(decompress);
+}
+
+/* Errors come back to here; the caller owns what has changed by then. Without
+ * `rgb` only the header is read. */
+static void Decode(struct JpegDecoder* decoder, const uint8_t* bytes,
+                   size_t size, uint8_t* rgb) {
+  if (setjmp(decoder->failed) != 0) return;
+  Open(decoder, bytes, size);
+  if (rgb != NULL) ReadRows(decoder, rgb);
+}
+
+enum DecodeStatus ReadJpegSize(const uint8_t* bytes, size_t size, int* width,
+                               int* height, char* reason) {
+  struct JpegDecoder decoder = {.status = kDecodeDone, .reason = reason};
+  Decode(&decoder, bytes, size, NULL);
+  *width = (int)decoder.decompress.image_width;
+  *height = (int)decoder.decompress.image_height;
+  jpeg_destroy_decompress(&decoder.decompress);
+  return decoder.status;
+}
+
+enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size, uint8_t* rgb,
+                             char* reason) {
+  struct JpegDecoder decoder = {.status = kDecodeDone, .reason = reason};
+  Decode(&decoder, bytes, size, rgb);
+  jpeg_destroy_decompress(&decoder.decompress);
+  return decoder.status;
+}

@@ -1,0 +1,87 @@
+/* Decodes a PNG file that lies in memory. */
+#include "decode/png_decode.h"
+
+#include <png.h>
+#include <setjmp.h>
+#include <stdio.h>
+#include <string.h>
+
+struct PngSource {
+  const uint8_t* bytes;
+  size_t left;
+  enum DecodeStatus status;
+  char* reason;
+};
+
+static void OnError(png_structp png, png_const_charp message) {
+  struct PngSource* source = png_get_error_ptr(png);
+  if (source->status == kDecodeDone) source->status = kDecodeDamaged;
+  snprintf(source->reason, kDecodeReasonSize, "%s", message);
+  png_longjmp(png, 1);
+}
+
+static void OnWarning(png_structp png, png_const_charp message) {
+  (void)png;
+  (void)message;
+}
+
+static void ReadBytes(png_structp png, png_bytep target, size_t size) {
+  struct PngSource* source = png_get_io_ptr(png);
+  if (size > source->left) {
+    source->status = kDecodeTruncated;
+    png_error(png, "the file ends early");
+  }
+  memcpy(target, source->bytes, size);
+  source->bytes += size;
+  source->left -= size;
+}
+
+static void SetTransforms(png_structp png, enum PngLayout layout) {
+  const uint16_t one = 1;
+  const int little_endian = *(const uint8_t*)&one == 1;
+  if (layout == kPngGrey16 && little_endian) png_set_swap(png);
+  if (layout != kPngRgb8) return;
+  png_set_expand(png);
+  png_set_scale_16(png);
+  png_set_strip_alpha(png);
+  png_set_gray_to_rgb(png);
+}
+
+static void ReadRows(png_structp png, png_infop info, uint8_t* pixels) {
+  const int passes = png_set_interlace_handling(png);
+  png_read_update_info(png, info);
+  const size_t row_bytes = png_get_rowbytes(png, info);
+  const png_uint_32 height = png_get_image_height(png, info);
+  for (int pass = 0; pass < passes; ++pass) {
+    for (png_uint_32 y = 0; y < height; ++y) {
+      png_read_row(png, pixels + y * row_bytes, NULL);
+    }
+  }
+  png_read_end(png, NULL);
+}
+
+/* Errors come back to here; the caller owns what has changed by then. */
+static void Decode(png_structp png, png_infop info, enum PngLayout layout,
+                   uint8_t* pixels) {
+  if (setjmp(png_jmpbuf(png)) != 0) return;
+  png_set_read_fn(png, png_get_error_ptr(png), ReadBytes);
+  png_read_info(png, info);
+  SetTransforms(png, layout);
+  ReadRows(png, info, pixels);
+}
+
+enum DecodeStatus DecodePng(const uint8_t* bytes, size_t size,
+                            enum PngLayout layout, void* pixels, char* reason) {
+  struct PngSource source = {bytes, size, kDecodeDone, reason};
+  png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &source,
+                                           OnError, OnWarning);
+  png_infop info = png != NULL ? png_create_info_struct(png) : NULL;
+  if (info != NULL) {
+    Decode(png, info, layout, pixels);
+  } else {
+    source.status = kDecodeDamaged;
+    snprintf(reason, kDecodeReasonSize, "out of memory");
+  }
+  png_destroy_read_struct(&png, &info, NULL);
+  return source.status;
+}

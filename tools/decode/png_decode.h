@@ -1,0 +1,31 @@
+/* Decodes a PNG file that lies in memory. */
+#ifndef ZUQEL_TOOLS_DECODE_PNG_DECODE_H_
+#define ZUQEL_TOOLS_DECODE_PNG_DECODE_H_
+
+#include <stddef.h>
+#include <stdint.h>
+
+#include "decode/decode_status.h"
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+/* How a pixel leaves the decoder. Grey is for files that are just that. */
+enum PngLayout {
+  kPngRgb8,  /* any file: 3 bytes; alpha dropped, palette and grey expanded */
+  kPngGrey8, /* 1 byte */
+  kPngGrey16 /* one uint16_t of this machine's byte order */
+};
+
+/* Writes width x height pixels, as the file's header gives them, to `pixels`.
+ * On failure `reason` (kDecodeReasonSize bytes) says why; `pixels` is then
+ * partly written. */
+enum DecodeStatus DecodePng(const uint8_t* bytes, size_t size,
+                            enum PngLayout layout, void* pixels, char* reason);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* ZUQEL_TOOLS_DECODE_PNG_DECODE_H_ */

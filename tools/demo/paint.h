@@ -1,0 +1,64 @@
+// What the demo scene is painted with: colours, and noise that is the same on
+// every machine (no library functions but the exact ones).
+#ifndef ZUQEL_TOOLS_DEMO_PAINT_H_
+#define ZUQEL_TOOLS_DEMO_PAINT_H_
+
+#include <cstdint>
+
+namespace zuqel::tools {
+
+// 0..1 each; what is painted may pass 1 where it glows.
+struct Colour {
+  float r = 0, g = 0, b = 0;
+};
+
+constexpr Colour operator+(Colour a, Colour b) {
+  return {a.r + b.r, a.g + b.g, a.b + b.b};
+}
+constexpr Colour operator*(Colour a, float scale) {
+  return {a.r * scale, a.g * scale, a.b * scale};
+}
+constexpr Colour operator*(Colour a, Colour b) {
+  return {a.r * b.r, a.g * b.g, a.b * b.b};
+}
+
+// `part` 0 gives `a`, 1 gives `b`.
+constexpr float Mix(float a, float b, float part) {
+  return a + (b - a) * part;
+}
+constexpr Colour Mix(Colour a, Colour b, float part) {
+  return a + (b + a * -1.0F) * part;
+}
+
+// 0 below `low`, 1 above `high`, smooth between.
+float Smooth(float low, float high, float value);
+
+// The fractional part, in 0..1.
+float Fraction(float value);
+
+// Even over 0..1.
+float Random(int x, int y, int seed);
+
+// Smooth noise over the plane, in 0..1, one feature a unit.
+float Noise(float x, float y, int seed);
+
+// Noise with detail: `octaves` layers, each half the size and height.
+float FractalNoise(float x, float y, int octaves, int seed);
+
+// Rounded cells without a grid to be seen, about one a unit square: leaves,
+// seeds, pores.
+struct Cell {
+  float distance;  // from its middle, about 0..1
+  float tone;      // 0..1, its own
+};
+Cell CellAt(float x, float y, int seed);
+
+// What is seen at a point of the picture.
+struct Surface {
+  Colour colour;
+  float disparity = 0;  // 0..1000, larger is nearer
+};
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_DEMO_PAINT_H_

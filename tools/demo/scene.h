@@ -1,0 +1,21 @@
+// The demo scene: a picture and the disparity that a stereo chip would give.
+#ifndef ZUQEL_TOOLS_DEMO_SCENE_H_
+#define ZUQEL_TOOLS_DEMO_SCENE_H_
+
+#include "image.h"
+
+namespace zuqel::tools {
+
+// Flowers on a table before a town at dusk; the same bytes on every machine.
+struct Scene {
+  Picture picture;         // 1280 x 960
+  DisparityMap disparity;  // 320 x 240
+  FocusPoint near_focus;   // a flower
+  FocusPoint far_focus;    // the town
+};
+
+Scene MakeScene();
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_DEMO_SCENE_H_

@@ -1,0 +1,114 @@
+// zuqel demo: renders a scene of the project's own for several lenses.
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "bokeh_session.h"
+#include "command.h"
+#include "demo/scene.h"
+#include "false_colour.h"
+#include "frame_progress.h"
+#include "nv21.h"
+#include "output_files.h"
+#include "panel.h"
+
+namespace zuqel::tools {
+namespace {
+
+struct Lens {
+  const char* name;
+  float f_number;
+};
+
+constexpr std::array kLenses = {Lens{"f1", 1.0F}, Lens{"f2.8", 2.8F},
+                                Lens{"f8", 8.0F}};
+
+struct Shot {
+  std::string path;
+  Focus focus;
+};
+
+std::vector<Shot> PlanShots(const std::string& folder, const Scene& scene) {
+  std::vector<Shot> shots;
+  shots.reserve(2 * kLenses.size());
+  for (const Lens& lens : kLenses) {
+    shots.push_back({folder + "/near_" + lens.name + ".png",
+                     {scene.near_focus, lens.f_number}});
+  }
+  for (const Lens& lens : kLenses) {
+    shots.push_back({folder + "/far_" + lens.name + ".png",
+                     {scene.far_focus, lens.f_number}});
+  }
+  return shots;
+}
+
+std::vector<Picture> RenderShots(const Scene& scene,
+                                 const std::vector<Shot>& shots) {
+  SessionSetup setup;
+  setup.picture_width = scene.picture.width;
+  setup.picture_height = scene.picture.height;
+  setup.depth_width = scene.disparity.width;
+  setup.depth_height = scene.disparity.height;
+  const BokehSession session(setup);
+  const Nv21Frame source = ToNv21(scene.picture);
+  std::vector<Picture> results;
+  const ProgressBar bar(static_cast<int>(shots.size()));
+  for (const Shot& shot : shots) {
+    Nv21Frame frame = source;
+    DisparityMap disparity = scene.disparity;
+    session.Render(frame, disparity, shot.focus);
+    results.push_back(ToPicture(frame));
+    bar.Show(static_cast<int>(results.size()));
+  }
+  return results;
+}
+
+void Run(const std::string& folder) {
+  OutputFiles outputs;
+  outputs.MakeFolder(folder);
+  const Scene scene = MakeScene();
+  const std::vector<Shot> shots = PlanShots(folder, scene);
+  const std::string picture_path = folder + "/scene.png";
+  const std::string disparity_path = folder + "/disparity.png";
+  const std::string panel_path = folder + "/panel.png";
+  for (const std::string& path : {picture_path, disparity_path, panel_path}) {
+    outputs.Announce(path);
+  }
+  for (const Shot& shot : shots) outputs.Announce(shot.path);
+
+  const std::vector<Picture> results = RenderShots(scene, shots);
+  outputs.Write(picture_path, scene.picture);
+  outputs.Write(disparity_path, scene.disparity);
+  for (size_t i = 0; i < shots.size(); ++i) {
+    outputs.Write(shots[i].path, results[i]);
+  }
+  outputs.Write(panel_path,
+                MakePanel({scene.picture, FalseColour(scene.disparity),
+                           results.front()}));
+  outputs.Commit();
+}
+
+}  // namespace
+
+Command AddDemoCommand(CLI::App& program) {
+  CLI::App* app = program.add_subcommand(
+      "demo", "Render a built-in scene for two focus points and three lenses");
+  auto folder = std::make_shared<std::string>();
+  app->add_option("-o,--output", *folder,
+                  "The folder for the pictures; made where there is none")
+      ->type_name("FOLDER")
+      ->required();
+  app->footer(
+      "Writes the scene (scene.png), its disparity (disparity.png), a result\n"
+      "for each focus and f-number, and a panel of the strongest.\n"
+      "\n"
+      "Example:\n"
+      "  zuqel demo -o demo\n"
+      "  zuqel render --image demo/scene.png --disparity demo/disparity.png "
+      "\\\n"
+      "    --focus 900,650 -o bokeh.png");
+  return {app, [folder] { Run(*folder); }};
+}
+
+}  // namespace zuqel::tools

@@ -1,0 +1,65 @@
+// The pictures and maps that the tools pass around; rows lie back to back.
+#ifndef ZUQEL_TOOLS_IMAGE_H_
+#define ZUQEL_TOOLS_IMAGE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+namespace zuqel::tools {
+
+inline size_t PixelCount(int width, int height) {
+  return static_cast<size_t>(width) * static_cast<size_t>(height);
+}
+
+// A colour picture, three bytes a pixel: red, green, blue.
+struct Picture {
+  Picture() = default;
+  Picture(int w, int h) : width(w), height(h), rgb(3 * PixelCount(w, h)) {}
+
+  uint8_t* Pixel(int x, int y) {
+    return rgb.data() + 3 * (PixelCount(width, y) + static_cast<size_t>(x));
+  }
+  [[nodiscard]] const uint8_t* Pixel(int x, int y) const {
+    return rgb.data() + 3 * (PixelCount(width, y) + static_cast<size_t>(x));
+  }
+
+  int width = 0;
+  int height = 0;
+  std::vector<uint8_t> rgb;
+};
+
+// One value a pixel.
+template <typename Value>
+struct Map {
+  Map() = default;
+  Map(int w, int h) : width(w), height(h), values(PixelCount(w, h)) {}
+
+  Value& At(int x, int y) {
+    return values[PixelCount(width, y) + static_cast<size_t>(x)];
+  }
+  [[nodiscard]] const Value& At(int x, int y) const {
+    return values[PixelCount(width, y) + static_cast<size_t>(x)];
+  }
+
+  int width = 0;
+  int height = 0;
+  std::vector<Value> values;
+};
+
+// 0..1022, larger is nearer; kUnknownDisparity where nothing was measured.
+using DisparityMap = Map<uint16_t>;
+constexpr uint16_t kUnknownDisparity = 1023;
+
+// 0 keeps a pixel sharp, 255 blurs it fully.
+using WeightMap = Map<uint8_t>;
+
+// In picture pixels, from the top left.
+struct FocusPoint {
+  int x = 0;
+  int y = 0;
+};
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_IMAGE_H_

@@ -1,0 +1,178 @@
+// Reads and writes the picture files that the tools work on.
+#include "image_file.h"
+
+#include <png.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+#include "decode/jpeg_decode.h"
+#include "decode/png_decode.h"
+#include "tool_error.h"
+
+namespace zuqel::tools {
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+using Reason = std::array<char, kDecodeReasonSize>;
+
+[[noreturn]] void Refuse(const std::string& path, const std::string& what) {
+  throw InputError(path + ": " + what);
+}
+
+Bytes ReadFile(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    Refuse(path, "is a folder");
+  }
+  std::ifstream file(path, std::ios::binary);
+  if (!file) {
+    Refuse(path, std::string("cannot be opened: ") + std::strerror(errno));
+  }
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void CheckDecoded(const std::string& path, DecodeStatus status,
+                  const Reason& reason) {
+  if (status == kDecodeTruncated) Refuse(path, "is truncated");
+  if (status == kDecodeDamaged) {
+    Refuse(path, std::string("is damaged: ") + reason.data());
+  }
+}
+
+void CheckSize(const std::string& path, int64_t width, int64_t height) {
+  if (width >= 1 && height >= 1 && width <= kLargestSide &&
+      height <= kLargestSide) {
+    return;
+  }
+  const std::string most = std::to_string(kLargestSide);
+  Refuse(path, "is " + std::to_string(width) + " x " + std::to_string(height) +
+                   " pixels; at most " + most + " x " + most + " is taken");
+}
+
+bool IsPng(const Bytes& bytes) {
+  return bytes.size() >= 8 && png_sig_cmp(bytes.data(), 0, 8) == 0;
+}
+
+bool IsJpeg(const Bytes& bytes) {
+  return bytes.size() >= 3 && bytes[0] == 0xff && bytes[1] == 0xd8 &&
+         bytes[2] == 0xff;
+}
+
+// The first chunk of a PNG file, which stands at a fixed place.
+struct PngHeader {
+  int width, height;
+  int bit_depth;
+  bool grey;
+};
+
+PngHeader ReadPngHeader(const std::string& path, const Bytes& bytes) {
+  constexpr size_t kHeaderEnd = 33;
+  if (bytes.size() < kHeaderEnd) Refuse(path, "is truncated");
+  const uint32_t width = png_get_uint_32(&bytes[16]);
+  const uint32_t height = png_get_uint_32(&bytes[20]);
+  CheckSize(path, width, height);
+  return {static_cast<int>(width), static_cast<int>(height), bytes[24],
+          bytes[25] == PNG_COLOR_TYPE_GRAY};
+}
+
+Picture DecodePngPicture(const std::string& path, const Bytes& bytes) {
+  const PngHeader header = ReadPngHeader(path, bytes);
+  Picture picture(header.width, header.height);
+  Reason reason = {};
+  CheckDecoded(path,
+               DecodePng(bytes.data(), bytes.size(), kPngRgb8,
+                         picture.rgb.data(), reason.data()),
+               reason);
+  return picture;
+}
+
+Picture DecodeJpegPicture(const std::string& path, const Bytes& bytes) {
+  Reason reason = {};
+  int width = 0, height = 0;
+  CheckDecoded(
+      path,
+      ReadJpegSize(bytes.data(), bytes.size(), &width, &height, reason.data()),
+      reason);
+  CheckSize(path, width, height);
+  Picture picture(width, height);
+  CheckDecoded(
+      path,
+      DecodeJpeg(bytes.data(), bytes.size(), picture.rgb.data(), reason.data()),
+      reason);
+  return picture;
+}
+
+template <typename Value>
+Map<Value> ReadGreyPng(const std::string& path) {
+  const Bytes bytes = ReadFile(path);
+  if (!IsPng(bytes)) Refuse(path, "is not a PNG picture");
+  const PngHeader header = ReadPngHeader(path, bytes);
+  constexpr int kBits = 8 * sizeof(Value);
+  if (!header.grey || header.bit_depth != kBits) {
+    Refuse(path, "is " + std::to_string(header.bit_depth) + "-bit " +
+                     (header.grey ? "grey" : "colour") + "; " +
+                     std::to_string(kBits) + "-bit grey is needed");
+  }
+  Map<Value> map(header.width, header.height);
+  Reason reason = {};
+  const PngLayout layout = kBits == 8 ? kPngGrey8 : kPngGrey16;
+  CheckDecoded(path,
+               DecodePng(bytes.data(), bytes.size(), layout, map.values.data(),
+                         reason.data()),
+               reason);
+  return map;
+}
+
+void WritePng(int width, int height, png_uint_32 format, const void* pixels,
+              const std::string& path) {
+  png_image image = {};
+  image.version = PNG_IMAGE_VERSION;
+  image.width = static_cast<png_uint_32>(width);
+  image.height = static_cast<png_uint_32>(height);
+  image.format = format;
+  if (png_image_write_to_file(&image, path.c_str(), 0, pixels, 0, nullptr) ==
+      0) {
+    throw WorkError(path + ": cannot be written: " + image.message);
+  }
+}
+
+}  // namespace
+
+Picture ReadPicture(const std::string& path) {
+  const Bytes bytes = ReadFile(path);
+  if (IsPng(bytes)) return DecodePngPicture(path, bytes);
+  if (IsJpeg(bytes)) return DecodeJpegPicture(path, bytes);
+  Refuse(path, "is not a PNG or JPEG picture");
+}
+
+DisparityMap ReadDisparity(const std::string& path) {
+  DisparityMap map = ReadGreyPng<uint16_t>(path);
+  const auto largest = std::max_element(map.values.begin(), map.values.end());
+  if (*largest > kUnknownDisparity) {
+    Refuse(path, "has a value of " + std::to_string(*largest) +
+                     "; a disparity is at most 1023");
+  }
+  return map;
+}
+
+WeightMap ReadWeights(const std::string& path) {
+  return ReadGreyPng<uint8_t>(path);
+}
+
+void WritePicture(const Picture& picture, const std::string& path) {
+  WritePng(picture.width, picture.height, PNG_FORMAT_RGB, picture.rgb.data(),
+           path);
+}
+
+void WriteDisparity(const DisparityMap& map, const std::string& path) {
+  WritePng(map.width, map.height, PNG_FORMAT_LINEAR_Y, map.values.data(), path);
+}
+
+}  // namespace zuqel::tools

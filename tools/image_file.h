@@ -1,0 +1,32 @@
+// Reads and writes the picture files that the tools work on.
+#ifndef ZUQEL_TOOLS_IMAGE_FILE_H_
+#define ZUQEL_TOOLS_IMAGE_FILE_H_
+
+#include <string>
+
+#include "image.h"
+
+namespace zuqel::tools {
+
+// The largest width and height that is read.
+constexpr int kLargestSide = 8192;
+
+// The readers throw InputError, which names the file and what is wrong with it.
+
+// A PNG or JPEG picture. Grey becomes colour, alpha is dropped, 16 bits are
+// reduced to 8.
+Picture ReadPicture(const std::string& path);
+
+// A 16-bit grey PNG with values up to 1023.
+DisparityMap ReadDisparity(const std::string& path);
+
+// An 8-bit grey PNG.
+WeightMap ReadWeights(const std::string& path);
+
+// The writers make PNG files and throw WorkError.
+void WritePicture(const Picture& picture, const std::string& path);
+void WriteDisparity(const DisparityMap& map, const std::string& path);
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_IMAGE_FILE_H_

@@ -1,0 +1,48 @@
+// The library's log lines, which the commands keep to themselves by default.
+#include "library_log.h"
+
+#include <android/log.h>
+
+#include <iostream>
+#include <string_view>
+
+namespace zuqel::tools {
+namespace {
+
+// A logger is a plain function, so what it needs lies here.
+struct LogState {
+  bool verbose = false;
+  std::string context_failure;
+};
+
+LogState& State() {
+  static LogState state;
+  return state;
+}
+
+bool TellsOfContextFailure(std::string_view line) {
+  return line.substr(0, 3) == "egl" &&
+         (line.find("failed") != std::string_view::npos ||
+          line.find("EGL_NO_DISPLAY") != std::string_view::npos);
+}
+
+void OnLine(const __android_log_message* line) {
+  LogState& state = State();
+  if (state.context_failure.empty() && TellsOfContextFailure(line->message)) {
+    state.context_failure = line->message;
+  }
+  if (state.verbose) std::cerr << line->tag << ": " << line->message << "\n";
+}
+
+}  // namespace
+
+void TakeLibraryLog(bool verbose) {
+  State().verbose = verbose;
+  __android_log_set_logger(OnLine);
+}
+
+std::string ContextFailure() {
+  return State().context_failure;
+}
+
+}  // namespace zuqel::tools

@@ -1,0 +1,101 @@
+// Output files that appear together, whole, or not at all.
+#include "output_files.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <system_error>
+
+#include "image_file.h"
+#include "tool_error.h"
+
+namespace zuqel::tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+bool IsFolder(const fs::path& path) {
+  std::error_code ignored;
+  return fs::is_directory(path, ignored);
+}
+
+fs::path FolderOf(const fs::path& path) {
+  return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+}  // namespace
+
+OutputFiles::~OutputFiles() {
+  std::error_code ignored;
+  for (const Written& file : written_) fs::remove(file.temporary, ignored);
+  if (!made_folder_.empty()) fs::remove(made_folder_, ignored);
+}
+
+void OutputFiles::MakeFolder(const std::string& path) {
+  if (IsFolder(path)) return;
+  std::error_code error;
+  if (!fs::create_directory(path, error)) {
+    throw InputError(path + ": the folder cannot be made: " +
+                     (error ? error.message() : "a file has its name"));
+  }
+  made_folder_ = path;
+}
+
+void OutputFiles::Announce(const std::string& path) {
+  const fs::path folder = FolderOf(path);
+  if (!IsFolder(folder)) {
+    throw InputError(path + ": the folder " + folder.string() +
+                     " does not exist");
+  }
+  if (access(folder.c_str(), W_OK) != 0) {
+    throw InputError(path + ": the folder " + folder.string() +
+                     " is not writable");
+  }
+  if (IsFolder(path)) throw InputError(path + ": is a folder");
+  // A device must not be replaced by a file.
+  if (fs::exists(path) && !fs::is_regular_file(path)) {
+    throw InputError(path + ": is not a regular file");
+  }
+  const fs::path full = fs::canonical(folder) / fs::path(path).filename();
+  if (std::find(announced_.begin(), announced_.end(), full) !=
+      announced_.end()) {
+    throw InputError(path + ": is given for two outputs");
+  }
+  announced_.push_back(full);
+}
+
+fs::path OutputFiles::AddTemporary(const std::string& path, int width,
+                                   int height) {
+  const fs::path target = path;
+  std::string name = ".";
+  name += target.filename().string() + "." + std::to_string(getpid());
+  written_.push_back({path, FolderOf(target) / name, width, height});
+  return written_.back().temporary;
+}
+
+void OutputFiles::Write(const std::string& path, const Picture& picture) {
+  WritePicture(picture, AddTemporary(path, picture.width, picture.height));
+}
+
+void OutputFiles::Write(const std::string& path, const DisparityMap& map) {
+  WriteDisparity(map, AddTemporary(path, map.width, map.height));
+}
+
+void OutputFiles::Commit() {
+  for (const Written& file : written_) {
+    std::error_code error;
+    fs::rename(file.temporary, file.path, error);
+    if (error) {
+      throw WorkError(file.path + ": cannot be written: " + error.message());
+    }
+    made_folder_.clear();
+  }
+  for (const Written& file : written_) {
+    std::printf("wrote %s (%dx%d)\n", file.path.c_str(), file.width,
+                file.height);
+  }
+  written_.clear();
+}
+
+}  // namespace zuqel::tools

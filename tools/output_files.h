@@ -1,0 +1,53 @@
+// Output files that appear together, whole, or not at all.
+#ifndef ZUQEL_TOOLS_OUTPUT_FILES_H_
+#define ZUQEL_TOOLS_OUTPUT_FILES_H_
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "image.h"
+
+namespace zuqel::tools {
+
+// The files are written beside their targets under names of their own, and take
+// the targets' names in Commit. Without it the destructor removes them.
+class OutputFiles {
+ public:
+  OutputFiles() = default;
+  ~OutputFiles();
+  OutputFiles(const OutputFiles&) = delete;
+  OutputFiles& operator=(const OutputFiles&) = delete;
+
+  // Makes the folder where there is none. InputError when that fails.
+  void MakeFolder(const std::string& path);
+
+  // Says before any work that `path` will be written. InputError when its
+  // folder is missing, it is a folder itself, or it was announced before.
+  void Announce(const std::string& path);
+
+  // Writes a PNG file for the announced `path`.
+  void Write(const std::string& path, const Picture& picture);
+  void Write(const std::string& path, const DisparityMap& map);
+
+  // Moves every written file to its place and prints a line for each.
+  void Commit();
+
+ private:
+  struct Written {
+    std::string path;
+    std::filesystem::path temporary;
+    int width, height;
+  };
+
+  std::filesystem::path AddTemporary(const std::string& path, int width,
+                                     int height);
+
+  std::vector<std::filesystem::path> announced_;
+  std::vector<Written> written_;
+  std::filesystem::path made_folder_;
+};
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_OUTPUT_FILES_H_
