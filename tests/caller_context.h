@@ -21,22 +21,21 @@ class CallerContext {
                          EGLint client_version = 2)
       : display_(OpenDisplay()) {
     eglInitialize(display_, nullptr, nullptr);
-    const std::array config_attributes = {
-        EGL_SURFACE_TYPE,
-        EGL_PBUFFER_BIT,
-        EGL_RED_SIZE,
-        8,
-        EGL_GREEN_SIZE,
-        8,
-        EGL_BLUE_SIZE,
-        8,
-        EGL_ALPHA_SIZE,
-        8,
-        EGL_DEPTH_SIZE,
-        16,
-        EGL_RENDERABLE_TYPE,
-        client_version == 3 ? EGL_OPENGL_ES3_BIT : EGL_OPENGL_ES2_BIT,
-        EGL_NONE};
+    const EGLint version_bit =
+        client_version == 3 ? EGL_OPENGL_ES3_BIT : EGL_OPENGL_ES2_BIT;
+    const std::array config_attributes = {EGL_SURFACE_TYPE,
+                                          EGL_PBUFFER_BIT,
+                                          EGL_RED_SIZE,
+                                          8,
+                                          EGL_GREEN_SIZE,
+                                          8,
+                                          EGL_BLUE_SIZE,
+                                          8,
+                                          EGL_ALPHA_SIZE,
+                                          8,
+                                          EGL_RENDERABLE_TYPE,
+                                          version_bit,
+                                          EGL_NONE};
     EGLConfig config = nullptr;
     EGLint count = 0;
     eglChooseConfig(display_, config_attributes.data(), &config, 1, &count);

@@ -122,11 +122,12 @@ std::vector<GLint> ReadState() {
     glGetIntegerv(name, values.data());
     state.insert(state.end(), values.begin(), values.end());
   }
-  for (const GLenum query :
-       {GL_VERTEX_ATTRIB_ARRAY_ENABLED, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING,
-        GL_VERTEX_ATTRIB_ARRAY_STRIDE}) {
+  constexpr std::array<GLenum, 3> kAttributeNames = {
+      GL_VERTEX_ATTRIB_ARRAY_ENABLED, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING,
+      GL_VERTEX_ATTRIB_ARRAY_STRIDE};
+  for (const GLenum name : kAttributeNames) {
     state.emplace_back();
-    glGetVertexAttribiv(0, query, &state.back());
+    glGetVertexAttribiv(0, name, &state.back());
   }
   return state;
 }

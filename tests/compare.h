@@ -14,7 +14,7 @@
 
 namespace zuqel {
 
-// At least `share` of the samples are within `levels`.
+// At least `share` of the pixels are within `levels` in every channel.
 struct Tolerance {
   int levels;
   double share;
@@ -37,31 +37,33 @@ inline testing::AssertionResult IsNear(const std::string& name,
            << name << ": " << actual.size() << " bytes instead of "
            << expected.size();
   }
+  const auto stride = static_cast<size_t>(channels);
+  const size_t pixels = actual.size() / stride;
   int largest = 0;
   size_t inside = 0;
-  size_t first = actual.size();
-  for (size_t i = 0; i < actual.size(); ++i) {
-    const int difference = std::abs(actual[i] - expected[i]);
-    largest = std::max(largest, difference);
-    if (difference <= tolerance.levels) {
-      ++inside;
-    } else {
-      first = std::min(first, i);
+  size_t first = actual.size();  // sample outside the tolerance
+  for (size_t pixel = 0; pixel < pixels; ++pixel) {
+    int of_pixel = 0;
+    for (size_t i = pixel * stride; i < (pixel + 1) * stride; ++i) {
+      const int difference = std::abs(actual[i] - expected[i]);
+      if (difference > tolerance.levels) first = std::min(first, i);
+      of_pixel = std::max(of_pixel, difference);
     }
+    largest = std::max(largest, of_pixel);
+    if (of_pixel <= tolerance.levels) ++inside;
   }
-  const double share = actual.empty() ? 1.0
-                                      : static_cast<double>(inside) /
-                                            static_cast<double>(actual.size());
+  const double share =
+      static_cast<double>(inside) / static_cast<double>(pixels);
   if (largest > 0)
     std::printf("%s: largest difference %d, %.3f %% within %d\n", name.c_str(),
                 largest, 100 * share, tolerance.levels);
   if (share >= tolerance.share) return testing::AssertionSuccess();
-  const size_t pixel = first / static_cast<size_t>(channels);
+  const size_t pixel = first / stride;
+  const auto row = static_cast<size_t>(width);
   return testing::AssertionFailure()
          << name << ": only " << 100 * share << " % within " << tolerance.levels
-         << " levels; first outside: x " << pixel % static_cast<size_t>(width)
-         << ", y " << pixel / static_cast<size_t>(width) << ", channel "
-         << first % static_cast<size_t>(channels) << ": "
+         << " levels; first outside: x " << pixel % row << ", y " << pixel / row
+         << ", channel " << first % stride << ": "
          << static_cast<int>(actual[first]) << " instead of "
          << static_cast<int>(expected[first]);
 }

@@ -181,6 +181,7 @@ constexpr auto kOffScreenRows = std::to_array<FrameRow>({
     {.name = "NV21, small"},
     {.name = "three planes", .format = 2},
     {.name = "packed", .format = 7},
+    {.name = "packed, whole blocks", .preview = {320, 184}, .format = 7},
     {.name = "packed by the caller", .format = 5},
     {.name = "small weights", .f_number = 2.8F, .work = {160, 121}},
     {.name = "portrait", .format = 2, .f_number = 2.8F, .portrait = true},
@@ -240,7 +241,10 @@ TEST_F(FrameTest, OffScreenFramesGoBackIntoThePlanes) {
 
 constexpr auto kOnScreenRows = std::to_array<FrameRow>({
     {.name = "preview", .preview = kLarge, .output = kLarge},
-    {.name = "portrait", .preview = kLarge, .portrait = true, .output = kLarge},
+    {.name = "portrait",
+     .preview = kLarge,
+     .portrait = true,
+     .output = {640, 480}},
     {.name = "reduced, from depth",
      .preview = kLarge,
      .f_number = 2.8F,

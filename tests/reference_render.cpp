@@ -40,11 +40,6 @@ size_t Index(int x, int y, int width) {
          static_cast<size_t>(y) * static_cast<size_t>(width);
 }
 
-// A byte of a buffer of the caller's; outside of it 0.
-uint8_t ByteAt(std::span<const uint8_t> bytes, size_t index) {
-  return index < bytes.size() ? bytes[index] : uint8_t{0};
-}
-
 // Where the chroma of pixel (x, y) lies: U, then V.
 std::array<size_t, 2> ChromaIndex(int x, int y, Size size, int format) {
   const Size half = {size.width / 2, size.height / 2};
@@ -55,51 +50,6 @@ std::array<size_t, 2> ChromaIndex(int x, int y, Size size, int format) {
   const size_t v = format == kPacked ? Index(x & ~3, y / 4, size.width)
                                      : Index(x & ~1, y / 2, size.width);
   return {v + 1, v};
-}
-
-// The chroma plane as the textures hold it, at half size. Rows of an odd width
-// end in a byte that is in no pair.
-Image HalfChroma(const Planes& planes) {
-  Image chroma({planes.size.width / 2, planes.size.height / 2});
-  for (int y = 0; y < chroma.size.height; ++y) {
-    for (int x = 0; x < chroma.size.width; ++x) {
-      const auto v = Index(2 * x, y, planes.size.width);
-      const float first = static_cast<float>(ByteAt(planes.chroma, v)) / 255;
-      const float second =
-          static_cast<float>(ByteAt(planes.chroma, v + 1)) / 255;
-      chroma.at(x, y) = {first, first, first, second};
-    }
-  }
-  return chroma;
-}
-
-Image Packed4444(const Planes& planes) {
-  Image image(planes.size);
-  for (int y = 0; y < image.size.height; ++y) {
-    for (int x = 0; x < image.size.width; ++x) {
-      const auto [u, v] = ChromaIndex(x, y, planes.size, kPacked);
-      const auto luma = Index(x, y, planes.size.width);
-      image.at(x, y) = {static_cast<float>(planes.luma[luma]) / 255,
-                        static_cast<float>(ByteAt(planes.chroma, u)) / 255,
-                        static_cast<float>(ByteAt(planes.chroma, v)) / 255, 1};
-    }
-  }
-  return image;
-}
-
-Image PlanarImage(const Planes& planes) {
-  const Size half = {planes.size.width / 2, planes.size.height / 2};
-  const std::span chroma(planes.chroma);
-  const Image y = FromBytes(planes.luma, planes.size, 1);
-  const Image u = FromBytes(
-      chroma.subspan(static_cast<size_t>(planes.size.height * half.width / 2)),
-      half, 1);
-  const Image v = FromBytes(chroma, half, 1);
-  Image image(planes.size);
-  Draw(image, image.size, Turn::kUpright, [&](Point at) {
-    return PlanarPack({&y}, {&u, Filter::kNearest}, {&v, Filter::kNearest}, at);
-  });
-  return image;
 }
 
 float Decoded(Rgba depth, const DepthRange& range) {
@@ -119,7 +69,7 @@ Image FromBytes(std::span<const uint8_t> bytes, Size size, int channels) {
   for (size_t i = 0; i < image.pixels.size(); ++i) {
     std::array<float, 4> in = {};
     for (size_t c = 0; c < stride; ++c) {
-      in.at(c) = static_cast<float>(ByteAt(bytes, i * stride + c)) / 255;
+      in.at(c) = static_cast<float>(bytes[i * stride + c]) / 255;
     }
     image.pixels[i] =
         channels == 4 ? Rgba{in[0], in[1], in[2], in[3]}
@@ -193,15 +143,6 @@ Rgba Nv21ToRgb(const Texture& luma, const Texture& chroma, Point at) {
   const float u = Sample(chroma, at).a - 0.5F;
   const float v = Sample(chroma, at).r - 0.5F;
   return {y + 1.402F * v, y - 0.34414F * u - 0.71414F * v, y + 1.772F * u, 1};
-}
-
-Rgba Nv21Pack(const Texture& luma, const Texture& chroma, Point at) {
-  return {Sample(luma, at).r, Sample(chroma, at).a, Sample(chroma, at).r, 1};
-}
-
-Rgba PlanarPack(const Texture& y, const Texture& u, const Texture& v,
-                Point at) {
-  return {Sample(y, at).r, Sample(u, at).r, Sample(v, at).r, 1};
 }
 
 Rgba Composite(const Texture& sharp, const Texture& blurred,
@@ -283,21 +224,25 @@ float BlurScale(float f_number) {
 
 Image PackedImage(const Planes& planes, int format, bool from_depth,
                   const Image& packed) {
-  if (format == kPacked) return Packed4444(planes);
-  const Image luma = FromBytes(planes.luma, planes.size, 1);
-  if (format == kPlanar) return from_depth ? luma : PlanarImage(planes);
-  if (format != kNv21) return packed;
-  const Image chroma = HalfChroma(planes);
-  Image image(planes.size);
-  Draw(image, image.size, Turn::kUpright, [&](Point at) {
-    return Nv21Pack({&luma}, {&chroma, Filter::kNearest}, at);
-  });
+  const bool is_read =
+      format == kNv21 || format == kPlanar || format == kPacked;
+  if (!is_read) return packed;
+  Image image = FromBytes(planes.luma, planes.size, 1);
+  if (format == kPlanar && from_depth) return image;
+  for (int y = 0; y < image.size.height; ++y) {
+    for (int x = 0; x < image.size.width; ++x) {
+      const auto [u, v] = ChromaIndex(x, y, planes.size, format);
+      image.at(x, y).g = static_cast<float>(planes.chroma.at(u)) / 255;
+      image.at(x, y).b = static_cast<float>(planes.chroma.at(v)) / 255;
+    }
+  }
   return image;
 }
 
 Image RgbImage(const Planes& planes) {
   const Image luma = FromBytes(planes.luma, planes.size, 1);
-  const Image chroma = HalfChroma(planes);
+  const Image chroma = FromBytes(
+      planes.chroma, {planes.size.width / 2, planes.size.height / 2}, 2);
   Image image(planes.size);
   Draw(image, kConversion, Turn::kUpright,
        [&](Point at) { return Nv21ToRgb({&luma}, {&chroma}, at); });
@@ -306,16 +251,13 @@ Image RgbImage(const Planes& planes) {
 
 void WriteBack(const Image& image, int format, Planes& planes) {
   const std::vector<uint8_t> rgba = ToBytes(image);
-  const auto write = [&](size_t index, uint8_t value) {
-    if (index < planes.chroma.size()) planes.chroma[index] = value;
-  };
   for (int y = 0; y < planes.size.height; ++y) {
     for (int x = 0; x < planes.size.width; ++x) {
       const auto pixel = Index(x, y, planes.size.width);
       planes.luma[pixel] = rgba[4 * pixel];
       const auto [u, v] = ChromaIndex(x, y, planes.size, format);
-      write(u, rgba[4 * pixel + 1]);
-      write(v, rgba[4 * pixel + 2]);
+      planes.chroma.at(u) = rgba[4 * pixel + 1];
+      planes.chroma.at(v) = rgba[4 * pixel + 2];
     }
   }
 }

@@ -86,8 +86,6 @@ void Draw(Image& target, Size viewport, Turn turn, const Shader& shader) {
 // The fragment shaders.
 Rgba Gaussian5(const Texture& texture, Point at, Point step);
 Rgba Nv21ToRgb(const Texture& luma, const Texture& chroma, Point at);
-Rgba Nv21Pack(const Texture& luma, const Texture& chroma, Point at);
-Rgba PlanarPack(const Texture& y, const Texture& u, const Texture& v, Point at);
 Rgba Composite(const Texture& sharp, const Texture& blurred,
                const Texture& weights, Point at);
 // `step` is the distance of neighbours; the largest or smallest red wins.
@@ -105,7 +103,8 @@ Image SeparableBlur(const Texture& source, Size size, float scale, Size target);
 
 float BlurScale(float f_number);
 
-// A frame in the caller's layout; `format` is GLInitInfo's srcformat.
+// A frame of even size in the caller's layout; `format` is GLInitInfo's
+// srcformat.
 struct Planes {
   Size size;
   std::vector<uint8_t> luma, chroma;

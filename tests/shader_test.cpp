@@ -179,7 +179,8 @@ constexpr std::array<ProgramRow, 8> kPrograms = {{
      ProgramRole::Nv21PackProgram,
      {{{"inputYTexture", 1, 1}, {"inputUVTexture", 2, 2}}},
      [](Samples in, Point at, const Step&) {
-       return Nv21Pack(in[0], in[1], at);
+       const Rgba uv = Sample(in[1], at);
+       return Rgba{Sample(in[0], at).r, uv.a, uv.r, 1};
      }},
     {"planar pack",
      ProgramRole::PlanarYuvPackProgram,
@@ -187,7 +188,8 @@ constexpr std::array<ProgramRow, 8> kPrograms = {{
        {"inputUTexture", 1, 2},
        {"inputVTexture", 1, 2}}},
      [](Samples in, Point at, const Step&) {
-       return PlanarPack(in[0], in[1], in[2], at);
+       return Rgba{Sample(in[0], at).r, Sample(in[1], at).r,
+                   Sample(in[2], at).r, 1};
      }},
 }};
 
@@ -430,10 +432,11 @@ TEST_F(ShaderTest, HeightOfZeroCountsAsOne) {
                 luma.data(), {});
   PassNv21Pack(state_, {kWidth, 0});
   const Image y = reference::FromBytes(luma, {kWidth, kHeight}, 1);
-  const Image uv = reference::FromBytes(luma, {1, 1}, 2);
+  const Rgba uv = reference::FromBytes(luma, {1, 1}, 2).at(0, 0);
   Image expected({kWidth, kHeight});
-  Draw(expected, {kWidth, 1}, Turn::kUpright,
-       [&](Point at) { return Nv21Pack({&y}, {&uv}, at); });
+  Draw(expected, {kWidth, 1}, Turn::kUpright, [&](Point at) {
+    return Rgba{Sample({&y}, at).r, uv.a, uv.r, 1};
+  });
   EXPECT_TRUE(IsNear(
       "one row", ReadPixels(state_.targets.framebuffer(0), {kWidth, kHeight}),
       ToBytes(expected), kWidth, 4, kRounding));
