@@ -223,6 +223,7 @@ TEST_F(FrameDumpTest, DirectoryIsPutInFrontOfTheName) {
 
 TEST_F(FrameDumpTest, NullImagesAreLoggedOnAndOff) {
   const ScopedSession session(Info());
+  const std::string line = "pointer is NULL in FrameDump";
   for (const char* value : {"", "1"}) {
     const ScopedProperty property(kSwitch, value);
     TestFrame frame(Info());
@@ -230,15 +231,20 @@ TEST_F(FrameDumpTest, NullImagesAreLoggedOnAndOff) {
     EXPECT_EQ(zuQelRT_GLStartV1(frame.luma.data(), frame.chroma.data(), nullptr,
                                 3, UINT32_MAX, 0, {0, 0, 0, 0}, 1),
               ZUQEL_SUCCESS);
-    const Lines log = log_.Take();
+    Lines log = log_.Take();
     ASSERT_GE(log.size(), 2U);
     EXPECT_EQ(log[0], "zuQelRT_GLStartV1 +");
-    EXPECT_EQ(log[1], "pointer is NULL in FrameDump");
-    EXPECT_EQ(std::count(log.begin(), log.end(), log[1]), 1);
+    EXPECT_EQ(log[1], line);
+    EXPECT_EQ(std::count(log.begin(), log.end(), line), 1);
+    EXPECT_EQ(frame.Render(/*from_depth=*/true), ZUQEL_SUCCESS);
+    log = log_.Take();
+    EXPECT_EQ(std::count(log.begin(), log.end(), line), 0) << "has no weights";
   }
-  EXPECT_EQ(NewFiles(), (std::vector<std::string>{
-                            "GLBokeh_64x48_v0.54.07_0001_3_-1.raw",
-                            "GLOutput_64x48_v0.54.07_0001_3_-1.raw"}));
+  EXPECT_EQ(NewFiles(),
+            (std::vector<std::string>{"GLBokeh_64x48_v0.54.07_0002_3_-1.raw",
+                                      "GLBokeh_64x48_v0.54.07_0003_3_4.raw",
+                                      "GLOutput_64x48_v0.54.07_0002_3_-1.raw",
+                                      "GLOutput_64x48_v0.54.07_0003_3_4.raw"}));
 }
 
 }  // namespace

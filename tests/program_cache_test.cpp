@@ -136,6 +136,11 @@ Bytes RenderFrames() {
   return result;
 }
 
+bool IsZero(std::span<const uint8_t> bytes) {
+  return std::all_of(bytes.begin(), bytes.end(),
+                     [](uint8_t byte) { return byte == 0; });
+}
+
 bool IsZero(const BinaryInfo& info) {
   static constexpr BinaryInfo kZero;
   return std::memcmp(&info, &kZero, sizeof(info)) == 0;
@@ -177,8 +182,8 @@ TEST_F(ProgramCacheTest, LayoutFollowsTheLog) {
   EXPECT_EQ(NumbersOf(fresh_log_, "dst_offset = "), ends);
   EXPECT_EQ(WordAt(cache, 0), 92);
   EXPECT_EQ(WordAt(cache, kValidWord), 1);
-  EXPECT_TRUE(std::all_of(cache.begin() + ends.back(), cache.end(),
-                          [](uint8_t byte) { return byte == 0; }))
+  EXPECT_TRUE(
+      IsZero(std::span(cache).subspan(static_cast<size_t>(ends.back()))))
       << "bytes behind the last binary stay";
 
   // Each step's bytes are those of the program that its entry names.
@@ -216,8 +221,7 @@ TEST_F(ProgramCacheTest, ValidCacheCompilesNothing) {
     EXPECT_EQ(LinkedEntries(), AllEntries());
     EXPECT_TRUE(IsZero(cache_.binaryInfo));
     EXPECT_EQ(SessionCopy().size(), kCacheBytes);
-    EXPECT_TRUE(std::all_of(SessionCopy().begin(), SessionCopy().end(),
-                            [](uint8_t byte) { return byte == 0; }));
+    EXPECT_TRUE(IsZero(SessionCopy()));
     compiled = RenderFrames();
   }
   ExpectClosed();
@@ -336,6 +340,7 @@ TEST_F(ProgramCacheTest, OneGoodEntryIsEnough) {
       EXPECT_EQ(Since(before), accepted ? kNone : kBuiltAndCompiled);
       EXPECT_EQ(LinkedEntries(), accepted ? row.loaded : AllEntries());
       EXPECT_EQ(IsZero(cache_.binaryInfo), !accepted);
+      EXPECT_EQ(IsZero(SessionCopy()), !accepted);
       TestFrame frame(Info());
       EXPECT_EQ(frame.Render(), ZUQEL_SUCCESS);
     }

@@ -1,6 +1,6 @@
 // A frame with its maps, and properties for the length of a scope.
-#ifndef ZUQEL_TEST_FRAME_H_
-#define ZUQEL_TEST_FRAME_H_
+#ifndef ZUQEL_TESTS_TEST_FRAME_H_
+#define ZUQEL_TESTS_TEST_FRAME_H_
 
 #include <sys/system_properties.h>
 #include <zuQelRT_GL.h>
@@ -53,4 +53,4 @@ struct TestFrame {
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_TEST_FRAME_H_
+#endif  // ZUQEL_TESTS_TEST_FRAME_H_
