@@ -138,10 +138,10 @@ uint32_t zuQelRT_GLInitV1(const uint8_t* calibA, uint32_t calibASize,
  * an earlier start has filled, which is much faster than compiling them.
  *
  * `programBinaryCache`: 262144 bytes that the caller keeps between runs as they
- * are, or null. A cache that does not load (zeros, at the first start) is filled
- * anew during the call and counts from the next start on. A cache is good for the
- * driver that made it; whether it is the same driver is not checked beyond one of
- * its programs loading. */
+ * are, or null. A cache that does not load (zeros, at the first start) is
+ * filled anew during the call and counts from the next start on. A cache is
+ * good for the driver that made it; whether it is the same driver is not
+ * checked beyond one of its programs loading. */
 uint32_t zuQelRT_GLInitV1_1(const uint8_t* calibA, uint32_t calibASize,
                             const uint8_t* calibB, uint32_t calibBSize,
                             const GLInitInfo* info,
@@ -196,14 +196,15 @@ uint32_t zuQelRT_GLStartV1HWDepth(uint8_t* a_pucInputImage,
                                   int32_t bypass, FocusRect rect,
                                   float fNumber);
 
-/* Sets whether the debug pictures are drawn over each frame, and whether they are
- * blended with it by their alpha. Blending that was once on stays on for the life
- * of the context. */
+/* Sets whether the debug pictures are drawn over each frame, and whether they
+ * are blended with it by their alpha. Blending that was once on stays on for
+ * the life of the context. */
 uint32_t zuQelRT_GLShowDebugPicture(int32_t isShow, int32_t isBlending);
 
 /* Loads the debug pictures: `table` has exactly ten entries. Pixels are copied
- * during the call; an entry not in use keeps its picture. Belongs on the rendering
- * thread, after initialisation. ZUQEL_NULL_POINTER when `table` is null. */
+ * during the call; an entry not in use keeps its picture. Belongs on the
+ * rendering thread, after initialisation. ZUQEL_NULL_POINTER when `table` is
+ * null. */
 uint32_t zuQelRT_GLSetDebugPicture(const DebugPicture* table);
 
 #pragma GCC visibility pop
