@@ -22,7 +22,7 @@ class GuardedMemory {
   static_assert(std::is_trivial_v<T>);
 
  public:
-  explicit GuardedMemory(size_t count) : count_(count) {
+  explicit GuardedMemory(size_t count) {
     const auto page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     const size_t bytes = count * sizeof(T);
     const size_t used = (bytes + page - 1) / page * page;
@@ -32,28 +32,25 @@ class GuardedMemory {
     if (mapping == MAP_FAILED) std::abort();
     mapping_ = static_cast<uint8_t*>(mapping);
     uint8_t* first_page = mapping_ + page;
-    if (used != 0 && mprotect(first_page, used, PROT_READ | PROT_WRITE) != 0) {
-      std::abort();
-    }
-    data_ = reinterpret_cast<T*>(first_page + used - bytes);
+    if (mprotect(first_page, used, PROT_READ | PROT_WRITE) != 0) std::abort();
+    span_ = {reinterpret_cast<T*>(first_page + used - bytes), count};
   }
   explicit GuardedMemory(std::span<const T> values)
       : GuardedMemory(values.size()) {
-    std::copy(values.begin(), values.end(), data_);
+    std::copy(values.begin(), values.end(), data());
   }
   ~GuardedMemory() { munmap(mapping_, mapped_); }
   GuardedMemory(const GuardedMemory&) = delete;
   GuardedMemory& operator=(const GuardedMemory&) = delete;
 
-  [[nodiscard]] T* data() const { return data_; }
-  [[nodiscard]] size_t size() const { return count_; }
-  [[nodiscard]] std::span<T> span() const { return {data_, count_}; }
+  [[nodiscard]] T* data() const { return span_.data(); }
+  [[nodiscard]] size_t size() const { return span_.size(); }
+  [[nodiscard]] std::span<T> span() const { return span_; }
 
  private:
   uint8_t* mapping_ = nullptr;
   size_t mapped_ = 0;
-  T* data_ = nullptr;
-  size_t count_ = 0;
+  std::span<T> span_;
 };
 
 }  // namespace zuqel

@@ -54,14 +54,15 @@ void WriteSamplePng(const std::string& path, int width, int height,
 }
 
 void WriteSampleJpeg(const std::string& path, int width, int height,
-                     int channels, const std::vector<uint8_t>& pixels) {
+                     int channels, std::vector<uint8_t> pixels) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(
+      std::fopen(path.c_str(), "wb"), std::fclose);
+  if (file == nullptr) throw std::runtime_error(path);
   jpeg_compress_struct compress = {};
   jpeg_error_mgr errors = {};
   compress.err = jpeg_std_error(&errors);
   jpeg_create_compress(&compress);
-  unsigned char* bytes = nullptr;
-  unsigned long size = 0;
-  jpeg_mem_dest(&compress, &bytes, &size);
+  jpeg_stdio_dest(&compress, file.get());
   compress.image_width = static_cast<JDIMENSION>(width);
   compress.image_height = static_cast<JDIMENSION>(height);
   compress.input_components = channels;
@@ -69,17 +70,12 @@ void WriteSampleJpeg(const std::string& path, int width, int height,
   jpeg_set_defaults(&compress);
   jpeg_set_quality(&compress, 98, TRUE);
   jpeg_start_compress(&compress, TRUE);
-  std::vector<uint8_t> row(static_cast<size_t>(width * channels));
-  for (size_t y = 0; y < static_cast<size_t>(height); ++y) {
-    std::copy_n(pixels.begin() + static_cast<std::ptrdiff_t>(y * row.size()),
-                row.size(), row.begin());
-    JSAMPROW start = row.data();
-    jpeg_write_scanlines(&compress, &start, 1);
+  for (int y = 0; y < height; ++y) {
+    JSAMPROW row = pixels.data() + std::ptrdiff_t{y} * width * channels;
+    jpeg_write_scanlines(&compress, &row, 1);
   }
   jpeg_finish_compress(&compress);
   jpeg_destroy_compress(&compress);
-  const std::unique_ptr<unsigned char, void (*)(void*)> owner(bytes, std::free);
-  WriteBytes(path, {bytes, bytes + size});
 }
 
 std::vector<uint8_t> ReadBytes(const std::string& path) {
@@ -88,6 +84,8 @@ std::vector<uint8_t> ReadBytes(const std::string& path) {
 }
 
 void WriteBytes(const std::string& path, const std::vector<uint8_t>& bytes) {
+  // Some file systems flush a file that was cut and written anew.
+  std::filesystem::remove(path);
   std::ofstream file(path, std::ios::binary);
   std::copy(bytes.begin(), bytes.end(), std::ostreambuf_iterator<char>(file));
 }

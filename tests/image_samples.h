@@ -37,7 +37,7 @@ void WriteSamplePng(const std::string& path, int width, int height,
 
 // `channels` is 1 (grey) or 3 (RGB).
 void WriteSampleJpeg(const std::string& path, int width, int height,
-                     int channels, const std::vector<uint8_t>& pixels);
+                     int channels, std::vector<uint8_t> pixels);
 
 std::vector<uint8_t> ReadBytes(const std::string& path);
 void WriteBytes(const std::string& path, const std::vector<uint8_t>& bytes);
