@@ -190,10 +190,11 @@ std::vector<CacheRow> CacheRows() {
   constexpr int32_t kMax = INT32_MAX, kMin = INT32_MIN;
   constexpr auto kSize = static_cast<int32_t>(kCacheBytes);
   const auto fill = [](size_t from, uint8_t byte) {
-    return
-        [=](auto cache) { std::fill(cache.begin() + from, cache.end(), byte); };
+    return [=](auto cache) {
+      std::fill_n(&cache[from], kCacheBytes - from, byte);
+    };
   };
-  std::vector<CacheRow> rows = {{"valid", kAll, fill(kCacheBytes, 0)},
+  std::vector<CacheRow> rows = {{"valid", kAll, fill(kCacheBytes - 1, 0)},
                                 {"unused byte", kAll, fill(kCacheBytes - 1, 1)},
                                 {"zeros", {}, fill(0, 0)},
                                 {"binaries of zeros", {}, fill(kHeadBytes, 0)},
@@ -270,10 +271,14 @@ TEST_F(ProgramCacheTest, OneGoodEntryIsEnough) {
 }
 
 TEST_F(ProgramCacheTest, BuilderStaysInsideTheCache) {
-  // Small programs but for the last that fits, a large one, then small ones.
+  // What is filled leaves room for a small program but not for a large one.
   const ScopedSession session(SmallInfo(), nullptr);
-  const size_t fit = (kCacheBytes - kHeadBytes) / BinaryOf(2).size();
-  std::vector<size_t> order(fit - 1, 2);
+  const size_t small = BinaryOf(2).size(), large = BinaryOf(9).size();
+  ASSERT_GT(large, small);
+  const size_t room = kCacheBytes - kHeadBytes, count = room / small - 1;
+  const size_t larges = (room - (count + 1) * small) / (large - small);
+  std::vector<size_t> order(larges, 9);
+  order.resize(count, 2);
   order.insert(order.end(), {9, 2, 2});
   const Built expected = Expected(order);
   ASSERT_NE(expected.log.find("FAIL.\nbinaryLength"), std::string::npos);
