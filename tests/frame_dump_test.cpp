@@ -62,7 +62,7 @@ class FrameDumpTest : public testing::Test {
   }
 
   LogCapture log_;
-  const CallerContext caller_{64, 48};
+  const CallerContext caller_{32, 24};
   fs::path directory_ =
       fs::temp_directory_path() / ("zuqel_dump_" + std::to_string(getpid()));
 };
@@ -92,7 +92,7 @@ TEST_F(FrameDumpTest, FilesHoldTheFrame) {
     // The viewport of the first frame's beginning is the context's own.
     EXPECT_EQ(NewFiles(),
               (Files{{"GLBokeh_64x48_v0.54.07_9998_3_4.raw", luma},
-                     {"GLOutput_64x48_v0.54.07_9998_3_4.raw", Output()},
+                     {"GLOutput_32x24_v0.54.07_9998_3_4.raw", Output({32, 24})},
                      {"GLRM_320x240_v0.54.07_9998_3_4.raw", frame.weights}}));
     frame = TestFrame();
     EXPECT_EQ(frame.Render(/*from_depth=*/true), ZUQEL_SUCCESS);
