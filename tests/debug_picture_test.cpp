@@ -3,16 +3,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
+#include <sstream>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "compare.h"
 #include "log_capture.h"
 #include "read_pixels.h"
 #include "test_frame.h"
-#include "test_session.h"
 
 namespace zuqel {
 namespace {
@@ -26,266 +24,180 @@ using Table = std::array<DebugPicture, kDebugPictureCount>;
 constexpr Size kOutput = {64, 48};
 // Sampled, rounded, and blended in eight bits.
 constexpr Tolerance kBlended = {2, 1.0};
+// All pictures' pixels: noise in all four channels.
+const Bytes kNoise = PatternBytes(Pattern::kNoise, 4 * 64, 48, 3);
 
-GLInitInfo Info(int32_t off_screen = 1) {
-  GLInitInfo info = DefaultInfo();
-  info.PreviewWidth = kOutput.width;
-  info.PreviewHeight = kOutput.height;
-  info.OutputWidth = kOutput.width;
-  info.OutputHeight = kOutput.height;
-  info.offmode = off_screen;
-  return info;
+DebugPicture Picture(Size size, DrawRegion region, size_t first_pixel = 0) {
+  return {&kNoise[4 * first_pixel],
+          size.width,
+          size.height,
+          region.x,
+          region.y,
+          region.width,
+          region.height};
 }
 
-// Noise in all four channels, alpha included.
-Bytes Pixels(Size size, uint32_t seed) {
-  return PatternBytes(Pattern::kNoise, 4 * size.width, size.height, seed);
-}
-
+// The frame in the output target.
 Bytes Target() {
   return ReadPixels(
       TheSession().frame.render.targets.framebuffer(kOutputTarget), kOutput);
 }
 
-struct Placed {
-  size_t entry;
-  Size size;  // of the picture
-  DrawRegion region;
-};
-
-// Pictures of their own pixels, in the table.
-struct Pictures {
-  explicit Pictures(const std::vector<Placed>& all) : placed(all) {
-    for (const Placed& one : placed) {
-      pixels.push_back(Pixels(one.size, static_cast<uint32_t>(one.entry) + 3));
-      table.at(one.entry) = {pixels.back().data(), one.size.width,
-                             one.size.height,      one.region.x,
-                             one.region.y,         one.region.width,
-                             one.region.height};
-    }
-  }
-
-  // Draws them into an image whose row 0 is the lowest.
-  void DrawOver(Image& image, bool blend) const {
-    for (size_t i = 0; i < placed.size(); ++i) {
-      DrawRegion region = placed[i].region;
-      region.height = std::max(region.height, 1);
-      const Image picture = reference::FromBytes(pixels[i], placed[i].size, 4);
-      for (int v = 0; v < region.height; ++v) {
-        for (int u = 0; u < region.width; ++u) {
-          const int x = region.x + u, y = region.y + v;
-          if (x < 0 || y < 0 || x >= image.size.width || y >= image.size.height)
-            continue;
-          const Rgba source = reference::Sample(
-              {&picture},
-              {(u + 0.5) / region.width, (v + 0.5) / region.height});
-          image.at(x, y) = reference::Quantised(
-              blend ? Mix(image.at(x, y), source) : source);
-        }
+// The target with the pictures drawn over it; row 0 is the lowest. Alpha is
+// weighed like the colours.
+Bytes DrawnOverTarget(const Table& table, bool blend) {
+  Image image = reference::FromBytes(Target(), kOutput, 4);
+  for (const DebugPicture& entry : table) {
+    if (entry.pData == nullptr) continue;
+    const Size size = {entry.iWidth, entry.iHeight};
+    const Image picture =
+        reference::FromBytes({entry.pData, 4 * size.area()}, size, 4);
+    const int width = entry.iDrawWidth, height = std::max(entry.iDrawHeight, 1);
+    for (int y = std::max(entry.iY, 0); y < std::min(entry.iY + height, 48);
+         ++y) {
+      for (int x = std::max(entry.iX, 0); x < std::min(entry.iX + width, 64);
+           ++x) {
+        const Rgba above = reference::Sample(
+            {&picture},
+            {(x - entry.iX + 0.5) / width, (y - entry.iY + 0.5) / height});
+        const float a = blend ? above.a : 1, b = 1 - a;
+        Rgba& at = image.at(x, y);
+        at = reference::Quantised(
+            {a * above.r + b * at.r, a * above.g + b * at.g,
+             a * above.b + b * at.b, a * above.a + b * at.a});
       }
     }
   }
+  return ToBytes(image);
+}
 
-  std::vector<Placed> placed;  // by entry
-  std::vector<Bytes> pixels;
-  Table table = {};
-
- private:
-  // Alpha is weighed like the colours.
-  static Rgba Mix(Rgba below, Rgba above) {
-    const float a = above.a, b = 1 - above.a;
-    return {a * above.r + b * below.r, a * above.g + b * below.g,
-            a * above.b + b * below.b, a * above.a + b * below.a};
-  }
-};
+// A frame with the pictures shown or not; what the planes received.
+TestFrame RenderFrame(bool show, bool blend) {
+  EXPECT_EQ(zuQelRT_GLShowDebugPicture(show ? 1 : 0, blend ? -1 : 0), 0U);
+  TestFrame frame;
+  EXPECT_EQ(frame.Render(), ZUQEL_SUCCESS);
+  return frame;
+}
 
 class DebugPictureTest : public testing::Test {
  protected:
   DebugPictureTest() { ResetSession(); }
-
-  // A frame with the pictures shown or not; what the planes received.
-  static TestFrame RenderFrame(bool show, bool blend, const GLInitInfo& info) {
-    EXPECT_EQ(zuQelRT_GLShowDebugPicture(show ? 1 : 0, blend ? -1 : 0),
-              ZUQEL_SUCCESS);
-    TestFrame frame(info);
-    EXPECT_EQ(frame.Render(), ZUQEL_SUCCESS);
-    return frame;
-  }
-
   LogCapture log_;
-  DebugPictures& pictures_ = TheSession().frame.debug_pictures;
+  const CallerContext caller_{64, 48};
 };
 
-TEST_F(DebugPictureTest, LogsWhatItLoads) {
-  const ScopedSession session(Info());
-  const Bytes pixels = Pixels({5, 3}, 1);
-  const uint8_t* data = pixels.data();
-  Table table = {};
-  table[0] = {data, 5, 3, 1, 2, 3, 4};
-  table[1] = {nullptr, 5, 3, 0, 0, 9, 9};
-  table[2] = {data, 0, 3, 0, 0, 9, 9};
-  table[3] = {data, 5, 0, 0, 0, 9, 9};
-  table[9] = {data + 4, 2, 1, 0, 0, 9, 9};
-  const auto line = [](int i, const uint8_t* pointer, int width, int height) {
-    std::array<char, 128> text = {};
-    static_cast<void>(std::snprintf(
-        text.data(), text.size(),
-        "i = %d, picture[i].pData = 0x%x , picture[i].pData = %d, "
-        "picture[i].iHeight = %d",
-        i, static_cast<unsigned>(reinterpret_cast<uintptr_t>(pointer)), width,
-        height));
-    return std::string(text.data());
-  };
-  log_.Take();
-  EXPECT_EQ(zuQelRT_GLSetDebugPicture(table.data()), ZUQEL_SUCCESS);
-  EXPECT_EQ(log_.Take(), (Lines{line(0, data, 5, 3), line(9, data + 4, 2, 1)}));
+TEST_F(DebugPictureTest, EntriesInUseAreLoggedAndLoaded) {
+  const ScopedSession session(SmallInfo());
+  const DrawRegion all = {0, 0, 64, 48};
+  Table table = {Picture({6, 5}, all)};
+  ASSERT_EQ(zuQelRT_GLSetDebugPicture(table.data()), ZUQEL_SUCCESS);
+  const Bytes shown = RenderFrame(true, false).luma;
+  const Bytes plain = RenderFrame(false, false).luma;
+  table[9] = Picture({2, 1}, {}, 1);
+  std::ostringstream line;
+  line << "i = 9, picture[i].pData = 0x" << std::hex
+       << static_cast<uint32_t>(reinterpret_cast<uintptr_t>(table[9].pData))
+       << " , picture[i].pData = 2, picture[i].iHeight = 1";
+  Table& loaded = TheSession().frame.debug_pictures.table;
+  for (const DebugPicture& unused :
+       {Picture({0, 5}, all, 7), Picture({6, 0}, all, 7),
+        DebugPicture{nullptr, 6, 5, 0, 0, 64, 48}}) {
+    table[0] = unused;
+    log_.Take();
+    EXPECT_EQ(zuQelRT_GLSetDebugPicture(table.data()), ZUQEL_SUCCESS);
+    EXPECT_EQ(log_.Take(), Lines{line.str()});
+    EXPECT_EQ(RenderFrame(true, false).luma, plain);
+    loaded = {Picture({6, 5}, all)};
+    EXPECT_EQ(RenderFrame(true, false).luma, shown) << "keeps its texture";
+  }
   EXPECT_EQ(zuQelRT_GLSetDebugPicture(nullptr), ZUQEL_NULL_POINTER);
+  EXPECT_EQ(loaded[0].pData, kNoise.data()) << "as it was";
+  log_.Take();
   EXPECT_EQ(zuQelRT_GLShowDebugPicture(-7, 2), ZUQEL_SUCCESS);
   EXPECT_EQ(log_.Take(), (Lines{"isShow = -7, isBlending = 2"}));
-  EXPECT_EQ(pictures_.table[0].pData, data) << "as it was";
-}
-
-struct OverlayRow {
-  const char* name;
-  std::vector<Placed> pictures;
-};
-
-std::vector<OverlayRow> OverlayRows() {
-  return {
-      {"one to one", {{0, {6, 5}, {10, 20, 6, 5}}}},
-      {"stretched", {{4, {3, 2}, {1, 2, 50, 41}}}},
-      {"shrunk", {{9, {40, 30}, {7, 9, 13, 11}}}},
-      {"later over earlier",
-       {{0, {8, 8}, {0, 0, 30, 30}},
-        {3, {8, 8}, {10, 10, 30, 30}},
-        {9, {8, 8}, {20, 5, 10, 40}}}},
-      {"height 0 is one pixel", {{2, {7, 4}, {5, 6, 20, 0}}}},
-      {"width 0 is nothing", {{2, {7, 4}, {5, 6, 0, 20}}}},
-      {"negative is 0",
-       {{2, {7, 4}, {5, 6, -1, 20}}, {3, {7, 4}, {5, 6, 9, -9}}}},
-      {"across the edges",
-       {{1, {9, 9}, {-5, -6, 20, 20}}, {2, {9, 9}, {50, 40, 30, 30}}}},
-      {"everywhere", {{7, {2, 2}, {0, 0, 64, 48}}}},
-      {"none", {}},
-  };
 }
 
 TEST_F(DebugPictureTest, LieOverTheFrame) {
-  for (const OverlayRow& row : OverlayRows()) {
-    for (const bool blend : {false, true}) {
-      SCOPED_TRACE(testing::Message() << row.name << ", blend " << blend);
-      const ScopedSession session(Info());
-      Pictures pictures(row.pictures);
-      ASSERT_EQ(zuQelRT_GLSetDebugPicture(pictures.table.data()), 0U);
-      for (DebugPicture& entry : pictures.table) entry = {};  // has been copied
-
-      const TestFrame plain = RenderFrame(false, blend, Info());
-      EXPECT_EQ(glIsEnabled(GL_BLEND), GL_FALSE) << "nothing was drawn";
-      Image expected = reference::FromBytes(Target(), kOutput, 4);
-      pictures.DrawOver(expected, blend);
-      const TestFrame frame = RenderFrame(true, blend, Info());
-      const Bytes target = Target();
-      EXPECT_TRUE(IsNear("target", target, ToBytes(expected), 64, 4,
-                         blend ? kBlended : kRounding));
-      EXPECT_EQ(glIsEnabled(GL_BLEND) == GL_TRUE,
-                blend && !row.pictures.empty());
-      EXPECT_EQ(frame.luma == plain.luma && frame.chroma == plain.chroma,
-                row.pictures.empty() || row.pictures.back().region.width == 0);
-      for (size_t i = 0; i < frame.luma.size(); ++i) {
-        ASSERT_EQ(frame.luma[i], target[4 * i]) << i;
-      }
-      EXPECT_EQ(glGetError(), GLenum{GL_NO_ERROR});
-    }
-  }
-}
-
-TEST_F(DebugPictureTest, BlendingStaysOn) {
-  const ScopedSession session(Info());
-  const Pictures pictures({{0, {6, 5}, {0, 0, 64, 48}}});
-  ASSERT_EQ(zuQelRT_GLSetDebugPicture(pictures.table.data()), 0U);
-  const TestFrame opaque = RenderFrame(true, false, Info());
-  const TestFrame blended = RenderFrame(true, true, Info());
-  const TestFrame turned_off = RenderFrame(true, false, Info());
-  EXPECT_NE(opaque.luma, blended.luma);
-  EXPECT_EQ(turned_off.luma, blended.luma);
-  EXPECT_EQ(glIsEnabled(GL_BLEND), GL_TRUE);
-}
-
-TEST_F(DebugPictureTest, EntriesNotInUseKeepTheirTexture) {
-  const ScopedSession session(Info());
-  const Pictures pictures({{0, {6, 5}, {0, 0, 64, 48}}});
-  ASSERT_EQ(zuQelRT_GLSetDebugPicture(pictures.table.data()), 0U);
-  const TestFrame shown = RenderFrame(true, false, Info());
-  const TestFrame plain = RenderFrame(false, false, Info());
-  const DebugPicture& in_use = pictures.table[0];
-  for (const DebugPicture& unused :
-       {DebugPicture{nullptr, 6, 5, 0, 0, 64, 48},
-        DebugPicture{in_use.pData, 0, 5, 0, 0, 64, 48},
-        DebugPicture{in_use.pData, 6, 0, 0, 0, 64, 48}}) {
-    Table table = {unused};
+  const std::vector<Table> tables = {
+      {Picture({8, 8}, {0, 0, 30, 30}), Picture({8, 8}, {9, 10, 30, 30}, 99),
+       Picture({8, 8}, {20, 5, 10, 40}, 200)},
+      {{{}, Picture({7, 4}, {5, 6, 20, 0})}},  // one pixel high
+      {Picture({9, 9}, {5, 6, -1, 20}), Picture({9, 9}, {5, 6, 9, -9})},
+      {Picture({9, 9}, {-5, -6, 20, 20}), Picture({40, 30}, {50, 40, 30, 30})},
+      {}};
+  for (size_t i = 0; i < tables.size(); ++i) {
+    glDisable(GL_BLEND);
+    const ScopedSession session(SmallInfo());
+    Table table = tables[i];
     ASSERT_EQ(zuQelRT_GLSetDebugPicture(table.data()), 0U);
-    EXPECT_EQ(RenderFrame(true, false, Info()).luma, plain.luma);
-    pictures_.table[0] = in_use;
-    EXPECT_EQ(RenderFrame(true, false, Info()).luma, shown.luma);
+    table = {};           // has been copied
+    bool blends = false;  // once on, it stays on
+    for (const bool blend : {false, true, false}) {
+      SCOPED_TRACE(testing::Message() << "table " << i << ", blend " << blend);
+      RenderFrame(false, blend);
+      EXPECT_EQ(glIsEnabled(GL_BLEND) == GL_TRUE, blends);
+      blends = blends || (blend && i + 1 < tables.size());
+      const Bytes expected = DrawnOverTarget(tables[i], blends);
+      const TestFrame frame = RenderFrame(true, blend);
+      EXPECT_EQ(glIsEnabled(GL_BLEND) == GL_TRUE, blends);
+      const Bytes target = Target();
+      EXPECT_TRUE(IsNear("target", target, expected, 64, 4,
+                         blends ? kBlended : kRounding));
+      for (size_t pixel = 0; pixel < frame.luma.size(); ++pixel) {
+        ASSERT_EQ(frame.luma[pixel], target[4 * pixel]) << pixel;
+      }
+    }
   }
 }
 
 TEST_F(DebugPictureTest, OnScreenTheyAreReadFromTheOutputTarget) {
-  const CallerContext caller(kOutput.width, kOutput.height);
-  const ScopedSession session(Info(0));
-  const Pictures pictures({{5, {6, 5}, {4, 3, 30, 40}}});
-  ASSERT_EQ(zuQelRT_GLSetDebugPicture(pictures.table.data()), 0U);
-  const Buffer& read_back = TheSession().buffers[BufferRole::kReadBack];
+  const ScopedSession session(SmallInfo(0));
+  const Table table = {Picture({6, 5}, {4, 3, 30, 40})};
+  ASSERT_EQ(zuQelRT_GLSetDebugPicture(table.data()), 0U);
+  const Buffer& buffer = TheSession().buffers[BufferRole::kReadBack];
   const auto read = [&] {
-    return Bytes(read_back.bytes(), read_back.bytes() + read_back.size());
+    return Bytes(buffer.bytes(), buffer.bytes() + buffer.size());
   };
-  Image expected = reference::FromBytes(Target(), kOutput, 4);
-  RenderFrame(false, false, Info(0));
+  const Bytes expected = DrawnOverTarget(table, false);
+  RenderFrame(false, false);
   const Bytes screen = read();
   EXPECT_EQ(ReadPixels(0, kOutput), screen);
-
-  const TestFrame frame = RenderFrame(true, false, Info(0));
+  RenderFrame(true, false);
   GLint bound = 0;
   glGetIntegerv(GL_FRAMEBUFFER_BINDING, &bound);
   EXPECT_EQ(static_cast<GLuint>(bound),
             TheSession().frame.render.targets.framebuffer(kOutputTarget));
-  pictures.DrawOver(expected, false);
-  EXPECT_TRUE(IsNear("read back", read(), ToBytes(expected), 64, 4, kRounding));
+  EXPECT_TRUE(IsNear("read back", read(), expected, 64, 4, kRounding));
   EXPECT_EQ(ReadPixels(0, kOutput), screen);
-  EXPECT_EQ(frame.luma, TestFrame(Info(0)).luma);
 }
 
 TEST_F(DebugPictureTest, AreHarmlessWhateverTheCall) {
-  const Pictures pictures({{0, {6, 5}, {0, 0, 30, 40}}});
-  const auto call = [&](const Table& table) {
-    EXPECT_EQ(zuQelRT_GLSetDebugPicture(table.data()), ZUQEL_SUCCESS);
-    EXPECT_EQ(zuQelRT_GLShowDebugPicture(1, 1), ZUQEL_SUCCESS);
-  };
+  constexpr int32_t kMax = INT32_MAX, kMin = INT32_MIN;
+  const DrawRegion region = {0, 0, 9, 9};
+  // Sizes that GL refuses before it reads a pixel, and regions anywhere.
+  const Table hostile = {Picture({-6, 5}, region),
+                         Picture({6, kMin}, region),
+                         Picture({kMax, 1}, region),
+                         Picture({1, 100000000}, region),
+                         Picture({6, 5}, {kMin, kMax, 9, 9}),
+                         Picture({6, 5}, {0, 0, kMin, 9}),
+                         Picture({6, 5}, {kMax, kMax, kMax, kMax})};
+  const Table usual = {Picture({6, 5}, {0, 0, 30, 40})};
   for (int i = 0; i < 2; ++i) {
-    call(pictures.table);  // before initialisation, then after close
-    const ScopedSession session(Info());
-    RenderFrame(true, true, Info());  // nothing loaded in this session
-    // Sizes that GL refuses before it reads a pixel, and regions anywhere.
-    constexpr int32_t kMax = INT32_MAX, kMin = INT32_MIN;
-    const uint8_t* data = pictures.pixels[0].data();
-    call({{{data, -6, 5, 0, 0, 9, 9},
-           {data, 6, kMin, 0, 0, 9, 9},
-           {data, kMax, 1, 0, 0, 9, 9},
-           {data, 1, 100000000, 0, 0, 9, 9},
-           {data, 6, 5, kMin, kMax, 9, 9},
-           {data, 6, 5, 0, 0, kMin, 9},
-           {data, 6, 5, 0, 0, 9, -1},
-           {data, 6, 5, kMax, kMax, kMax, kMax}}});
-    RenderFrame(true, true, Info());
+    // Before initialisation, then after close.
+    EXPECT_EQ(zuQelRT_GLSetDebugPicture(usual.data()), ZUQEL_SUCCESS);
+    const ScopedSession session(SmallInfo());
+    RenderFrame(true, true);  // nothing loaded in this session
+    EXPECT_EQ(zuQelRT_GLSetDebugPicture(hostile.data()), ZUQEL_SUCCESS);
+    RenderFrame(true, true);
     while (glGetError() != GL_NO_ERROR) {
     }
     // The overlay is whole again.
-    call(pictures.table);
-    RenderFrame(false, false, Info());
-    Image expected = reference::FromBytes(Target(), kOutput, 4);
-    pictures.DrawOver(expected, true);
-    RenderFrame(true, true, Info());
-    EXPECT_TRUE(IsNear("target", Target(), ToBytes(expected), 64, 4, kBlended));
+    EXPECT_EQ(zuQelRT_GLSetDebugPicture(usual.data()), ZUQEL_SUCCESS);
+    RenderFrame(false, true);
+    const Bytes expected = DrawnOverTarget(usual, true);
+    RenderFrame(true, true);
+    EXPECT_TRUE(IsNear("target", Target(), expected, 64, 4, kBlended));
   }
 }
 

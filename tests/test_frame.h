@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "test_scene.h"
+#include "test_session.h"
 
 namespace zuqel {
 
@@ -27,10 +28,19 @@ class ScopedProperty {
   const char* name_;
 };
 
+// Frames of 64 x 48, or as wide as given, shown in their own size.
+inline GLInitInfo SmallInfo(int32_t off_screen = 1, int32_t width = 64) {
+  GLInitInfo info = DefaultInfo();
+  info.PreviewWidth = info.OutputWidth = width;
+  info.PreviewHeight = info.OutputHeight = 48;
+  info.offmode = off_screen;
+  return info;
+}
+
 // Noise with maps of 320 x 240, both sharp and blurred somewhere. The focus
 // point is (3, 4).
 struct TestFrame {
-  explicit TestFrame(const GLInitInfo& info, uint32_t seed = 1)
+  explicit TestFrame(const GLInitInfo& info = SmallInfo(), uint32_t seed = 1)
       : luma(PatternBytes(Pattern::kNoise, info.PreviewWidth,
                           info.PreviewHeight, seed)),
         chroma(PatternBytes(Pattern::kNoise, info.PreviewWidth,
