@@ -18,37 +18,23 @@ namespace zuqel {
 class CallerContext {
  public:
   explicit CallerContext(EGLint width = 1, EGLint height = 1,
-                         EGLint client_version = 2)
+                         EGLint version = 2)
       : display_(OpenDisplay()) {
     eglInitialize(display_, nullptr, nullptr);
-    const EGLint version_bit =
-        client_version == 3 ? EGL_OPENGL_ES3_BIT : EGL_OPENGL_ES2_BIT;
-    const std::array config_attributes = {EGL_SURFACE_TYPE,
-                                          EGL_PBUFFER_BIT,
-                                          EGL_RED_SIZE,
-                                          8,
-                                          EGL_GREEN_SIZE,
-                                          8,
-                                          EGL_BLUE_SIZE,
-                                          8,
-                                          EGL_ALPHA_SIZE,
-                                          8,
-                                          EGL_RENDERABLE_TYPE,
-                                          version_bit,
-                                          EGL_NONE};
+    const EGLint renderable =
+        version == 3 ? EGL_OPENGL_ES3_BIT : EGL_OPENGL_ES2_BIT;
+    const std::array wanted = {
+        EGL_SURFACE_TYPE,    EGL_PBUFFER_BIT, EGL_ALPHA_SIZE, 8,
+        EGL_RENDERABLE_TYPE, renderable,      EGL_NONE};
     EGLConfig config = nullptr;
     EGLint count = 0;
-    eglChooseConfig(display_, config_attributes.data(), &config, 1, &count);
-    const std::array surface_attributes = {EGL_WIDTH, width, EGL_HEIGHT, height,
-                                           EGL_NONE};
-    surface_ =
-        eglCreatePbufferSurface(display_, config, surface_attributes.data());
-    const std::array context_attributes = {EGL_CONTEXT_CLIENT_VERSION,
-                                           client_version, EGL_NONE};
-    context_ = eglCreateContext(display_, config, EGL_NO_CONTEXT,
-                                context_attributes.data());
-    made_current_ =
-        eglMakeCurrent(display_, surface_, surface_, context_) == EGL_TRUE;
+    eglChooseConfig(display_, wanted.data(), &config, 1, &count);
+    const std::array size = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
+    EGLSurface surface = eglCreatePbufferSurface(display_, config, size.data());
+    const std::array client = {EGL_CONTEXT_CLIENT_VERSION, version, EGL_NONE};
+    context_ =
+        eglCreateContext(display_, config, EGL_NO_CONTEXT, client.data());
+    eglMakeCurrent(display_, surface, surface, context_);
     PinDriverLibraries();
   }
   ~CallerContext() {
@@ -59,28 +45,21 @@ class CallerContext {
   CallerContext& operator=(const CallerContext&) = delete;
 
   [[nodiscard]] bool is_current() const {
-    return made_current_ && eglGetCurrentContext() == context_;
+    return context_ != EGL_NO_CONTEXT && eglGetCurrentContext() == context_;
   }
 
  private:
   // The surfaceless display where there is no window system.
   static EGLDisplay OpenDisplay() {
-    const auto get_platform_display =
-        reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(
-            eglGetProcAddress("eglGetPlatformDisplayEXT"));
-    if (std::getenv("DISPLAY") != nullptr ||
-        std::getenv("WAYLAND_DISPLAY") != nullptr ||
-        get_platform_display == nullptr) {
-      return eglGetDisplay(EGL_DEFAULT_DISPLAY);
-    }
-    return get_platform_display(EGL_PLATFORM_SURFACELESS_MESA,
-                                EGL_DEFAULT_DISPLAY, nullptr);
+    const bool has_windows = std::getenv("DISPLAY") != nullptr ||
+                             std::getenv("WAYLAND_DISPLAY") != nullptr;
+    return has_windows ? eglGetDisplay(EGL_DEFAULT_DISPLAY)
+                       : eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA,
+                                               EGL_DEFAULT_DISPLAY, nullptr);
   }
 
   EGLDisplay display_;
-  EGLSurface surface_ = EGL_NO_SURFACE;
   EGLContext context_ = EGL_NO_CONTEXT;
-  bool made_current_ = false;
 };
 
 }  // namespace zuqel

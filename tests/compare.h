@@ -2,15 +2,16 @@
 #ifndef TESTS_COMPARE_H_
 #define TESTS_COMPARE_H_
 
+#include <GLES2/gl2.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
 #include <span>
-#include <string>
+#include <vector>
+
+#include "reference_render.h"
 
 namespace zuqel {
 
@@ -25,47 +26,39 @@ inline constexpr Tolerance kRounding = {1, 1.0};
 // Several rounded stages, filtered with the precision that the driver has.
 inline constexpr Tolerance kRendered = {2, 0.995};
 
-// A failure names the first sample outside the tolerance. Rows have `width`
-// pixels of `channels` bytes.
-inline testing::AssertionResult IsNear(const std::string& name,
-                                       std::span<const uint8_t> actual,
+// Compares pixels of `channels` bytes. A failure names the first byte outside.
+inline testing::AssertionResult IsNear(std::span<const uint8_t> actual,
                                        std::span<const uint8_t> expected,
-                                       int width, int channels,
-                                       Tolerance tolerance) {
-  if (actual.size() != expected.size()) {
-    return testing::AssertionFailure()
-           << name << ": " << actual.size() << " bytes instead of "
-           << expected.size();
+                                       Tolerance tolerance,
+                                       size_t channels = 4) {
+  if (actual.empty() || actual.size() != expected.size()) {
+    return testing::AssertionFailure() << "of " << actual.size() << " bytes";
   }
-  const auto stride = static_cast<size_t>(channels);
-  const size_t pixels = actual.size() / stride;
-  int largest = 0;
-  size_t inside = 0;
-  size_t first = actual.size();  // sample outside the tolerance
-  for (size_t pixel = 0; pixel < pixels; ++pixel) {
-    int of_pixel = 0;
-    for (size_t i = pixel * stride; i < (pixel + 1) * stride; ++i) {
-      const int difference = std::abs(actual[i] - expected[i]);
-      if (difference > tolerance.levels) first = std::min(first, i);
-      of_pixel = std::max(of_pixel, difference);
+  std::vector<size_t> outside;  // one byte of each such pixel
+  for (size_t i = 0; i < actual.size(); ++i) {
+    if (std::abs(actual[i] - expected[i]) <= tolerance.levels) continue;
+    if (outside.empty() || outside.back() / channels != i / channels) {
+      outside.push_back(i);
     }
-    largest = std::max(largest, of_pixel);
-    if (of_pixel <= tolerance.levels) ++inside;
   }
-  const double share =
-      static_cast<double>(inside) / static_cast<double>(pixels);
-  if (largest > 0)
-    std::printf("%s: largest difference %d, %.3f %% within %d\n", name.c_str(),
-                largest, 100 * share, tolerance.levels);
+  const double share = 1 - static_cast<double>(outside.size() * channels) /
+                               static_cast<double>(actual.size());
   if (share >= tolerance.share) return testing::AssertionSuccess();
-  const size_t pixel = first / stride;
-  const auto row = static_cast<size_t>(width);
+  const size_t i = outside.front();
   return testing::AssertionFailure()
-         << name << ": only " << 100 * share << " % within " << tolerance.levels
-         << " levels; first outside: x " << pixel % row << ", y " << pixel / row
-         << ", channel " << first % stride << ": "
-         << static_cast<int>(actual[first]) << " instead of "
-         << static_cast<int>(expected[first]);
+         << "only " << 100 * share << " % within " << tolerance.levels
+         << " levels; first pixel outside: " << i / channels << ", channel "
+         << i % channels << ": " << int{actual[i]} << " instead of "
+         << int{expected[i]};
+}
+
+// Reads a framebuffer of the current context.
+inline reference::Image ReadPixels(GLuint framebuffer, reference::Size size) {
+  reference::Image image(size);
+  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+  glReadPixels(0, 0, size.width, size.height, GL_RGBA, GL_UNSIGNED_BYTE,
+               image.rgba.data());
+  return image;
 }
 
 }  // namespace zuqel

@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "compare.h"
 #include "log_capture.h"
-#include "read_pixels.h"
 #include "test_frame.h"
 
 namespace zuqel {
@@ -58,7 +58,9 @@ class FrameDumpTest : public testing::Test {
   }
   static Bytes Output(reference::Size size = {64, 48}) {
     return ReadPixels(
-        TheSession().frame.render.targets.framebuffer(kOutputTarget), size);
+               TheSession().frame.render.targets.framebuffer(kOutputTarget),
+               size)
+        .rgba;
   }
 
   LogCapture log_;

@@ -89,10 +89,8 @@ TEST_F(GraphicBufferTest, GivesThePictureOfReadBack) {
       for (size_t i = 0; i < locked.size(); ++i) {
         const TestFrame &actual = locked.at(i), &expected = read_back.at(i);
         EXPECT_NE(actual.luma, TestFrame(info, i == 0 ? 1 : 7).luma);
-        EXPECT_TRUE(
-            IsNear("luma", actual.luma, expected.luma, width, 1, kRounding));
-        EXPECT_TRUE(IsNear("chroma", actual.chroma, expected.chroma, width, 1,
-                           kRounding));
+        EXPECT_TRUE(IsNear(actual.luma, expected.luma, kRounding, 1));
+        EXPECT_TRUE(IsNear(actual.chroma, expected.chroma, kRounding, 1));
         EXPECT_EQ(replaced.at(i).luma, expected.luma);
         EXPECT_EQ(replaced.at(i).chroma, expected.chroma);
       }

@@ -1,452 +1,284 @@
-// The log lines of the calls that start, render and end, whole and in order,
-// and what remains when steps of the driver fail.
+// The log of the calls that start, render and end, whole and in order, and what
+// remains when steps of the driver fail.
 #include <driver_adaptation.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstddef>
 #include <optional>
 #include <string>
-#include <tuple>
-#include <utility>
 #include <vector>
 
 #include "base/clock.h"
-#include "caller_context.h"
-#include "log_capture.h"
-#include "test_session.h"
+#include "fresh_session.h"
 
 namespace zuqel {
 namespace {
 
 using driver::Call;
+using Handles = std::array<bool, 3>;  // display, surface, context
 
-constexpr int32_t kWidth = 64;
-constexpr int32_t kHeight = 48;
-constexpr size_t kMapSize = 76800;
-constexpr FocusRect kNoRect = {0, 0, 0, 0};
+constexpr Handles kNoHandles = {};
+constexpr Handles kAllHandles = {true, true, true};
 
-GLInitInfo Info(int32_t off_screen, int32_t format) {
-  GLInitInfo info = DefaultInfo();
-  info.PreviewWidth = kWidth;
-  info.PreviewHeight = kHeight;
-  info.offmode = off_screen;
-  info.srcformat = format;
-  return info;
-}
+constexpr const char* kCreationLog =
+    "There is no openGL context, going to create opengl context, tid = #, "
+    R"(index 0
+OpenGLCreateContextSurface
+eglDisplay return successfully
+eglInitialize successfully
+eglChooseConfig successfully
+eglCreatePbufferSurface successfully
+eglCreateContext successfully
+eglMakeCurrent successfully
+)";
 
-Lines operator+(Lines first, const Lines& second) {
-  first.insert(first.end(), second.begin(), second.end());
-  return first;
-}
+constexpr const char* kDeletion = "OpenGLDeltet tid = #, index = 0\n";
+constexpr const char* kSkippedDeletion = R"(OpenGLDeltet tid = #, index = 0
+EGL display, surface and context are NULL, skip delete process
+)";
 
-const Lines& CreationLines() {
-  static const Lines lines = {
-      "OpenGLCreateContextSurface",           "eglDisplay return successfully",
-      "eglInitialize successfully",           "eglChooseConfig successfully",
-      "eglCreatePbufferSurface successfully", "eglCreateContext successfully",
-      "eglMakeCurrent successfully"};
-  return lines;
-}
-
-Lines InitLines(int32_t off_screen, const Lines& creation) {
-  Lines lines = {"zuQelRT_GLInitV1 +", "Qel status pass",
-                 "gInfo.offmode = " + std::to_string(off_screen) +
-                     ", gInfo.srcformat = 0 InitV1 "};
-  if (off_screen != 0) lines.emplace_back("check context + ");
-  if (!creation.empty()) {
-    lines.emplace_back(
-        "There is no openGL context, going to create opengl context, tid = #, "
-        "index 0");
-  }
-  lines = lines + creation;
-  if (off_screen != 0) lines.emplace_back("check context - ");
-  return lines + Lines{"Dot enable = 0", "Graphics buffer flag = 0",
-                       "zuQelRT_GLInitV1 -"};
-}
-
-enum class Deletion { kNotTried, kSkipped, kDone, kFailed };
-
-Lines CloseLines(Deletion deletion, const char* failure = "") {
-  Lines lines = {"zuQelRT_GLClose +"};
-  if (deletion != Deletion::kNotTried) {
-    lines.emplace_back("OpenGLDeltet tid = #, index = 0");
-  }
-  if (deletion == Deletion::kSkipped) {
-    lines.emplace_back(
-        "EGL display, surface and context are NULL, skip delete process");
-  }
-  if (deletion == Deletion::kFailed) lines.emplace_back(failure);
-  lines.emplace_back("zuQelRT_GLClose -");
-  return lines;
-}
-
-// A frame of its own planes and maps.
-struct TestFrame {
-  std::vector<uint8_t> luma = Noise(size_t{kWidth} * kHeight, 1);
-  std::vector<uint8_t> chroma = Noise(size_t{kWidth} * kHeight / 2, 2);
-  std::vector<uint8_t> weights = std::vector<uint8_t>(kMapSize);
-  std::vector<uint16_t> depth = std::vector<uint16_t>(kMapSize, 100);
-
-  static std::vector<uint8_t> Noise(size_t count, uint32_t state) {
-    std::vector<uint8_t> bytes(count);
-    for (uint8_t& byte : bytes) {
-      state = state * 1664525 + 1013904223;
-      byte = static_cast<uint8_t>(state >> 24);
-    }
-    return bytes;
-  }
-
-  uint32_t Render(bool from_depth, int32_t bypass, FocusRect rect,
-                  float f_number) {
-    return from_depth
-               ? zuQelRT_GLStartV1HWDepth(luma.data(), chroma.data(),
-                                          depth.data(), 3, 4, bypass, rect,
-                                          f_number)
-               : zuQelRT_GLStartV1(luma.data(), chroma.data(), weights.data(),
-                                   3, 4, bypass, rect, f_number);
-  }
-};
+constexpr const char* kStrong = "1.000000, scale = 3.600000";
+constexpr const char* kWeak = "10.000000, scale = 0.100000";
 
 struct FrameCase {
-  int32_t off_screen;
-  int32_t format;
-  bool from_depth;
-  int32_t bypass;
-  float f_number;
-  std::string f_text;  // f-number and scale as logged
-  FocusRect rect = kNoRect;
-  std::pair<int32_t, int32_t> centre = {-1, -1};  // of a rectangle taken
+  int32_t off_screen, format;
+  FrameArguments call;
+  const char* f_number = kStrong;  // and scale, as logged
+  const char* rate_line = "";
+  const char* size = "64, gInfo.PreviewHeight = 48";
 };
 
-Lines RectLines(const FrameCase& row) {
-  if (row.centre.first < 0) return {"focus rect too small"};
-  const auto text = [](int32_t value) { return std::to_string(value); };
-  return {"focus rect ok",
-          "rect.x = " + text(row.rect.x) + ", rect.y = " + text(row.rect.y) +
-              ", rect.right = " + text(row.rect.right) +
-              ", rect.bottom = " + text(row.rect.bottom) + " ",
-          "Src_focus_X = " + text(row.centre.first) +
-              ", Src_focus_Y = " + text(row.centre.second)};
+std::string FrameLog(const FrameCase& row) {
+  std::string log = row.call.from_depth ? "" : "zuQelRT_GLStartV1 +\n";
+  log += row.call.rect.right == 0 ? "focus rect too small\n" : R"(focus rect ok
+rect.x = 8, rect.y = 9, rect.right = 40, rect.bottom = 41_
+Src_focus_X = 24, Src_focus_Y = 25
+)";
+  log += row.off_screen == 0
+             ? ""
+             : "NV21 to 4444 a_dImgWidth = 64, a_dImgHeight = 48\n";
+  log += R"(*VX* zuQelRT_GL Preprocess = # (ms)
+ret = 0x0
+*VX* zuQelRT_GL initialize shader_bypass(1) = # (ms)
+)";
+  if (row.call.bypass == 0) {
+    log += R"(*VX* zuQelRT_GL minimize depth shader_bypass(2) = # (ms)
+f number = )" +
+           std::string(row.f_number) + R"(
+*VX* zuQelRT_GL depth blur shader_gauss(1) = # (ms)
+*VX* zuQelRT_GL minimize depth shader_bypass(3) = # (ms)
+*VX* zuQelRT_GL refocus(2) = # (ms)
+)";
+  }
+  return log + "gInfo.PreviewWidth, = " + row.size + "\n" + row.rate_line +
+         "*VX* zuQelRT_GL Refocusing = # (ms)\n" +
+         (row.call.from_depth
+              ? "GLStartV1HWDepth take = # (ms)\n"
+              : "GLStartV1 take = # (ms)\nzuQelRT_GLStartV1 -\n");
 }
 
-Lines FrameLines(const FrameCase& row, int32_t width, int32_t height) {
-  const std::string size_text = std::to_string(width) + ", ";
-  const std::string height_text = std::to_string(height);
-  Lines lines;
-  if (!row.from_depth) lines.emplace_back("zuQelRT_GLStartV1 +");
-  lines = lines + RectLines(row);
-  if (row.off_screen != 0) {
-    lines.push_back("NV21 to 4444 a_dImgWidth = " + size_text +
-                    "a_dImgHeight = " + height_text);
-  }
-  lines = lines + Lines{"*VX* zuQelRT_GL Preprocess = # (ms)", "ret = 0x0",
-                        "*VX* zuQelRT_GL initialize shader_bypass(1) = # (ms)"};
-  if (row.bypass == 0) {
-    lines = lines +
-            Lines{"*VX* zuQelRT_GL minimize depth shader_bypass(2) = # (ms)",
-                  "f number = " + row.f_text,
-                  "*VX* zuQelRT_GL depth blur shader_gauss(1) = # (ms)",
-                  "*VX* zuQelRT_GL minimize depth shader_bypass(3) = # (ms)",
-                  "*VX* zuQelRT_GL refocus(2) = # (ms)"};
-  }
-  lines = lines + Lines{"gInfo.PreviewWidth, = " + size_text +
-                            "gInfo.PreviewHeight = " + height_text,
-                        "*VX* zuQelRT_GL Refocusing = # (ms)"};
-  return lines + (row.from_depth ? Lines{"GLStartV1HWDepth take = # (ms)"}
-                                 : Lines{"GLStartV1 take = # (ms)",
-                                         "zuQelRT_GLStartV1 -"});
-}
-
-// Every test begins as the process does.
-class LifecycleLog : public testing::Test {
+class LifecycleLog : public FreshSessionTest {
  protected:
-  LifecycleLog() { ResetSession(); }
-  ~LifecycleLog() override {
-    zuQelRT_GLClose();
-    EXPECT_EQ(Handles(), kNoHandles);
-  }
-
-  // The next frame logs no rate.
-  void HoldFpsLine() {
-    session_.frame.counters.time_of_last_fps_line = MillisecondClock();
-  }
-  [[nodiscard]] std::array<bool, 3> Handles() const {
+  [[nodiscard]] Handles HandlesHeld() const {
     const ContextSlot& slot = session_.context;
     return {slot.display != EGL_NO_DISPLAY, slot.surface != EGL_NO_SURFACE,
             slot.context != EGL_NO_CONTEXT};
   }
-  // A session that works gives a frame of zero weights back exactly.
-  static void ExpectGoodSession() {
-    const ScopedSession session(Info(1, 0));
-    EXPECT_EQ(session.status(), 0U);
-    TestFrame frame;
-    const TestFrame before = frame;
-    EXPECT_EQ(frame.Render(/*from_depth=*/false, 0, kNoRect, 1), 0U);
-    EXPECT_TRUE(frame.luma == before.luma && frame.chroma == before.chroma);
-    frame.weights.assign(frame.weights.size(), 255);
-    EXPECT_EQ(frame.Render(/*from_depth=*/false, 0, kNoRect, 1), 0U);
-    EXPECT_NE(frame.luma, before.luma);
+  // `creation`: what is logged where a context is made.
+  void ExpectInit(int32_t off_screen, const std::string& creation) {
+    const std::string check =
+        "check context +_\n" + creation + "check context -_\n";
+    TakeLog();
+    EXPECT_EQ(InitSession(SmallInfo(off_screen)), 0U);
+    EXPECT_EQ(TakeLog(),
+              "zuQelRT_GLInitV1 +\nQel status pass\ngInfo.offmode = " +
+                  std::to_string(off_screen) +
+                  ", gInfo.srcformat = 0 InitV1_\n" +
+                  (off_screen != 0 ? check : "") +
+                  "Dot enable = 0\nGraphics buffer flag = 0\n"
+                  "zuQelRT_GLInitV1 -\n");
+    EXPECT_EQ(session_.QelMode, kModeRunning);
   }
-
-  static constexpr std::array<bool, 3> kNoHandles = {};
-  static constexpr std::array<bool, 3> kAllHandles = {true, true, true};
-  Session& session_ = TheSession();
-  LogCapture log_;
+  void ExpectClose(const std::string& deletion) {
+    TakeLog();
+    EXPECT_EQ(zuQelRT_GLClose(), 0U);
+    EXPECT_EQ(TakeLog(),
+              "zuQelRT_GLClose +\n" + deletion + "zuQelRT_GLClose -\n");
+    EXPECT_EQ(session_.QelMode, kModeClosed);
+  }
+  void ExpectFrameLog(const FrameCase& row, const CallerFrame& frame) {
+    session_.frame.counters.time_of_last_fps_line =
+        MillisecondClock() - (*row.rate_line == '\0' ? 0 : 1000);
+    TakeLog();
+    EXPECT_EQ(frame.Render(row.call), 0U);
+    EXPECT_EQ(TakeLog(), FrameLog(row));
+  }
+  // A session that works gives a frame of zero weights back exactly.
+  void ExpectGoodSession() {
+    ExpectInit(1, kCreationLog);
+    const CallerFrame frame(SmallInfo());
+    const auto before = frame.Contents();
+    EXPECT_EQ(frame.Render({}), 0U);
+    EXPECT_EQ(frame.Contents(), before);
+    std::ranges::fill(frame.weights.span(), uint8_t{255});
+    EXPECT_EQ(frame.Render({}), 0U);
+    EXPECT_NE(frame.Contents(), before);
+    ExpectClose(kDeletion);
+    EXPECT_EQ(HandlesHeld(), kNoHandles);
+  }
 };
 
 TEST_F(LifecycleLog, StartAndEnd) {
-  // Never initialised, and again.
+  ExpectClose("");  // never initialised
+  ExpectClose("");
   for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(zuQelRT_GLClose(), 0U);
-    EXPECT_EQ(log_.Take(), CloseLines(Deletion::kNotTried));
-    EXPECT_EQ(session_.QelMode, kModeClosed);
-  }
-  for (int i = 0; i < 2; ++i) {
-    EXPECT_EQ(InitSession(Info(1, 0)), 0U);
-    EXPECT_EQ(log_.Take(), InitLines(1, CreationLines()));
-    EXPECT_EQ(Handles(), kAllHandles);
-    zuQelRT_GLClose();
-    EXPECT_EQ(log_.Take(), CloseLines(Deletion::kDone));
+    ExpectGoodSession();
     EXPECT_EQ(eglGetCurrentContext(), EGL_NO_CONTEXT);
-    zuQelRT_GLClose();
-    EXPECT_EQ(log_.Take(), CloseLines(Deletion::kSkipped));
+    ExpectClose(kSkippedDeletion);
   }
   const CallerContext caller;
-  auto* const own = eglGetCurrentContext();
-  ASSERT_NE(own, EGL_NO_CONTEXT);
   for (const int32_t off_screen : {1, 0, -1}) {
-    EXPECT_EQ(InitSession(Info(off_screen, 0)), 0U);
-    EXPECT_EQ(log_.Take(), InitLines(off_screen, {}));
-    zuQelRT_GLClose();
-    EXPECT_EQ(log_.Take(), CloseLines(off_screen != 0 ? Deletion::kSkipped
-                                                      : Deletion::kNotTried));
-    EXPECT_EQ(eglGetCurrentContext(), own) << "the caller keeps its context";
+    ExpectInit(off_screen, "");
+    ExpectClose(off_screen != 0 ? kSkippedDeletion : "");
+    EXPECT_TRUE(caller.is_current());
   }
-}
-
-std::vector<FrameCase> FrameCases() {
-  const std::string strong = "1.000000, scale = 3.600000";
-  const std::string weak = "10.000000, scale = 0.100000";
-  constexpr int32_t kMin = INT32_MIN, kMax = INT32_MAX;
-  return {
-      {1, 0, false, 0, 1, strong},
-      {1, 2, false, 0, 0.5F, strong},
-      {1, 7, false, 0, -INFINITY, strong},
-      {1, 1, false, 0, 2.8F, "2.800000, scale = 2.880000"},
-      {1, 0, true, 0, 5.5F, "5.500000, scale = 1.800000"},
-      {1, 2, true, 0, 9.9F, "9.900000, scale = 0.040000"},
-      {1, 7, true, 0, 10, weak},
-      {1, 1, true, 0, 12, weak},
-      {0, 0, false, 0, INFINITY, weak},
-      {0, 7, true, 0, 1, strong},
-      {0, 0, false, 1, 1, ""},
-      {0, 2, true, -1, 1, ""},
-      {1, 0, false, 0, 1, strong, {8, 9, 40, 41}, {24, 25}},
-      {1, 0, true, 0, 1, strong, {0, 0, 63, 47}, {31, 23}},
-      {1, 0, false, 0, 1, strong, {8, 8, 39, 40}},
-      {1, 0, false, 0, 1, strong, {8, 8, 40, 39}},
-      {1, 0, false, 0, 1, strong, {-1, 8, 40, 40}},
-      {1, 0, false, 0, 1, strong, {8, -1, 40, 40}},
-      {1, 0, false, 0, 1, strong, {8, 8, 64, 40}},
-      {1, 0, false, 0, 1, strong, {8, 8, 40, 48}},
-      {1, 0, true, 0, 1, strong, {kMin, kMin, kMax, kMax}},
-      {1, 0, true, 0, 1, strong, {kMax, kMax, kMin, kMin}},
-  };
 }
 
 TEST_F(LifecycleLog, Frames) {
-  for (const FrameCase& row : FrameCases()) {
-    SCOPED_TRACE(testing::Message()
-                 << "offmode " << row.off_screen << ", format " << row.format
-                 << ", depth " << row.from_depth << ", rect " << row.rect.x);
+  const std::vector<FrameCase> rows = {
+      {1, 0, {.f_number = -INFINITY}},
+      {1, 2, {.f_number = 2.8F}, "2.800000, scale = 2.880000"},
+      {1, 7, {.f_number = 5.5F}, "5.500000, scale = 1.800000"},
+      {1, 1, {.f_number = 9.9F}, "9.900000, scale = 0.040000"},
+      {1, 0, {.rect = {8, 9, 40, 41}, .f_number = 10}, kWeak},
+      {0, 0, {.f_number = INFINITY}, kWeak},
+      {0, 2, {.bypass = -1}}};
+  for (FrameCase row : rows) {
     std::optional<CallerContext> caller;
     if (row.off_screen == 0) caller.emplace();
-    const ScopedSession session(Info(row.off_screen, row.format));
-    TestFrame frame;
-    HoldFpsLine();
-    log_.Take();
-    EXPECT_EQ(frame.Render(row.from_depth, row.bypass, row.rect, row.f_number),
-              0U);
-    EXPECT_EQ(log_.Take(), FrameLines(row, kWidth, kHeight));
+    const GLInitInfo info = SmallInfo(row.off_screen, row.format);
+    const ScopedSession session(info);
+    for (const bool from_depth : {false, true}) {
+      row.call.from_depth = from_depth;
+      ExpectFrameLog(row, CallerFrame(info));
+    }
+  }
+}
+
+TEST_F(LifecycleLog, FramesWithoutASession) {
+  const CallerFrame frame(SmallInfo());
+  const auto before = frame.Contents();
+  const std::vector<FrameCase> rows = {
+      {0, 0, {}, kStrong, "", "0, gInfo.PreviewHeight = 0"}, {1, 0, {}}};
+  for (FrameCase row : rows) {
+    // A closed session still knows its record.
+    if (row.off_screen != 0) ExpectGoodSession();
+    session_.FocusDotEnable = 1;
+    for (const bool from_depth : {false, true}) {
+      row.call.from_depth = from_depth;
+      ExpectFrameLog(row, frame);
+      EXPECT_EQ(frame.Contents(), before);
+    }
   }
 }
 
 TEST_F(LifecycleLog, RefusedAndBypassedFrames) {
   // Never touched: the other plane is null.
   auto* const plane = reinterpret_cast<uint8_t*>(0x123456789A);
+  const std::string null = "Pointer is NULL in GLStartV1, a_pucInputImage = ";
   struct Row {
     uint8_t* luma;
     uint8_t* chroma;
     int32_t bypass;
-
-    uint32_t status;
     std::string line;
   };
-  const std::string null_plane =
-      "Pointer is NULL in GLStartV1, a_pucInputImage = ";
   const std::vector<Row> rows = {
-      {plane, nullptr, 0, 0x2004,
-       null_plane + "0x3456789a, a_pucInputCbCrImage = 0x0"},
-      {nullptr, plane, 0, 0x2004,
-       null_plane + "0x0, a_pucInputCbCrImage = 0x3456789a"},
-      {nullptr, nullptr, -1, 0, "Qel Bokeh bypass"},
-      {plane, plane, 1, 0, "Qel Bokeh bypass"},
-  };
-  const ScopedSession session(Info(1, 0));
-  FrameCounters& counters = session_.frame.counters;
-  for (const Row& row : rows) {
-    counters = {.dump_number = 7, .frame_index = 8, .frames_since_start = 9};
-    log_.Take();
-    EXPECT_EQ(zuQelRT_GLStartV1(row.luma, row.chroma, nullptr, 0, 0, row.bypass,
-                                kNoRect, 1),
-              row.status);
-    EXPECT_EQ(log_.Take(), (Lines{"zuQelRT_GLStartV1 +", row.line}));
-    EXPECT_EQ(zuQelRT_GLStartV1HWDepth(row.luma, row.chroma, nullptr, 0, 0,
-                                       row.bypass, kNoRect, 1),
-              row.status);
-    EXPECT_EQ(log_.Take(), Lines{row.line});
-    EXPECT_EQ(std::tuple(counters.dump_number, counters.frame_index,
-                         counters.frames_since_start),
-              std::tuple(7, row.bypass != 0 ? 0 : 8, 9));
+      {plane, nullptr, 0, null + "0x3456789a, a_pucInputCbCrImage = 0x0\n"},
+      {nullptr, plane, 0, null + "0x0, a_pucInputCbCrImage = 0x3456789a\n"},
+      {nullptr, nullptr, -1, "Qel Bokeh bypass\n"}};
+  const ScopedSession session(SmallInfo());
+  for (const auto& [luma, chroma, bypass, line] : rows) {
+    const uint32_t status = bypass != 0 ? 0 : 0x2004;
+    FrameCounters& counters = session_.frame.counters = {7, 8, 9};
+    TakeLog();
+    EXPECT_EQ(zuQelRT_GLStartV1(luma, chroma, nullptr, 0, 0, bypass, {}, 1),
+              status);
+    EXPECT_EQ(TakeLog(), "zuQelRT_GLStartV1 +\n" + line);
+    EXPECT_EQ(
+        zuQelRT_GLStartV1HWDepth(luma, chroma, nullptr, 0, 0, bypass, {}, 1),
+        status);
+    EXPECT_EQ(TakeLog(), line);
+    EXPECT_EQ(counters.dump_number + counters.frames_since_start, 16U);
+    EXPECT_EQ(counters.frame_index, bypass != 0 ? 0U : 8U);
   }
 }
 
-TEST_F(LifecycleLog, FramesWithoutASession) {
-  for (const bool closed : {false, true}) {
-    // A closed session still knows its record.
-    if (closed) {
-      const ScopedSession session(Info(1, 0));
-    }
-    session_.FocusDotEnable = 1;
-    for (const bool from_depth : {false, true}) {
-      TestFrame frame;
-      frame.depth[5] = 1023;
-      const TestFrame before = frame;
-      HoldFpsLine();
-      log_.Take();
-      EXPECT_EQ(frame.Render(from_depth, 0, kNoRect, 1), 0U);
-      EXPECT_EQ(log_.Take(),
-                FrameLines({closed ? 1 : 0, 0, from_depth, 0, 1,
-                            "1.000000, scale = 3.600000"},
-                           closed ? kWidth : 0, closed ? kHeight : 0));
-      EXPECT_TRUE(frame.luma == before.luma && frame.chroma == before.chroma &&
-                  frame.depth == before.depth);
-    }
+TEST_F(LifecycleLog, CountersAndRateOutliveTheSession) {
+  uint32_t frames = 0;
+  for (const char* line :
+       {"Bokeh lib FPS = 1\n", "", "", "Bokeh lib FPS = 3\n", ""}) {
+    const ScopedSession session(SmallInfo());
+    ExpectFrameLog({1, 0, {}, kStrong, line}, CallerFrame(SmallInfo()));
+    EXPECT_EQ(session_.frame.counters.dump_number, ++frames);
+    EXPECT_EQ(session_.frame.counters.frame_index, frames);
   }
-}
-
-TEST_F(LifecycleLog, CountersAndRate) {
-  const auto rate_line = [&]() -> std::string {
-    TestFrame().Render(/*from_depth=*/false, 0, kNoRect, 1);
-    const Lines lines = log_.Take();
-    const auto found = std::find_if(
-        lines.begin(), lines.end(),
-        [](const std::string& line) { return line.starts_with("Bokeh lib"); });
-    return found == lines.end() ? "" : *found;
-  };
-  FrameCounters& counters = session_.frame.counters;
-  {
-    const ScopedSession session(Info(1, 0));
-    EXPECT_EQ(rate_line(), "Bokeh lib FPS = 1") << "first of the process";
-    HoldFpsLine();
-    EXPECT_EQ(rate_line(), "");
-    EXPECT_EQ(rate_line(), "");
-    counters.time_of_last_fps_line -= 1000;
-    EXPECT_EQ(rate_line(), "Bokeh lib FPS = 3");
-    EXPECT_EQ(counters.frame_index, 4U);
-    EXPECT_EQ(TestFrame().Render(/*from_depth=*/true, 1, kNoRect, 1), 0U);
-    EXPECT_EQ(counters.frame_index, 0U);
-  }
-  const ScopedSession session(Info(1, 0));
-  HoldFpsLine();
-  EXPECT_EQ(rate_line(), "");
-  EXPECT_EQ(std::tuple(counters.dump_number, counters.frame_index,
-                       counters.frames_since_start),
-            std::tuple(5, 1, 5));
 }
 
 TEST_F(LifecycleLog, CreationStopsAtTheStepThatFails) {
   struct Row {
     Call call;
-    size_t lines_before;
-    const char* line;
-    std::array<bool, 3> handles;
+    std::string step, failure;
+    Handles handles;
   };
+  const std::string failed = "failed - eglGetError Returned: 0x3003";
   const std::vector<Row> rows = {
-      {Call::kGetDisplay, 1, "eglDisplay return EGL_NO_DISPLAY", kNoHandles},
-      {Call::kInitialize, 2, "eglInitialize failed", {true}},
-      {Call::kChooseConfig, 3, "eglChooseConfig failed", {true}},
-      {Call::kCreatePbufferSurface,
-       4,
-       "eglCreatePbufferSurface failed",
-       {true}},
-      {Call::kCreateContext, 5, "eglCreateContext failed", {true, true}},
-      {Call::kMakeCurrent, 6, "eglMakeCurrent failed", kAllHandles},
-  };
+      {Call::kGetDisplay, "eglDisplay return", "EGL_NO_DISPLAY", kNoHandles},
+      {Call::kInitialize, "eglInitialize", "failed", {true}},
+      {Call::kChooseConfig, "eglChooseConfig", "failed", {true}},
+      {Call::kCreatePbufferSurface, "eglCreatePbufferSurface", failed, {true}},
+      {Call::kCreateContext, "eglCreateContext", failed, {true, true}},
+      {Call::kMakeCurrent, "eglMakeCurrent", failed, kAllHandles}};
   for (const Row& row : rows) {
-    SCOPED_TRACE(row.line);
+    SCOPED_TRACE(row.step);
+    std::string creation = kCreationLog;
+    creation.resize(creation.find(row.step + " successfully"));
+    creation += row.step + " " + row.failure + "\n";
     driver::SetFailing(row.call, true);
-    log_.Take();
-    EXPECT_EQ(InitSession(Info(1, 0)), 0U);
-    const auto first = CreationLines().begin();
-    Lines creation(first,
-                   first + static_cast<std::ptrdiff_t>(row.lines_before));
-
-    const bool names_error = row.lines_before > 3;
-    creation.push_back(std::string(row.line) +
-                       (names_error ? " - eglGetError Returned: 0x3003" : ""));
-
-    EXPECT_EQ(log_.Take(), InitLines(1, creation));
-    EXPECT_EQ(session_.QelMode, kModeRunning);
-    EXPECT_EQ(Handles(), row.handles);
+    ExpectInit(1, creation);
+    EXPECT_EQ(HandlesHeld(), row.handles);
     EXPECT_EQ(eglGetCurrentContext(), EGL_NO_CONTEXT);
-    EXPECT_EQ(TestFrame().Render(/*from_depth=*/true, 0, kNoRect, 1), 0U);
+    EXPECT_EQ(CallerFrame(SmallInfo()).Render({.from_depth = true}), 0U);
     driver::SetFailing(row.call, false);
-    log_.Take();
-    zuQelRT_GLClose();
     const bool complete = row.handles == kAllHandles;
-    EXPECT_EQ(log_.Take(),
-              CloseLines(complete ? Deletion::kDone : Deletion::kSkipped));
-    EXPECT_EQ(Handles(), complete ? kNoHandles : row.handles);
+    ExpectClose(complete ? kDeletion : kSkippedDeletion);
+    EXPECT_EQ(HandlesHeld(), complete ? kNoHandles : row.handles);
     ExpectGoodSession();
-    EXPECT_EQ(Handles(), kNoHandles);
   }
 }
 
 TEST_F(LifecycleLog, DeletionKeepsHandlesWhenAStepFails) {
+  // A surface that is already gone cannot be destroyed by the retry.
+  const std::string gone = "eglDestroySurface Returned: 0x0\n";
   struct Row {
     Call call;
-    const char* line;
-    // A surface that is already gone cannot be destroyed by the retry.
-    bool retry_succeeds;
+    std::string line, line_of_retry;
   };
   const std::vector<Row> rows = {
-      {Call::kMakeCurrent, "eglMakeCurrent Returned: 0x0", true},
-      {Call::kDestroySurface, "eglDestroySurface Returned: 0x0", true},
-      {Call::kDestroyContext, "eglDestroyContext Returned: 0x0", false},
-      {Call::kTerminate, "eglTerminate Returned: 0x0", false},
-  };
+      {Call::kMakeCurrent, "eglMakeCurrent Returned: 0x0\n", ""},
+      {Call::kDestroySurface, gone, ""},
+      {Call::kDestroyContext, "eglDestroyContext Returned: 0x0\n", gone},
+      {Call::kTerminate, "eglTerminate Returned: 0x0\n", gone}};
   for (const Row& row : rows) {
     SCOPED_TRACE(row.line);
-    ASSERT_EQ(InitSession(Info(1, 0)), 0U);
-    const ContextSlot slot = session_.context;
+    ExpectInit(1, kCreationLog);
     driver::SetFailing(row.call, true);
-    log_.Take();
-    EXPECT_EQ(zuQelRT_GLClose(), 0U);
-    EXPECT_EQ(log_.Take(), CloseLines(Deletion::kFailed, row.line));
-    EXPECT_EQ(session_.QelMode, kModeClosed);
-    EXPECT_EQ(std::tie(session_.context.display, session_.context.surface,
-                       session_.context.context),
-              std::tie(slot.display, slot.surface, slot.context));
+    ExpectClose(kDeletion + row.line);
+    EXPECT_EQ(HandlesHeld(), kAllHandles);
     driver::SetFailing(row.call, false);
-    zuQelRT_GLClose();
-    EXPECT_EQ(log_.Take(), CloseLines(row.retry_succeeds ? Deletion::kDone
-                                                         : Deletion::kFailed,
-                                      "eglDestroySurface Returned: 0x0"));
-    EXPECT_EQ(Handles(), row.retry_succeeds ? kNoHandles : kAllHandles);
+    ExpectClose(kDeletion + row.line_of_retry);
+    EXPECT_EQ(HandlesHeld(),
+              row.line_of_retry.empty() ? kNoHandles : kAllHandles);
     ExpectGoodSession();
   }
 }

@@ -1,4 +1,5 @@
 // Long runs: after a warm-up, frames and sessions leave memory as it was.
+#include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
 #include <unistd.h>
@@ -8,100 +9,54 @@
 #include <fstream>
 #include <vector>
 
-#include "test_session.h"
+#include "fresh_session.h"
 
 namespace zuqel {
 namespace {
 
-constexpr int kWarmUp = 10;
-constexpr int64_t kHeapSlack = 64 << 10;
-constexpr int64_t kResidentSlack = 2 << 20;
-
-// The sanitizers keep freed blocks and count in their own way.
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kCanMeasure = false;
-#elif defined(__has_feature)
-constexpr bool kCanMeasure = !__has_feature(address_sanitizer);
-#else
-constexpr bool kCanMeasure = true;
-#endif
-
-struct Memory {
-  int64_t heap;
-  int64_t resident;
-};
-
-Memory MemoryInUse() {
+int64_t ResidentBytes() {
   int64_t total_pages = 0, resident_pages = 0;
   std::ifstream("/proc/self/statm") >> total_pages >> resident_pages;
-  return {static_cast<int64_t>(mallinfo2().uordblks),
-          resident_pages * sysconf(_SC_PAGESIZE)};
+  return resident_pages * sysconf(_SC_PAGESIZE);
 }
 
-// Repeats `round` and compares memory after the last time with that after the
-// warm-up.
-template <typename Round>
-void ExpectFlat(int rounds, Round round) {
-  for (int i = 0; i < kWarmUp; ++i) round();
-  const Memory before = MemoryInUse();
-  for (int i = kWarmUp; i < rounds; ++i) round();
-  const Memory after = MemoryInUse();
-  if (!kCanMeasure) return;
-  EXPECT_LT(after.heap - before.heap, kHeapSlack);
-  EXPECT_LT(after.resident - before.resident, kResidentSlack);
-}
-
-class MemoryTest : public testing::Test {
- protected:
-  // One frame, of each call in turn.
-  void RenderNext() {
-    from_depth_ = !from_depth_;
-    depth_[0] = 1023;
-    uint8_t* const luma = luma_.data();
-    uint8_t* const chroma = chroma_.data();
-    EXPECT_EQ(from_depth_
-                  ? zuQelRT_GLStartV1HWDepth(luma, chroma, depth_.data(), 320,
-                                             240, 0, {0, 0, 0, 0}, 1)
-                  : zuQelRT_GLStartV1(luma, chroma, weights_.data(), 320, 240,
-                                      0, {0, 0, 0, 0}, 1),
-              0U);
-  }
-
- private:
-  bool from_depth_ = false;
-  std::vector<uint8_t> luma_ = std::vector<uint8_t>(size_t{640} * 480, 90);
-  std::vector<uint8_t> chroma_ = std::vector<uint8_t>(size_t{640} * 240, 128);
-  std::vector<uint8_t> weights_ = std::vector<uint8_t>(size_t{320} * 240, 99);
-  std::vector<uint16_t> depth_ = std::vector<uint16_t>(size_t{320} * 240, 99);
-};
-
-TEST_F(MemoryTest, IsFlatOverFrames) {
-  const ScopedSession session;
-  ExpectFlat(200 + kWarmUp, [this] { RenderNext(); });
-}
-
-TEST_F(MemoryTest, IsFlatOverSessions) {
-  ExpectFlat(50 + kWarmUp, [this] {
-    const ScopedSession session;
-    EXPECT_EQ(session.status(), 0U);
-    RenderNext();
+// Renders frames of each call in turn, after a warm-up of ten.
+TEST(Memory, IsFlatOverFramesAndSessions) {
+  GLInitInfo info = SmallInfo();
+  info.PreviewWidth = 320;
+  info.PreviewHeight = 240;
+  const CallerFrame frame(info);
+  const auto render = [&](int turn) {
+    frame.depth.data()[0] = 1023;
+    EXPECT_EQ(frame.Render({.from_depth = turn % 2 == 0}), 0U);
+  };
+  const auto expect_flat = [&](int rounds, auto round) {
+    for (int i = 0; i < 10; ++i) round(i);
+    const size_t heap = mallinfo2().uordblks;
+    const int64_t resident = ResidentBytes();
+    for (int i = 0; i < rounds; ++i) round(i);
+    // The address sanitizer keeps freed blocks.
+    if (dlsym(RTLD_DEFAULT, "__asan_init") != nullptr) return;
+    EXPECT_LT(mallinfo2().uordblks, heap + (64 << 10)) << rounds << " rounds";
+    EXPECT_LT(ResidentBytes() - resident, 2 << 20) << rounds << " rounds";
+  };
+  expect_flat(50, [&](int turn) {
+    const ScopedSession session(info);
+    render(turn);
   });
-}
-
-// A cache that is taken every time, and one that is built anew every time.
-TEST_F(MemoryTest, IsFlatOverSessionsWithCacheAndGraphicBuffer) {
-  GLInitInfo info = DefaultInfo();
-  info.GraphicBufferFlag = 1;
+  // A cache that is taken every time, and one that is built anew every time.
+  GLInitInfo with_buffer = info;
+  with_buffer.GraphicBufferFlag = 1;
   for (const bool is_kept : {true, false}) {
-    SCOPED_TRACE(is_kept);
     std::vector<uint8_t> cache(kProgramCacheBytes);
-    ExpectFlat(50 + kWarmUp, [&] {
-      const ScopedSession session(info, cache.data());
-      EXPECT_EQ(session.status(), 0U);
-      RenderNext();
-      if (!is_kept) std::fill(cache.begin(), cache.end(), uint8_t{0});
+    expect_flat(50, [&](int turn) {
+      const ScopedSession session(with_buffer, cache.data());
+      render(turn);
+      if (!is_kept) std::ranges::fill(cache, uint8_t{0});
     });
   }
+  const ScopedSession session(info);
+  expect_flat(200, render);
 }
 
 }  // namespace

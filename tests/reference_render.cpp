@@ -1,6 +1,7 @@
 // Plain arithmetic of sampling, shaders and frames.
 #include "reference_render.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -9,30 +10,14 @@ namespace {
 
 constexpr Size kHalfBlurred = {640, 480};
 constexpr Size kConversion = {1280, 960};
-constexpr int kNv21 = 0;
-constexpr int kPlanar = 2;
-constexpr int kPacked = 7;
+constexpr int kNv21 = 0, kPlanar = 2, kPacked = 7;
 
 Rgba operator*(double k, Rgba p) {
-  const auto f = static_cast<float>(k);
-  return {f * p.r, f * p.g, f * p.b, f * p.a};
+  return {k * p.r, k * p.g, k * p.b, k * p.a};
 }
 
 Rgba operator+(Rgba p, Rgba q) {
   return {p.r + q.r, p.g + q.g, p.b + q.b, p.a + q.a};
-}
-
-Point operator+(Point p, Point q) {
-  return {p.s + q.s, p.t + q.t};
-}
-
-Point operator*(double k, Point p) {
-  return {k * p.s, k * p.t};
-}
-
-int Wrapped(double texel, int size, Wrap wrap) {
-  if (wrap == Wrap::kRepeat) texel -= std::floor(texel / size) * size;
-  return static_cast<int>(std::clamp(texel, 0.0, size - 1.0));
 }
 
 size_t Index(int x, int y, int width) {
@@ -40,225 +25,196 @@ size_t Index(int x, int y, int width) {
          static_cast<size_t>(y) * static_cast<size_t>(width);
 }
 
-// Where the chroma of pixel (x, y) lies: U, then V.
-std::array<size_t, 2> ChromaIndex(int x, int y, Size size, int format) {
-  const Size half = {size.width / 2, size.height / 2};
+Rgba Texel(const Image& image, double column, double row) {
+  const auto inside = [&](double texel, int size) {
+    if (image.repeat) texel -= std::floor(texel / size) * size;
+    return static_cast<int>(std::clamp(texel, 0.0, size - 1.0));
+  };
+  const int x = inside(column, image.size.width);
+  const int y = inside(row, image.size.height);
+  const uint8_t* p = &image.rgba[4 * Index(x, y, image.size.width)];
+  return {p[0] / 255.0, p[1] / 255.0, p[2] / 255.0, p[3] / 255.0};
+}
+
+Point TextureCoordinates(Turn turn, double u, double v) {
+  if (turn == Turn::kFlip) return {u, 1 - v};
+  if (turn == Turn::kRotateCrop) return {0.99 - 0.98 * v, 0.99 - 0.98 * u};
+  if (turn == Turn::kFlipCrop) return {0.01 + 0.98 * u, 0.99 - 0.98 * v};
+  return {u, v};
+}
+
+// Where the chroma of a pixel lies: U, then V.
+std::array<size_t, 2> ChromaIndex(size_t pixel, Size size, int format) {
+  const int x = static_cast<int>(pixel) % size.width;
+  const int y = static_cast<int>(pixel) / size.width;
   if (format == kPlanar) {
-    const size_t v = Index(x / 2, y / 2, half.width);
-    return {half.area() + v, v};
+    const size_t v = Index(x / 2, y / 2, size.width / 2);
+    return {Index(0, size.height / 2, size.width / 2) + v, v};
   }
-  const size_t v = format == kPacked ? Index(x & ~3, y / 4, size.width)
-                                     : Index(x & ~1, y / 2, size.width);
+  const int block = format == kPacked ? 4 : 2;
+  const size_t v = Index(x / block * block, y / block, size.width);
   return {v + 1, v};
 }
 
-float Decoded(Rgba depth, const DepthRange& range) {
-  const float decoded = 256.0F * 256.0F * depth.g + 256.0F * depth.r;
-  return std::max(std::min(decoded, range.max), range.min);
-}
-
-float FocusPlane(const DepthRange& range) {
-  return std::max(std::min(range.focus, range.max), range.min);
+double Disparity(Rgba depth, const DepthRange& range) {
+  return std::clamp<double>(256 * 256 * depth.g + 256 * depth.r, range.min,
+                            range.max);
 }
 
 }  // namespace
 
 Image FromBytes(std::span<const uint8_t> bytes, Size size, int channels) {
   Image image(size);
-  const auto stride = static_cast<size_t>(channels);
-  for (size_t i = 0; i < image.pixels.size(); ++i) {
-    std::array<float, 4> in = {};
-    for (size_t c = 0; c < stride; ++c) {
-      in.at(c) = static_cast<float>(bytes[i * stride + c]) / 255;
-    }
-    image.pixels[i] =
-        channels == 4 ? Rgba{in[0], in[1], in[2], in[3]}
-                      : Rgba{in[0], in[0], in[0], channels == 2 ? in[1] : 1};
+  for (size_t i = 0; i < size.area(); ++i) {
+    const uint8_t* in = &bytes[i * static_cast<size_t>(channels)];
+    uint8_t* out = &image.rgba[4 * i];
+    const size_t next = channels == 4 ? 1 : 0;  // else luminance
+    for (size_t c = 0; c < 3; ++c) out[c] = in[c * next];
+    out[3] = channels == 1 ? 255 : in[channels - 1];
   }
   return image;
 }
 
-std::vector<uint8_t> ToBytes(const Image& image) {
-  std::vector<uint8_t> bytes;
-  bytes.reserve(image.pixels.size() * 4);
-  for (const Rgba& p : image.pixels) {
-    for (const float value : {p.r, p.g, p.b, p.a}) {
-      bytes.push_back(static_cast<uint8_t>(std::lround(value * 255)));
-    }
+Image FromDisparity(std::span<const uint16_t> disparity, Size size) {
+  Image image(size);
+  for (size_t i = 0; i < size.area(); ++i) {
+    image.rgba[4 * i] = static_cast<uint8_t>(disparity[i] & 255);
+    image.rgba[4 * i + 1] = static_cast<uint8_t>(disparity[i] >> 8);
   }
-  return bytes;
+  return image;
 }
 
-Rgba Sample(const Texture& texture, Point at) {
-  const Image& image = *texture.image;
-  const auto texel = [&](double x, double y) {
-    return image.at(Wrapped(x, image.size.width, texture.wrap),
-                    Wrapped(y, image.size.height, texture.wrap));
-  };
+Rgba Sample(const Image& image, Point at) {
   const double x = at.s * image.size.width;
   const double y = at.t * image.size.height;
-  if (texture.filter == Filter::kNearest) {
-    return texel(std::floor(x), std::floor(y));
-  }
-  const double left = std::floor(x - 0.5);
-  const double top = std::floor(y - 0.5);
-  const double fx = x - 0.5 - left;
-  const double fy = y - 0.5 - top;
-  return (1 - fy) * ((1 - fx) * texel(left, top) + fx * texel(left + 1, top)) +
-         fy * ((1 - fx) * texel(left, top + 1) + fx * texel(left + 1, top + 1));
-}
-
-Point TextureCoordinates(Turn turn, double u, double v) {
-  switch (turn) {
-    case Turn::kFlip:
-      return {u, 1 - v};
-    case Turn::kRotateCrop:
-      return {0.99 - 0.98 * v, 0.99 - 0.98 * u};
-    case Turn::kFlipCrop:
-      return {0.01 + 0.98 * u, 0.99 - 0.98 * v};
-    case Turn::kUpright:
-      break;
-  }
-  return {u, v};
-}
-
-Rgba Quantised(Rgba value) {
-  const auto quantise = [](float f) {
-    return std::round(std::clamp(f, 0.0F, 1.0F) * 255) / 255;
+  if (!image.linear) return Texel(image, std::floor(x), std::floor(y));
+  const double left = std::floor(x - 0.5), top = std::floor(y - 0.5);
+  const double fx = x - 0.5 - left, fy = y - 0.5 - top;
+  const auto row = [&](double t) {
+    return (1 - fx) * Texel(image, left, t) + fx * Texel(image, left + 1, t);
   };
-  return {quantise(value.r), quantise(value.g), quantise(value.b),
-          quantise(value.a)};
+  return (1 - fy) * row(top) + fy * row(top + 1);
 }
 
-Rgba Gaussian5(const Texture& texture, Point at, Point step) {
-  return 0.408076 * Sample(texture, at) +
-         0.241971 * Sample(texture, at + 0.5 * step) +
-         0.053991 * Sample(texture, at + step) +
-         0.241971 * Sample(texture, at + -0.5 * step) +
-         0.053991 * Sample(texture, at + -1 * step);
+Image Draw(Size target, Size viewport, Turn turn,
+           const std::function<Rgba(Point)>& shader) {
+  Image image(target);
+  viewport.height = std::max(viewport.height, 1);
+  for (int y = 0; y < std::min(viewport.height, target.height); ++y) {
+    for (int x = 0; x < std::min(viewport.width, target.width); ++x) {
+      const Rgba p = shader(TextureCoordinates(turn, (x + 0.5) / viewport.width,
+                                               (y + 0.5) / viewport.height));
+      uint8_t* out = &image.rgba[4 * Index(x, y, target.width)];
+      for (const double value : {p.r, p.g, p.b, p.a}) {
+        *out++ = static_cast<uint8_t>(
+            std::lround(std::clamp(value, 0.0, 1.0) * 255));
+      }
+    }
+  }
+  return image;
 }
 
-Rgba Nv21ToRgb(const Texture& luma, const Texture& chroma, Point at) {
-  const float y = Sample(luma, at).r;
-  const float u = Sample(chroma, at).a - 0.5F;
-  const float v = Sample(chroma, at).r - 0.5F;
-  return {y + 1.402F * v, y - 0.34414F * u - 0.71414F * v, y + 1.772F * u, 1};
+Rgba Gaussian5(const Image& image, Point at, Point step) {
+  const auto tap = [&](double k) {
+    return Sample(image, {at.s + k * step.s, at.t + k * step.t});
+  };
+  return 0.408076 * tap(0) + 0.241971 * (tap(0.5) + tap(-0.5)) +
+         0.053991 * (tap(1) + tap(-1));
 }
 
-Rgba Composite(const Texture& sharp, const Texture& blurred,
-               const Texture& weights, Point at) {
-  const double w = std::min(Sample(weights, at).r, 3.0F);
+Rgba Nv21ToRgb(const Image& luma, const Image& chroma, Point at) {
+  const double y = Sample(luma, at).r;
+  const double u = Sample(chroma, at).a - 0.5;
+  const double v = Sample(chroma, at).r - 0.5;
+  return {y + 1.402 * v, y - 0.34414 * u - 0.71414 * v, y + 1.772 * u, 1};
+}
+
+Rgba Composite(const Image& sharp, const Image& blurred, const Image& weights,
+               Point at) {
+  const double w = Sample(weights, at).r;
   return (1 - w) * Sample(sharp, at) + w * Sample(blurred, at);
 }
 
-Rgba Pick3x3(const Texture& texture, Point at, Point step, bool largest) {
-  constexpr std::array<Point, 9> kOrder = {{{0, 0},
-                                            {1, 0},
-                                            {0, 1},
-                                            {-1, 0},
-                                            {0, -1},
-                                            {1, 1},
-                                            {-1, 1},
-                                            {-1, -1},
-                                            {1, -1}}};
-  Rgba picked = Sample(texture, at);
-  float bound = largest ? 0.0F : 10000.0F;
-  for (const Point& offset : kOrder) {
-    const Rgba sample =
-        Sample(texture, {at.s + offset.s * step.s, at.t + offset.t * step.t});
-    if (largest ? sample.r > bound : sample.r < bound) {
-      picked = sample;
-      bound = sample.r;
-    }
+Rgba Pick3x3(const Image& image, Point at, Point step, bool largest) {
+  constexpr std::array<std::array<int, 2>, 8> kOrder = {
+      {{1, 0}, {0, 1}, {-1, 0}, {0, -1}, {1, 1}, {-1, 1}, {-1, -1}, {1, -1}}};
+  Rgba picked = Sample(image, at);
+  for (const auto& [x, y] : kOrder) {
+    const Rgba other = Sample(image, {at.s + x * step.s, at.t + y * step.t});
+    if (largest ? other.r > picked.r : other.r < picked.r) picked = other;
   }
   return picked;
 }
 
-float DepthWeight(Rgba depth, const DepthRange& range) {
-  const float current = Decoded(depth, range);
-  const float focus = FocusPlane(range);
-  const bool front = current > focus;
-  const float diff = front ? (current - focus) / 1.2F : focus - current;
-  const float side = front ? range.max - focus : focus - range.min;
-  const float level = 100 * diff / std::max(side, 10.0F);
-  if (level < 30) return 0;
-  return level < 70 ? 255 * (level - 30) / 40 : 255;
+Rgba DepthWeight(Rgba depth, const DepthRange& range) {
+  const double current = Disparity(depth, range);
+  const int focus = std::clamp(range.focus, range.min, range.max);
+  const double diff =
+      current > focus ? (current - focus) / 1.2 : focus - current;
+  const int side = current > focus ? range.max - focus : focus - range.min;
+  const double percent = 100 * diff / std::max(side, 10);
+  return {std::clamp((percent - 30) / 40, 0.0, 1.0), 0, 0, 1};
 }
 
-float AllInFocusWeight(Rgba depth, const DepthRange& range) {
-  const float current = Decoded(depth, range);
-  const float focus = FocusPlane(range);
-  const float behind = focus - range.min;
-  const float before = range.max - focus;
-  if (behind == 0 && before == 0) return 0;
+Rgba AllInFocusWeight(Rgba depth, const DepthRange& range) {
+  const double current = Disparity(depth, range);
+  const int focus = std::clamp(range.focus, range.min, range.max);
+  const double behind = focus - range.min, before = range.max - focus;
+  const double far_end = (range.max + range.min) / 2.0;
+  double weight = 1;
   if (behind > before / 2) {
-    if (current >= focus - behind * 30 / 100) return 0;
-    const bool on_ramp = current >= focus - behind * 40 / 100;
-    return on_ramp ? 255 - (focus - current) * 255 / behind : 255;
+    if (current >= focus - behind * 0.4)
+      weight = 1 - (focus - current) / behind;
+    if (current >= focus - behind * 0.3) weight = 0;
+  } else {
+    if (current < far_end) weight = 1 - (current - focus) / (far_end - focus);
+    if (current <= focus) weight = 0;
   }
-  const float far_end = (range.max + range.min) / 2;
-  if (current <= focus) return 0;
-  const bool on_ramp = current < far_end;
-  return on_ramp ? 255 - (current - focus) * 255 / (far_end - focus) : 255;
+  return {weight, 0, 0, 1};
 }
 
-Image SeparableBlur(const Texture& source, Size size, float scale,
-                    Size target) {
-  Image half(kHalfBlurred);
-  Draw(half, kHalfBlurred, Turn::kFlip, [&](Point at) {
-    return Gaussian5(source, at, {0, double{scale} / size.height});
+Image SeparableBlur(const Image& source, Size size, double scale, Size target) {
+  const Image half =
+      Draw(kHalfBlurred, kHalfBlurred, Turn::kFlip, [&](Point at) {
+        return Gaussian5(source, at, {0, scale / size.height});
+      });
+  return Draw(target, size, Turn::kFlip, [&](Point at) {
+    return Gaussian5(half, at, {scale / size.width, 0});
   });
-  Image blurred(target);
-  Draw(blurred, size, Turn::kFlip, [&](Point at) {
-    return Gaussian5({&half}, at, {double{scale} / size.width, 0});
-  });
-  return blurred;
 }
 
-float BlurScale(float f_number) {
-  if (f_number < 1) f_number = 1;
-  if (f_number > 10) f_number = 10;
-  const auto scale = static_cast<float>((1 - 0.1 * f_number) * 4);
-  return scale > 0 ? scale : 0.1F;  // also for no number
+double BlurScale(double f_number) {
+  if (!(f_number < 10)) return 0.1;  // also for no number
+  return 4 - 0.4 * std::max(f_number, 1.0);
 }
 
 Image PackedImage(const Planes& planes, int format, bool from_depth,
                   const Image& packed) {
-  const bool is_read =
-      format == kNv21 || format == kPlanar || format == kPacked;
-  if (!is_read) return packed;
+  if (format != kNv21 && format != kPlanar && format != kPacked) return packed;
   Image image = FromBytes(planes.luma, planes.size, 1);
   if (format == kPlanar && from_depth) return image;
-  for (int y = 0; y < image.size.height; ++y) {
-    for (int x = 0; x < image.size.width; ++x) {
-      const auto [u, v] = ChromaIndex(x, y, planes.size, format);
-      image.at(x, y).g = static_cast<float>(planes.chroma.at(u)) / 255;
-      image.at(x, y).b = static_cast<float>(planes.chroma.at(v)) / 255;
-    }
+  for (size_t i = 0; i < planes.luma.size(); ++i) {
+    const auto [u, v] = ChromaIndex(i, planes.size, format);
+    image.rgba[4 * i + 1] = planes.chroma.at(u);
+    image.rgba[4 * i + 2] = planes.chroma.at(v);
   }
   return image;
 }
 
 Image RgbImage(const Planes& planes) {
+  const Size half = {planes.size.width / 2, planes.size.height / 2};
   const Image luma = FromBytes(planes.luma, planes.size, 1);
-  const Image chroma = FromBytes(
-      planes.chroma, {planes.size.width / 2, planes.size.height / 2}, 2);
-  Image image(planes.size);
-  Draw(image, kConversion, Turn::kUpright,
-       [&](Point at) { return Nv21ToRgb({&luma}, {&chroma}, at); });
-  return image;
+  const Image chroma = FromBytes(planes.chroma, half, 2);
+  return Draw(planes.size, kConversion, Turn::kUpright,
+              [&](Point at) { return Nv21ToRgb(luma, chroma, at); });
 }
 
 void WriteBack(const Image& image, int format, Planes& planes) {
-  const std::vector<uint8_t> rgba = ToBytes(image);
-  for (int y = 0; y < planes.size.height; ++y) {
-    for (int x = 0; x < planes.size.width; ++x) {
-      const auto pixel = Index(x, y, planes.size.width);
-      planes.luma[pixel] = rgba[4 * pixel];
-      const auto [u, v] = ChromaIndex(x, y, planes.size, format);
-      planes.chroma.at(u) = rgba[4 * pixel + 1];
-      planes.chroma.at(v) = rgba[4 * pixel + 2];
-    }
+  for (size_t i = 0; i < planes.luma.size(); ++i) {
+    const auto [u, v] = ChromaIndex(i, planes.size, format);
+    planes.luma[i] = image.rgba[4 * i];
+    planes.chroma.at(u) = image.rgba[4 * i + 1];
+    planes.chroma.at(v) = image.rgba[4 * i + 2];
   }
 }
 

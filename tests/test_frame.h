@@ -40,7 +40,7 @@ inline GLInitInfo SmallInfo(int32_t off_screen = 1, int32_t width = 64) {
 // Noise with maps of 320 x 240, both sharp and blurred somewhere. The focus
 // point is (3, 4).
 struct TestFrame {
-  explicit TestFrame(const GLInitInfo& info = SmallInfo(), uint32_t seed = 1)
+  explicit TestFrame(const GLInitInfo& info = SmallInfo(), int seed = 1)
       : luma(PatternBytes(Pattern::kNoise, info.PreviewWidth,
                           info.PreviewHeight, seed)),
         chroma(PatternBytes(Pattern::kNoise, info.PreviewWidth,

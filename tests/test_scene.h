@@ -2,51 +2,36 @@
 #ifndef TESTS_TEST_SCENE_H_
 #define TESTS_TEST_SCENE_H_
 
-#include <cstddef>
 #include <cstdint>
 #include <vector>
 
 namespace zuqel {
 
-class Noise {
- public:
-  explicit Noise(uint32_t seed) : state_(seed) {}
-  uint8_t operator()() {
-    state_ = state_ * 1664525U + 1013904223U;
-    return static_cast<uint8_t>(state_ >> 24);
-  }
+// The next number of a sequence.
+inline int Noise(uint32_t& state) {
+  state = state * 1664525U + 1013904223U;
+  return static_cast<int>(state >> 24);
+}
 
- private:
-  uint32_t state_;
-};
+// A scene has blocks with hard edges and flat insides above noise. A mask is
+// noise whose reds are black or white.
+enum class Pattern { kNoise, kMask, kRamp, kScene };
 
-enum class Pattern { kNoise, kBlocks, kRamp, kFlat };
-
-// Rows of `row_bytes` bytes. Blocks have hard edges and flat insides, some of
-// them equal; ramps are smooth.
+// Rows of `row_bytes` bytes.
 inline std::vector<uint8_t> PatternBytes(Pattern pattern, int row_bytes,
-                                         int rows, uint32_t seed) {
+                                         int rows, int seed) {
   std::vector<uint8_t> bytes;
-  bytes.reserve(static_cast<size_t>(row_bytes) * static_cast<size_t>(rows));
-  Noise noise(seed);
+  auto state = static_cast<uint32_t>(seed);
   for (int y = 0; y < rows; ++y) {
     for (int x = 0; x < row_bytes; ++x) {
-      const int block = (x / 24 + y / 7 + static_cast<int>(seed)) % 4;
-      switch (pattern) {
-        case Pattern::kNoise:
-          bytes.push_back(noise());
-          break;
-        case Pattern::kBlocks:
-          bytes.push_back(static_cast<uint8_t>(block * 85));
-          break;
-        case Pattern::kRamp:
-          bytes.push_back(
-              static_cast<uint8_t>(x * 200 / row_bytes + y * 55 / rows));
-          break;
-        case Pattern::kFlat:
-          bytes.push_back(static_cast<uint8_t>(77 + seed));
-          break;
+      int value = Noise(state);
+      if (pattern == Pattern::kMask && x % 4 == 0) value = value / 128 * 255;
+      if (pattern == Pattern::kRamp)
+        value = x * 200 / row_bytes + y * 55 / rows;
+      if (pattern == Pattern::kScene && y < rows / 2) {
+        value = (x / 24 + y / 7 + seed) % 4 * 85;
       }
+      bytes.push_back(static_cast<uint8_t>(value));
     }
   }
   return bytes;
@@ -57,16 +42,14 @@ inline std::vector<uint8_t> PatternBytes(Pattern pattern, int row_bytes,
 inline std::vector<uint16_t> DisparityScene(int width, int height, int low,
                                             int high) {
   std::vector<uint16_t> disparity;
-  Noise noise(9);
-  const int range = high - low;
+  uint32_t state = 9;
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
-      const bool is_slope = y * 3 / height == 1;
-      const int step = x * 5 / width * range / 5;
-      const int value = low + (is_slope ? x * range / width : step);
-      const bool is_hole = noise() < 6;
+      const int steps = y * 3 / height == 1 ? width : 5;
+      const int value = low + x * steps / width * (high - low) / steps;
+      const bool is_hole = Noise(state) < 6;
       disparity.push_back(
-          static_cast<uint16_t>(is_hole ? 1023 : value + noise() % 3));
+          static_cast<uint16_t>(is_hole ? 1023 : value + Noise(state) % 3));
     }
   }
   return disparity;
