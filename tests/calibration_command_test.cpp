@@ -103,7 +103,7 @@ TEST_F(CalibrationCommand, SealedContainersInspectLikePlainOnes) {
     ASSERT_EQ(sealed.size(), form.sealed);
     EXPECT_NE(ReadBytes(folder_ / "t.bin"), sealed);
     // The header is not encrypted.
-    EXPECT_TRUE(std::equal(&plain[0], &plain[form.first], sealed.begin()));
+    EXPECT_TRUE(std::equal(plain.data(), &plain[form.first], sealed.begin()));
     const std::string second = form.kind == 4 ? "3.5" : "2.5";
     for (const std::string name :
          {"p.bin", "s.bin --key key.bin", "t.bin --key key.hex"}) {

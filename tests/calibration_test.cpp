@@ -56,7 +56,13 @@ Bytes MakeKey(uint8_t first) {
   for (uint8_t& byte : key) byte = first++;
   return key;
 }
-const Bytes kKey = MakeKey(7), kOther = MakeKey(99);
+Bytes RecordKey() {
+  return MakeKey(7);
+}
+
+Bytes OtherKey() {
+  return MakeKey(99);
+}
 
 Bytes Wrap(const Bytes& wrapping_key, const Bytes& key) {
   Bytes wrapped(kWrappedKeySize);
@@ -108,7 +114,7 @@ Bytes MakeContainer(const Form& form, const std::vector<Bytes>& units) {
     if (form.sealed) {
       const Bytes nonce(kGcmNonceSize, static_cast<uint8_t>(k + 1));
       Bytes tag(kGcmTagSize);
-      GcmSeal(Aes256(AesKey(kKey)), GcmNonce(nonce), {}, stored,
+      GcmSeal(Aes256(AesKey(RecordKey())), GcmNonce(nonce), {}, stored,
               std::span<uint8_t, kGcmTagSize>(tag));
       stored = Join(Join(Join(nonce, Bytes(4)), stored), tag);
     }
@@ -153,7 +159,7 @@ Decoded Decode(const Blocks& blocks, CalibrationInput input = {}) {
 }
 
 uint32_t StatusOf(const Bytes& container) {
-  return Decode({.a = container, .b = kKey}).status;
+  return Decode({.a = container, .b = RecordKey()}).status;
 }
 
 void ExpectRecord(const Decoded& decoded, const Form& form, const Bytes& unit,
@@ -181,16 +187,19 @@ TEST(Calibration, EveryContainerAndWayToItsKey) {
   for (const Form& form : kForms) {
     const std::vector<Bytes> units = MakeUnits(form);
     const Bytes container = MakeContainer(form, units);
-    const Bytes wrapped = Wrap(kOther, kKey);
-    Blocks built_in{.a = container, .general_key = kKey, .kind4_key = kOther};
+    const Bytes wrapped = Wrap(OtherKey(), RecordKey());
+    Blocks built_in{
+        .a = container, .general_key = RecordKey(), .kind4_key = OtherKey()};
     if (form.kind == 4) std::swap(built_in.general_key, built_in.kind4_key);
     const std::vector<Blocks> ways = {
-        {.a = container, .b = kKey},
-        {container, kKey, kOther, kOther},
+        {.a = container, .b = RecordKey()},
+        {container, RecordKey(), OtherKey(), OtherKey()},
         built_in,
-        {.a = container, .b = wrapped, .general_key = kOther},
-        {.b = Join(wrapped, container), .general_key = kOther},
-        {.a = Bytes(), .b = Join(wrapped, container), .general_key = kOther},
+        {.a = container, .b = wrapped, .general_key = OtherKey()},
+        {.b = Join(wrapped, container), .general_key = OtherKey()},
+        {.a = Bytes(),
+         .b = Join(wrapped, container),
+         .general_key = OtherKey()},
     };
     for (size_t way = 0; way < ways.size(); ++way) {
       for (uint32_t k = 0; k < form.count; ++k) {
@@ -227,7 +236,8 @@ TEST(Calibration, EveryOtherLengthIsRefused) {
 }
 
 TEST(Calibration, KeysAndBlocksInOrder) {
-  const Bytes plain(464), empty, wrapped = Wrap(kOther, kKey);
+  const Bytes plain(464), empty, key = RecordKey(), other = OtherKey();
+  const Bytes wrapped = Wrap(other, key);
   const Bytes sealed = MakeContainer(kForms[8], MakeUnits(kForms[8]));
   const Bytes kind4 = MakeContainer(kForms[13], MakeUnits(kForms[13]));
   const Bytes short_wrapped(wrapped.begin(), wrapped.end() - 1);
@@ -244,21 +254,21 @@ TEST(Calibration, KeysAndBlocksInOrder) {
       {"empty key", {plain, empty}, ZUQEL_CALIB_NO_KEY},
       {"short key", {plain, Bytes(31)}, ZUQEL_CALIB_NO_KEY},
       {"key before length", {Bytes(1), Bytes(40)}, ZUQEL_CALIB_NO_KEY},
-      {"key alone", {none, kKey}, ZUQEL_CALIB_NO_PAYLOAD},
-      {"key, empty first", {empty, kKey}, ZUQEL_CALIB_NO_PAYLOAD},
+      {"key alone", {none, key}, ZUQEL_CALIB_NO_PAYLOAD},
+      {"key, empty first", {empty, key}, ZUQEL_CALIB_NO_PAYLOAD},
       {"empty first", {empty}, ZUQEL_CALIB_NO_PAYLOAD},
       {"no key to open", {sealed}, ZUQEL_CALIB_NOT_DECRYPTED},
-      {"wrong key", {sealed, kOther}, ZUQEL_CALIB_NOT_DECRYPTED},
-      {"key of kind 4", {sealed, none, none, kKey}, ZUQEL_CALIB_NOT_DECRYPTED},
-      {"not of kind 4", {kind4, none, kKey}, ZUQEL_CALIB_NOT_DECRYPTED},
+      {"wrong key", {sealed, other}, ZUQEL_CALIB_NOT_DECRYPTED},
+      {"key of kind 4", {sealed, none, none, key}, ZUQEL_CALIB_NOT_DECRYPTED},
+      {"not of kind 4", {kind4, none, key}, ZUQEL_CALIB_NOT_DECRYPTED},
       {"no key to unwrap", {plain, wrapped}, ZUQEL_CALIB_NO_KEY},
-      {"unwrap by kind 4", {kind4, wrapped, none, kOther}, ZUQEL_CALIB_NO_KEY},
-      {"other wrapping key", {plain, wrapped, kKey}, ZUQEL_CALIB_NO_KEY},
-      {"short wrap", {plain, short_wrapped, kOther}, ZUQEL_CALIB_NO_KEY},
-      {"before payload", {none, both, kKey}, ZUQEL_CALIB_NO_KEY},
-      {"nothing behind", {none, wrapped, kOther}, ZUQEL_CALIB_NO_PAYLOAD},
-      {"one byte behind", {none, longer, kOther}, ZUQEL_CALIB_BAD_LENGTH},
-      {"first first", {Bytes(1), both, kOther}, ZUQEL_CALIB_BAD_LENGTH},
+      {"unwrap by kind 4", {kind4, wrapped, none, other}, ZUQEL_CALIB_NO_KEY},
+      {"other wrapping key", {plain, wrapped, key}, ZUQEL_CALIB_NO_KEY},
+      {"short wrap", {plain, short_wrapped, other}, ZUQEL_CALIB_NO_KEY},
+      {"before payload", {none, both, key}, ZUQEL_CALIB_NO_KEY},
+      {"nothing behind", {none, wrapped, other}, ZUQEL_CALIB_NO_PAYLOAD},
+      {"one byte behind", {none, longer, other}, ZUQEL_CALIB_BAD_LENGTH},
+      {"first first", {Bytes(1), both, other}, ZUQEL_CALIB_BAD_LENGTH},
   };
   for (const Case& row : cases) {
     EXPECT_EQ(Decode(row.blocks).status, row.status) << row.name;
@@ -360,7 +370,7 @@ TEST(Calibration, LensPositionChoosesAmongThree) {
         Put(units[k], slope + 12, row.distances.at(k));
       }
       const Decoded decoded =
-          Decode({.a = MakeContainer(form, units), .b = kKey},
+          Decode({.a = MakeContainer(form, units), .b = RecordKey()},
                  {.lens_position = row.lens, .forced_index = kByLensPosition});
       EXPECT_EQ(decoded.status, ZUQEL_SUCCESS);
       EXPECT_EQ(decoded.record.index, row.index)

@@ -33,13 +33,14 @@ Bytes FromHex(const std::string& text) {
   return bytes;
 }
 
-const Bytes kKey =
+const Bytes ExampleKey() =
     FromHex("000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f");
 
 TEST(Cipher, AesExampleOfTheStandard) {
   const Bytes plain = FromHex("00112233445566778899aabbccddeeff");
   Bytes data = plain;
-  const Aes256 cipher{AesKey(kKey)};
+  const Bytes key = ExampleKey();
+  const Aes256 cipher{AesKey(key)};
   cipher.Encrypt(AesBlock(data));
   EXPECT_EQ(data, FromHex("8ea2b7ca516745bfeafc49904b496089"));
   cipher.Decrypt(AesBlock(data));
@@ -102,9 +103,9 @@ TEST(Cipher, GcmVectors) {
   EXPECT_GE(refused, 100U);
 }
 
-Bytes Wrap(const Bytes& wrapping_key, const Bytes& key) {
+Bytes Wrap(const Bytes& wrapping_key, const Bytes& plain) {
   Bytes wrapped(kWrappedKeySize);
-  WrapKey(Aes256(AesKey(wrapping_key)), AesKey(key),
+  WrapKey(Aes256(AesKey(wrapping_key)), AesKey(plain),
           std::span<uint8_t, kWrappedKeySize>(wrapped));
   return wrapped;
 }
@@ -122,14 +123,14 @@ TEST(Cipher, KeyWrapExampleOfTheStandard) {
   Bytes wrapped = FromHex(
       "28c9f404c4b810f4cbccb35cfb87f8263f5786e2d80ed326cbc7f0e71a99f43b"
       "fb988b9b7a02dd21");
-  EXPECT_EQ(Wrap(kKey, plain), wrapped);
+  EXPECT_EQ(Wrap(ExampleKey(), plain), wrapped);
   Bytes key(kAesKeySize);
-  EXPECT_TRUE(Unwrap(kKey, wrapped, key));
+  EXPECT_TRUE(Unwrap(ExampleKey(), wrapped, key));
   EXPECT_EQ(key, plain);
   for (size_t bit = 0; bit < wrapped.size() * 8; ++bit) {
     const auto flip = static_cast<uint8_t>(1U << bit % 8);
     wrapped[bit / 8] ^= flip;
-    ASSERT_FALSE(Unwrap(kKey, wrapped, key)) << bit;
+    ASSERT_FALSE(Unwrap(ExampleKey(), wrapped, key)) << bit;
     ASSERT_EQ(key, Bytes(kAesKeySize)) << bit;
     wrapped[bit / 8] ^= flip;
   }

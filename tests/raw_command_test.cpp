@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <fstream>
 #include <set>
@@ -21,19 +22,15 @@ namespace {
 using testing::HasSubstr;
 
 constexpr int kWidth = 34, kHeight = 5;
-
-// Dumps whose names tell what they are.
-const std::string kEnd = "_v0.54.07_0007_1_-2.raw";
-const std::string kOutput = "GLOutput_34x5" + kEnd;
-const std::string kLuma = "GLBokeh_34x5" + kEnd;
+constexpr std::ptrdiff_t kPixels = 34 * 5;
 
 class RawCommand : public testing::Test {
  protected:
   RawCommand() {
-    for (const std::string& name : {kOutput, std::string("frame.raw")}) {
+    for (const std::string& name : {output_, std::string("frame.raw")}) {
       WriteBytes(folder_ / name, bytes_);
     }
-    for (const std::string& name : {kLuma, std::string("plane")}) {
+    for (const std::string& name : {luma_, std::string("plane")}) {
       WriteBytes(folder_ / name, grey_);
     }
   }
@@ -52,6 +49,10 @@ class RawCommand : public testing::Test {
     return folder_ / "o.png";
   }
 
+  // Dumps whose names tell what they are.
+  const std::string end_ = "_v0.54.07_0007_1_-2.raw";
+  const std::string output_ = "GLOutput_34x5" + end_;
+  const std::string luma_ = "GLBokeh_34x5" + end_;
   const TemporaryFolder folder_;
   // Of the output four bytes a pixel, of a plane one.
   const std::vector<uint8_t> noise_ = NoisePicture(4 * kWidth, kHeight).rgb;
@@ -63,7 +64,7 @@ class RawCommand : public testing::Test {
 
 TEST_F(RawCommand, ShowsOutputAsColourThroughFullRangeBt601) {
   for (const std::string& arguments :
-       {kOutput, std::string("frame.raw --size 34x5 --kind output")}) {
+       {output_, std::string("frame.raw --size 34x5 --kind output")}) {
     const Picture picture = ReadPicture(Show(arguments));
     ASSERT_EQ(picture.rgb.size(), 3 * grey_.size()) << arguments;
     for (size_t i = 0; i < grey_.size(); ++i) {
@@ -80,7 +81,7 @@ TEST_F(RawCommand, ShowsOutputAsColourThroughFullRangeBt601) {
     }
   }
   // Of a screen as it is.
-  const Picture screen = ReadPicture(Show("--rgb " + kOutput));
+  const Picture screen = ReadPicture(Show("--rgb " + output_));
   for (size_t i = 0; i < grey_.size(); ++i) {
     ASSERT_TRUE(
         std::equal(&bytes_[4 * i], &bytes_[4 * i + 3], &screen.rgb[3 * i]))
@@ -90,13 +91,13 @@ TEST_F(RawCommand, ShowsOutputAsColourThroughFullRangeBt601) {
 
 TEST_F(RawCommand, ShowsBytePlanesAsGreyThatOtherCommandsTake) {
   for (const std::string& arguments :
-       {kLuma, std::string("plane --size 34x5 --kind weights")}) {
+       {luma_, std::string("plane --size 34x5 --kind weights")}) {
     EXPECT_EQ(ReadWeights(Show(arguments)).values, grey_) << arguments;
   }
 }
 
 TEST_F(RawCommand, RefusesContradictionsInOneLineAndTouchesNothing) {
-  const std::string longer = "more_" + kLuma, none = "GLRM_2x2" + kEnd;
+  const std::string longer = "more_" + luma_, none = "GLRM_2x2" + end_;
   WriteBytes(folder_ / longer, bytes_);
   WriteBytes(folder_ / "kept.png", {'o', 'l', 'd'});
   const std::string untold = "frame.raw: the name does not tell size and kind";
@@ -105,9 +106,9 @@ TEST_F(RawCommand, RefusesContradictionsInOneLineAndTouchesNothing) {
       {none, none + ": cannot be opened"},
       {"frame.raw --size 34x5", untold},
       {"frame.raw --kind output", untold},
-      {kOutput + " --size 5x34", "--size 5x34: the name says 34x5"},
-      {kOutput + " --kind luma", "--kind luma: the name says output"},
-      {kLuma + " --rgb", "--rgb: is for output; this is luma"},
+      {output_ + " --size 5x34", "--size 5x34: the name says 34x5"},
+      {output_ + " --kind luma", "--kind luma: the name says output"},
+      {luma_ + " --rgb", "--rgb: is for output; this is luma"},
       {"plane --size 34x5 --kind depth",
        "--kind: depth is not luma, weights or output"},
       {"plane --kind luma --size 34", "--size 34: is not WxH"},
@@ -116,7 +117,7 @@ TEST_F(RawCommand, RefusesContradictionsInOneLineAndTouchesNothing) {
       {"plane --kind luma --size 0x5",
        "--size: 0x5 is not between 1x1 and 8192x8192"},
       {"plane --kind luma --size 8193x1", "--size: 8193x1 is not"},
-      {"GLRM_-1x-1" + kEnd, ": -1x-1 is not between"},
+      {"GLRM_-1x-1" + end_, ": -1x-1 is not between"},
       {"plane --size 34x5 --kind output",
        ": has 170 bytes; output of 34x5 has 680"},
       {longer, ": has 680 bytes; luma of 34x5 has 170"},
