@@ -56,16 +56,6 @@ CASES = [  # name, sizes of the files, calls, log
 ]
 
 
-def arguments():
-    parser = argparse.ArgumentParser(description=__doc__)
-    parser.add_argument("--java", required=True)
-    parser.add_argument("--classes", required=True, type=os.path.abspath)
-    parser.add_argument("--library", required=True, type=os.path.abspath)
-    parser.add_argument("--preload", help="a sanitizer's runtime library")
-    parser.add_argument("--root", help=argparse.SUPPRESS)
-    return parser.parse_args()
-
-
 def run_in_namespace():
     """Runs this script again where it may mount; returns its exit code."""
     for unshare in (["unshare", "-m"], ["unshare", "-rm"]):
@@ -105,60 +95,49 @@ def place_files(sizes):
             os.rmdir(name)
         elif os.path.exists(name):
             os.remove(name)
-        size = sizes.get(name)
+    for name, size in sizes.items():
         if size == FOLDER:
             os.mkdir(name)
-        elif size is not None:
+        else:
             with open(name, "wb") as file:
                 file.truncate(size)
-
-
-def environment(preload):
-    # Java tells on standard error what it takes from these.
-    left_out = ("JAVA_TOOL_OPTIONS", "JDK_JAVA_OPTIONS", "_JAVA_OPTIONS")
-    result = {k: v for k, v in os.environ.items() if k not in left_out}
-    if preload:
-        # The runtime reads its own guard pages, and frees little at its end.
-        result["LD_PRELOAD"] = preload
-        result["ASAN_OPTIONS"] = "detect_leaks=0:handle_segv=0"
-    return result
-
-
-def printed(calls):
-    return [{"init": "initGL"}.get(call, f"{call}GL = 0")
-            for call in calls.split()]
-
-
-def log_of(process, text):
-    """The log's messages; other lines stay as they are, so they are found."""
-    prefix = "E/System.out(%5d): " % process.pid
-    return [re.sub(r"Runtime = \d+ ", "Runtime = N ", line[len(prefix):])
-            if line.startswith(prefix) else line
-            for line in text.splitlines()]
 
 
 def run_case(options, sizes, calls, expected_log):
     """What differs from the expected, as lines; none when all is well."""
     place_files(sizes)
-    command = [options.java, "-Xshare:auto", "-XX:TieredStopAtLevel=1",
-               "-XX:+UseSerialGC", "-Xcheck:jni", "-cp", options.classes, CLASS,
-               options.library, *calls.split()]
+    # Java tells on standard error what it takes from these.
+    left_out = ("JAVA_TOOL_OPTIONS", "JDK_JAVA_OPTIONS", "_JAVA_OPTIONS")
+    environment = {k: v for k, v in os.environ.items() if k not in left_out}
+    if options.preload:
+        # The runtime reads its own guard pages, and frees little at its end.
+        environment.update(LD_PRELOAD=options.preload,
+                           ASAN_OPTIONS="detect_leaks=0:handle_segv=0")
     process = subprocess.Popen(
-        command, env=environment(options.preload), text=True,
+        [options.java, "-Xshare:auto", "-XX:TieredStopAtLevel=1",
+         "-XX:+UseSerialGC", "-Xcheck:jni", "-cp", options.classes, CLASS,
+         options.library, *calls.split()],
+        env=environment, text=True,
         stdout=subprocess.PIPE, stderr=subprocess.PIPE)
     out, err = process.communicate(timeout=60)
-    wrong = []
-    for what, actual, expected in (
-            ("exit code", process.returncode, 0),
-            ("output", out.splitlines(), printed(calls)),
-            ("log", log_of(process, err), expected_log)):
-        if actual != expected:
-            wrong.append(f"  {what}: {actual}\n  expected: {expected}")
-    return wrong
+    log = re.sub(r"Runtime = \d+ ", "Runtime = N ", err).splitlines()
+    prefix = "E/System.out(%5d): " % process.pid
+    printed = [{"init": "initGL"}.get(call, f"{call}GL = 0")
+               for call in calls.split()]
+    return [f"  {actual}\n  expected: {expected}" for actual, expected in (
+        (process.returncode, 0), (out.splitlines(), printed),
+        (log, [prefix + line for line in expected_log]))
+        if actual != expected]
 
 
 def main():
-    options = arguments()
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--java", required=True)
+    parser.add_argument("--classes", required=True, type=os.path.abspath)
+    parser.add_argument("--library", required=True, type=os.path.abspath)
+    parser.add_argument("--preload", help="a sanitizer's runtime library")
+    parser.add_argument("--root", help=argparse.SUPPRESS)
+    options = parser.parse_args()
     if options.root is None:
         return run_in_namespace()
     enter_root(options.root)
