@@ -53,15 +53,12 @@ constexpr std::array<GLenum, 8> kPixelStore = {
     GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_ROWS};
 constexpr std::array<GLenum, 3> kSwitches = {GL_SCISSOR_TEST, GL_DEPTH_TEST,
                                              GL_CULL_FACE};
-constexpr std::array<GLenum, 9> kOthers = {GL_ARRAY_BUFFER_BINDING,
-                                           GL_ELEMENT_ARRAY_BUFFER_BINDING,
-                                           GL_PIXEL_PACK_BUFFER_BINDING,
-                                           GL_PIXEL_UNPACK_BUFFER_BINDING,
-                                           GL_VERTEX_ARRAY_BINDING,
-                                           GL_SCISSOR_BOX,
-                                           GL_DEPTH_FUNC,
-                                           GL_CULL_FACE_MODE,
-                                           GL_COLOR_WRITEMASK};
+constexpr std::array<GLenum, 4> kBindings = {
+    GL_ARRAY_BUFFER_BINDING, GL_ELEMENT_ARRAY_BUFFER_BINDING,
+    GL_PIXEL_PACK_BUFFER_BINDING, GL_PIXEL_UNPACK_BUFFER_BINDING};
+constexpr std::array<GLenum, 5> kOthers = {
+    GL_VERTEX_ARRAY_BINDING, GL_SCISSOR_BOX, GL_DEPTH_FUNC, GL_CULL_FACE_MODE,
+    GL_COLOR_WRITEMASK};
 
 // All of it different from what a new context has. The buffers are too small
 // for a frame.
@@ -94,6 +91,7 @@ std::vector<GLint> ReadState() {
   };
   std::ranges::for_each(kPixelStore, read);
   std::ranges::for_each(kSwitches, read);
+  std::ranges::for_each(kBindings, read);
   std::ranges::for_each(kOthers, read);
   glGetVertexAttribiv(0, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &state.emplace_back());
   glGetVertexAttribiv(0, GL_VERTEX_ATTRIB_ARRAY_STRIDE, &state.emplace_back());

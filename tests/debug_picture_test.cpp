@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -24,10 +25,13 @@ constexpr Size kOutput = {64, 48};
 // Sampled, rounded, and blended in eight bits.
 constexpr Tolerance kBlended = {2, 1.0};
 // All pictures' pixels: noise in all four channels.
-const Bytes kNoise = PatternBytes(Pattern::kNoise, 4 * 64, 48, 3);
+const Bytes& AllNoise() {
+  static const Bytes noise = PatternBytes(Pattern::kNoise, 4 * 64, 48, 3);
+  return noise;
+}
 
 DebugPicture Picture(Size size, DrawRegion region, size_t first_pixel = 0) {
-  return {&kNoise[4 * first_pixel],
+  return {&AllNoise()[4 * first_pixel],
           size.width,
           size.height,
           region.x,
@@ -65,7 +69,7 @@ Bytes DrawnOverTarget(const Table& table, bool blend) {
         uint8_t* at = &image.rgba[4 * static_cast<size_t>(x + 64 * y)];
         for (const double value : {above.r, above.g, above.b, above.a}) {
           const double mixed = 255 * share * value + (1 - share) * *at;
-          *at++ = static_cast<uint8_t>(mixed + 0.5);
+          *at++ = static_cast<uint8_t>(std::lround(mixed));
         }
       }
     }
@@ -113,7 +117,7 @@ TEST_F(DebugPictureTest, EntriesInUseAreLoggedAndLoaded) {
     EXPECT_EQ(RenderFrame(true, false).luma, shown) << "keeps its texture";
   }
   EXPECT_EQ(zuQelRT_GLSetDebugPicture(nullptr), ZUQEL_NULL_POINTER);
-  EXPECT_EQ(loaded[0].pData, kNoise.data()) << "as it was";
+  EXPECT_EQ(loaded[0].pData, AllNoise().data()) << "as it was";
   log_.Take();
   EXPECT_EQ(zuQelRT_GLShowDebugPicture(-7, 2), ZUQEL_SUCCESS);
   EXPECT_EQ(log_.Take(), (Lines{"isShow = -7, isBlending = 2"}));

@@ -3,18 +3,16 @@
 #ifndef TESTS_FRESH_SESSION_H_
 #define TESTS_FRESH_SESSION_H_
 
-#include <android/log.h>
 #include <gtest/gtest.h>
 #include <zuQelRT_GL.h>
 
 #include <algorithm>
 #include <array>
-#include <regex>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "guarded_memory.h"
+#include "log_capture.h"
 #include "test_session.h"
 
 namespace zuqel {
@@ -78,39 +76,27 @@ struct CallerFrame {
   GuardedMemory<uint16_t> depth;
 };
 
-// Every test begins as the process does and can look at the log. Times and the
-// thread, which change from run to run, are shown there as "#", a space at the
-// end of a line as "_". A line that is not an error of "System.out" comes with
-// its priority and tag in front.
+// Every test begins as the process does and can look at the log, where a space
+// at the end of a line is shown as "_".
 class FreshSessionTest : public testing::Test {
  protected:
-  FreshSessionTest() {
-    ResetSession();
-    log_.clear();
-    __android_log_set_logger(&Append);
-  }
-  ~FreshSessionTest() override {
-    __android_log_set_logger(nullptr);
-    zuQelRT_GLClose();
-  }
+  FreshSessionTest() { ResetSession(); }
+  ~FreshSessionTest() override { zuQelRT_GLClose(); }
 
   // The lines since the last call, each with a line feed.
-  static std::string TakeLog() { return std::exchange(log_, {}); }
+  std::string TakeLog() {
+    std::string text;
+    for (std::string& line : log_.Take()) {
+      if (line.ends_with(' ')) line.back() = '_';
+      text += line + "\n";
+    }
+    return text;
+  }
 
   Session& session_ = TheSession();
 
  private:
-  static void Append(const __android_log_message* message) {
-    static const std::regex changing(R"(= \d+(?= \(ms\)|, index))");
-    std::string line = std::regex_replace(message->message, changing, "= #");
-    if (line.ends_with(' ')) line.back() = '_';
-    const std::string origin =
-        std::to_string(message->priority) + "/" + message->tag;
-    if (origin != "6/System.out") line.insert(0, origin + " ");
-    log_ += line + "\n";
-  }
-
-  static inline std::string log_;
+  LogCapture log_;
 };
 
 }  // namespace zuqel

@@ -39,8 +39,12 @@ constexpr std::array kRoles = {BlurHProgram,        BlurVProgram,
                                PlanarYuvPackProgram};
 constexpr size_t kEntries = kRoles.size();
 // The first binary of entry 6 lies unreferenced in front of its twin.
-const std::vector<size_t> kBuildOrder = {0, 1, 2, 3, 4, 6, 6, 5, 7, 8, 9, 10};
-const Entries kAll(kBuildOrder.begin(), kBuildOrder.end());
+constexpr std::array<size_t, 12> kBuildOrder = {0, 1, 2, 3, 4, 6,
+                                                6, 5, 7, 8, 9, 10};
+
+Entries All() {
+  return {kBuildOrder.begin(), kBuildOrder.end()};
+}
 
 void SetWord(std::span<uint8_t> cache, size_t index, int32_t value) {
   std::memcpy(&cache[4 * index], &value, sizeof(value));
@@ -103,7 +107,8 @@ Built Expected(const std::vector<size_t>& order) {
 // The link status of each entry in the order of loading.
 std::string LoadLog(const Entries& loaded) {
   std::string log;
-  for (const size_t entry : {0, 1, 2, 3, 4, 6, 5, 7, 8, 9, 10}) {
+  for (const size_t entry :
+       std::to_array<size_t>({0, 1, 2, 3, 4, 6, 5, 7, 8, 9, 10})) {
     log += loaded.contains(entry) ? "*VX* 1\n*VX* GL_TRUE .\n"
                                   : "*VX* 0\n*VX* GL_FALSE .\n";
   }
@@ -194,11 +199,12 @@ std::vector<CacheRow> CacheRows() {
       std::fill_n(&cache[from], kCacheBytes - from, byte);
     };
   };
-  std::vector<CacheRow> rows = {{"valid", kAll, fill(kCacheBytes - 1, 0)},
-                                {"unused byte", kAll, fill(kCacheBytes - 1, 1)},
-                                {"zeros", {}, fill(0, 0)},
-                                {"binaries of zeros", {}, fill(kHeadBytes, 0)},
-                                {"corrupted", {}, fill(kHeadBytes, 0xA5)}};
+  std::vector<CacheRow> rows = {
+      {"valid", All(), fill(kCacheBytes - 1, 0)},
+      {"unused byte", All(), fill(kCacheBytes - 1, 1)},
+      {"zeros", {}, fill(0, 0)},
+      {"binaries of zeros", {}, fill(kHeadBytes, 0)},
+      {"corrupted", {}, fill(kHeadBytes, 0xA5)}};
   for (const int32_t valid : {2, -1, 1 << 24, kMin}) {
     rows.push_back({std::to_string(valid), {}, [=](auto cache) {
                       SetWord(cache, kValidWord, valid);
@@ -239,10 +245,10 @@ std::vector<CacheRow> CacheRows() {
 TEST_F(ProgramCacheTest, OneGoodEntryIsEnough) {
   const Built fresh = [] {
     const ScopedSession session(SmallInfo(), nullptr);
-    return Expected(kBuildOrder);
+    return Expected({kBuildOrder.begin(), kBuildOrder.end()});
   }();
   const Bytes none(kCacheBytes);
-  const Bytes compiled = Start(nullptr, {22, 11}, kAll, none, "");
+  const Bytes compiled = Start(nullptr, {22, 11}, All(), none, "");
   for (const CacheRow& row : CacheRows()) {
     SCOPED_TRACE(row.name);
     Cache cache(fresh.cache);
@@ -256,7 +262,7 @@ TEST_F(ProgramCacheTest, OneGoodEntryIsEnough) {
     const bool accepted = !row.loaded.empty();
     const Bytes picture =
         accepted ? Start(cache.data(), {0, 0}, row.loaded, expected, log)
-                 : Start(cache.data(), {46, 23}, kAll, none, log + fresh.log);
+                 : Start(cache.data(), {46, 23}, All(), none, log + fresh.log);
     if (row.loaded.size() != 1) {
       EXPECT_EQ(picture, compiled);
     }
@@ -284,6 +290,7 @@ TEST_F(ProgramCacheTest, BuilderStaysInsideTheCache) {
   ASSERT_NE(expected.log.find("FAIL.\nbinaryLength"), std::string::npos);
   ASSERT_TRUE(expected.log.ends_with("FAIL.\n"));
   std::vector<CacheStep> steps;
+  steps.reserve(order.size());
   for (const size_t entry : order) {
     steps.push_back({&SourceOf(kRoles.at(entry)), entry});
   }

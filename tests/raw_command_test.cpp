@@ -22,7 +22,7 @@ namespace {
 using testing::HasSubstr;
 
 constexpr int kWidth = 34, kHeight = 5;
-constexpr std::ptrdiff_t kPixels = 34 * 5;
+constexpr std::ptrdiff_t kPixels{34 * 5};
 
 class RawCommand : public testing::Test {
  protected:
@@ -57,9 +57,8 @@ class RawCommand : public testing::Test {
   // Of the output four bytes a pixel, of a plane one.
   const std::vector<uint8_t> noise_ = NoisePicture(4 * kWidth, kHeight).rgb;
   const std::vector<uint8_t> bytes_{noise_.begin(),
-                                    noise_.begin() + 4 * kWidth* kHeight};
-  const std::vector<uint8_t> grey_{noise_.begin(),
-                                   noise_.begin() + kWidth* kHeight};
+                                    noise_.begin() + 4 * kPixels};
+  const std::vector<uint8_t> grey_{noise_.begin(), noise_.begin() + kPixels};
 };
 
 TEST_F(RawCommand, ShowsOutputAsColourThroughFullRangeBt601) {

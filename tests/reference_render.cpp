@@ -8,8 +8,7 @@
 namespace zuqel::reference {
 namespace {
 
-constexpr Size kHalfBlurred = {640, 480};
-constexpr Size kConversion = {1280, 960};
+constexpr Size kHalfBlurred = {640, 480}, kConversion = {1280, 960};
 constexpr int kNv21 = 0, kPlanar = 2, kPacked = 7;
 
 Rgba operator*(double k, Rgba p) {

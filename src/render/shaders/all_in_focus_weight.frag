@@ -6,7 +6,8 @@ precision highp float;
 #define AllinRatio_BG 30.0        // percent of the background range kept sharp
 #define AllinRatio_BG_alpha 40.0  // percent at which the ramp ends
 
-uniform sampler2D depthTexture;
+// Two 8-bit halves make a 16-bit value: the sample keeps all of its bits.
+uniform highp sampler2D depthTexture;
 uniform sampler2D depthTexture2;  // blurred depth
 uniform float focusPlane;
 uniform float mouseX;

@@ -7,7 +7,8 @@ precision highp float;
 #define uwClearThres1 30.0   // percent: sharp below,
 #define uwClearThres2 70.0   // fully blurred from here on
 
-uniform sampler2D depthTexture;
+// Two 8-bit halves make a 16-bit value: the sample keeps all of its bits.
+uniform highp sampler2D depthTexture;
 uniform sampler2D depthTexture2;  // blurred depth
 uniform float focusPlane;
 uniform float mouseX;
