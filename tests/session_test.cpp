@@ -39,6 +39,7 @@ TEST_F(SessionTest, CameraLayoutChoosesTheRecord) {
     EXPECT_EQ(zuQelRT_GLInitV1(reinterpret_cast<uint8_t*>(records.data()),
                                sizeof(records), nullptr, 0, &info),
               0U);
+    PinDriverLibraries();
     EXPECT_EQ(session_.camera.third, stored % 2 == 0 ? 2.0F : 1.0F);
     zuQelRT_GLClose();
   }
