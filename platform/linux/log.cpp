@@ -2,15 +2,18 @@
 #include <android/log.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 #include <mutex>
-#include <string>
 #include <string_view>
 
 namespace {
+
+constexpr size_t kLongestMessage = 1024;  // as on the device, where it is cut
 
 std::mutex logger_mutex;
 __android_logger_function logger = nullptr;
@@ -28,21 +31,6 @@ void WriteBrief(const __android_log_message& message) {
                                  getpid(), message.message));
 }
 
-std::string Format(const char* format, va_list arguments) {
-  va_list again;
-  va_copy(again, arguments);
-  const int length = std::vsnprintf(nullptr, 0, format, arguments);
-  std::string text;
-  if (length > 0) {
-    // The terminating zero goes into the byte that the string keeps for it.
-    text.resize(static_cast<size_t>(length));
-    static_cast<void>(
-        std::vsnprintf(text.data(), text.size() + 1, format, again));
-  }
-  va_end(again);
-  return text;
-}
-
 }  // namespace
 
 extern "C" {
@@ -51,13 +39,14 @@ extern "C" {
 // NOLINTNEXTLINE(cert-dcl50-cpp)
 int __android_log_print(int prio, const char* tag, const char* fmt, ...) {
   if (prio < minimum_priority) return -EPERM;
+  std::array<char, kLongestMessage> text = {};
   va_list arguments;
   va_start(arguments, fmt);
-  const std::string text = Format(fmt, arguments);
+  static_cast<void>(std::vsnprintf(text.data(), text.size(), fmt, arguments));
   va_end(arguments);
 
   const __android_log_message message = {
-      sizeof(__android_log_message), 0, prio, tag, nullptr, 0, text.c_str()};
+      sizeof(__android_log_message), 0, prio, tag, nullptr, 0, text.data()};
   const std::lock_guard lock(logger_mutex);
   if (logger != nullptr) {
     logger(&message);
