@@ -42,7 +42,7 @@ TEST(LogDeathTest, ShowsWhatIsImportantEnough) {
     std::_Exit(0);
   };
   EXPECT_EXIT(log_and_exit(), testing::ExitedWithCode(0),
-              "^D/x\\( *[0-9]+\\): [.]{5000}\n"
+              "^D/x\\( *[0-9]+\\): [.]{1023}\n"
               "E/System.out\\( *[0-9]+\\): width 640\n$");
 }
 
