@@ -180,7 +180,8 @@ TEST_F(Rendering, PanelRepeatAndLog) {
   const Picture result = ReadPicture(File("o.png"));
   for (int y = 0; y < kHeight; ++y) {
     const uint8_t* row = result.Pixel(0, y);
-    ASSERT_TRUE(std::equal(row, row + 3 * kWidth, panel.Pixel(656, y))) << y;
+    ASSERT_TRUE(std::equal(row, row + size_t{3} * kWidth, panel.Pixel(656, y)))
+        << y;
   }
 }
 
