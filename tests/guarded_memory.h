@@ -32,7 +32,9 @@ class GuardedMemory {
     if (mapping == MAP_FAILED) std::abort();
     mapping_ = static_cast<uint8_t*>(mapping);
     uint8_t* first_page = mapping_ + page;
-    if (mprotect(first_page, used, PROT_READ | PROT_WRITE) != 0) std::abort();
+    if (used > 0 && mprotect(first_page, used, PROT_READ | PROT_WRITE) != 0) {
+      std::abort();
+    }
     span_ = {reinterpret_cast<T*>(first_page + used - bytes), count};
   }
   explicit GuardedMemory(std::span<const T> values)
