@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstring>
-#include <iterator>
+#include <span>
+#include <utility>
 
 #include "base/log.h"
 
@@ -68,11 +70,6 @@ void Rebuild(std::span<uint8_t, kProgramCacheBytes> cache) {
 }
 
 }  // namespace
-
-size_t CacheEntryOf(ProgramRole role) {
-  const auto* entry = std::find(kRoleOfEntry.begin(), kRoleOfEntry.end(), role);
-  return static_cast<size_t>(std::distance(kRoleOfEntry.begin(), entry));
-}
 
 void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
                      ProgramTable& programs) {

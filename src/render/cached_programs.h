@@ -2,16 +2,12 @@
 #ifndef ZUQEL_RENDER_CACHED_PROGRAMS_H_
 #define ZUQEL_RENDER_CACHED_PROGRAMS_H_
 
-#include <cstddef>
 #include <cstdint>
 
 #include "gl/program_cache.h"
 #include "render/shader_catalogue.h"
 
 namespace zuqel {
-
-// Cache entry of each role.
-size_t CacheEntryOf(ProgramRole role);
 
 // Takes the programs from `cache`, 262144 bytes of the caller's, where it is
 // usable; else rebuilds it for the next start and compiles all programs. A null
