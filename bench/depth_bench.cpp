@@ -9,7 +9,7 @@
 #include <random>
 #include <vector>
 
-#include "depth/disparity_holes.h"
+#include "depth/hole_filling.h"
 #include "depth/disparity_range.h"
 
 namespace {

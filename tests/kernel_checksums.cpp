@@ -17,7 +17,7 @@
 
 #include "base/plane.h"
 #include "calib/calibration.h"
-#include "depth/disparity_holes.h"
+#include "depth/hole_filling.h"
 #include "depth/disparity_range.h"
 #include "render/focus_dot.h"
 #include "render/plane_conversion.h"

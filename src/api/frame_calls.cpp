@@ -9,8 +9,8 @@
 #include "api/session.h"
 #include "base/clock.h"
 #include "base/log.h"
-#include "depth/disparity_holes.h"
 #include "depth/disparity_range.h"
+#include "depth/hole_filling.h"
 #include "gl/frame_dump.h"
 #include "gl/gl_state.h"
 #include "render/focus_dot.h"
@@ -85,19 +85,17 @@ FocusPoint FindFocus(const FrameCall& call, const GLInitInfo& info) {
   return *centre;
 }
 
-// Raw disparity under the focus point, 0 outside the map. A zero preview size
-// counts as column or row 0.
+// Raw disparity under the focus point. A zero preview size counts as column or
+// row 0.
 uint16_t FocusDepth(const FrameCall& call, Plane<const uint16_t> depth,
                     ImageSize preview) {
   const auto scale = [](int32_t depth_size, uint32_t focus, int32_t size) {
-    if (size == 0) return uint64_t{0};
-    return uint64_t{static_cast<uint32_t>(depth_size) * focus /
-                    static_cast<uint32_t>(size)};
+    if (size == 0) return uint32_t{0};
+    return static_cast<uint32_t>(depth_size) * focus /
+           static_cast<uint32_t>(size);
   };
-  const uint64_t x = scale(depth.width, call.focus_x, preview.width);
-  const uint64_t y = scale(depth.height, call.focus_y, preview.height);
-  const uint64_t index = x + y * static_cast<uint64_t>(depth.width);
-  return index < depth.size() ? depth.data[index] : uint16_t{0};
+  return zuqel::ValueAt(depth, scale(depth.width, call.focus_x, preview.width),
+                        scale(depth.height, call.focus_y, preview.height));
 }
 
 // Statistics of the disparity map, its holes filled, and its upload. Without a

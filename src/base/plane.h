@@ -28,6 +28,17 @@ struct Plane {
   }
 };
 
+// The value at the linear index x + y * width, which a caller's position means:
+// past a row's end it is in the next row, outside the plane it is 0. `x` and
+// `y` have 32 bits, with or without a sign.
+template <typename T>
+std::remove_const_t<T> ValueAt(Plane<T> plane, int64_t x, int64_t y) {
+  const int64_t index = x + y * plane.width;
+  const bool is_inside =
+      index >= 0 && index < static_cast<int64_t>(plane.size());
+  return is_inside ? plane.data[index] : std::remove_const_t<T>{};
+}
+
 }  // namespace zuqel
 
 #endif  // ZUQEL_BASE_PLANE_H_

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "base/plane.h"
+#include "depth/value_histogram.h"
 
 namespace zuqel {
 
@@ -12,10 +13,7 @@ namespace zuqel {
 // 0..1022, larger is nearer; whatever lies above 1023 counts as 1023.
 inline constexpr uint16_t kInvalidDisparity = 1023;
 
-struct DisparityRange {
-  uint16_t min = 0;
-  uint16_t max = 0;
-};
+using DisparityRange = ValueRange;
 
 // Smallest and largest valid disparity of a map, after `percent` of its pixels
 // have been trimmed from the upper end and then from the lower end. A walk that

@@ -14,6 +14,10 @@ namespace zuqel {
 // neighbour. A map without any valid pixel stays as it is.
 void FillDisparityHoles(Plane<uint16_t> disparity);
 
+// The same for a distance map (16 bits, larger is farther), in which 0 is no
+// measurement.
+void FillDistanceHoles(Plane<uint16_t> distance);
+
 }  // namespace zuqel
 
 #endif  // ZUQEL_DEPTH_DISPARITY_HOLES_H_

@@ -1,5 +1,6 @@
-// Filling of invalid pixels from their neighbours, in two scans.
-#include "depth/disparity_holes.h"
+// Filling of holes from their neighbours, in two scans. `IsHole` is a type that
+// tells the holes of one kind of map.
+#include "depth/hole_filling.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -9,18 +10,22 @@
 namespace zuqel {
 namespace {
 
-constexpr bool IsHole(uint16_t value) {
-  return value >= kInvalidDisparity;
-}
+struct IsInvalidDisparity {
+  bool operator()(uint16_t value) const { return value >= kInvalidDisparity; }
+};
+struct IsNoDistance {
+  bool operator()(uint16_t value) const { return value == 0; }
+};
 
 // Most pixels are valid: holes are looked for in runs of this many. A constant
 // count makes the test of a run a few vector instructions without a branch.
 constexpr int32_t kRun = 32;
 
-inline bool HasHole(const uint16_t* values, int32_t count) {
+template <typename IsHole>
+bool HasHole(const uint16_t* values, int32_t count) {
   uint16_t found = 0;
   for (int32_t x = 0; x < count; ++x) {
-    found = static_cast<uint16_t>(found | (IsHole(values[x]) ? 1 : 0));
+    found = static_cast<uint16_t>(found | (IsHole()(values[x]) ? 1 : 0));
   }
   return found != 0;
 }
@@ -33,14 +38,14 @@ struct Window {
 };
 
 // Fills one hole; false when it has no valid neighbour.
-inline bool FillFrom(Plane<uint16_t> plane, int32_t x, int32_t y,
-                     Window window) {
+template <typename IsHole>
+bool FillFrom(Plane<uint16_t> plane, int32_t x, int32_t y, Window window) {
   uint32_t sum = 0;
   uint32_t count = 0;
   for (int32_t dy = window.top; dy <= window.bottom; ++dy) {
     for (int32_t dx = window.left; dx <= window.right; ++dx) {
       const uint16_t value = plane.row(y + dy)[x + dx];
-      if (IsHole(value)) continue;
+      if (IsHole()(value)) continue;
       sum += value;
       ++count;
     }
@@ -50,21 +55,23 @@ inline bool FillFrom(Plane<uint16_t> plane, int32_t x, int32_t y,
   return true;
 }
 
+template <typename IsHole>
 bool FillHole(Plane<uint16_t> plane, int32_t x, int32_t y) {
   const Window inside = {x > 0 ? -1 : 0, y > 0 ? -1 : 0,
                          x + 1 < plane.width ? 1 : 0,
                          y + 1 < plane.height ? 1 : 0};
   // A constant window turns the loops into straight code.
   constexpr Window kWhole = {-1, -1, 1, 1};
-  return inside == kWhole ? FillFrom(plane, x, y, kWhole)
-                          : FillFrom(plane, x, y, inside);
+  return inside == kWhole ? FillFrom<IsHole>(plane, x, y, kWhole)
+                          : FillFrom<IsHole>(plane, x, y, inside);
 }
 
 // One scan over all pixels, in raster order or in the reverse of it. A hole
 // that gets a value is a valid neighbour from then on, so scanning in place
 // visits the same holes with the same values as a list made beforehand. True
 // when no hole is left.
-bool FillHoles(Plane<uint16_t> plane, bool reverse) {
+template <typename IsHole>
+bool Scan(Plane<uint16_t> plane, bool reverse) {
   const auto place = [reverse](int32_t step, int32_t steps) {
     return reverse ? steps - 1 - step : step;
   };
@@ -75,23 +82,32 @@ bool FillHoles(Plane<uint16_t> plane, bool reverse) {
     for (int32_t begin = 0; begin < plane.width; begin += kRun) {
       const int32_t count = std::min(kRun, plane.width - begin);
       const int32_t first = reverse ? plane.width - begin - count : begin;
-      const bool has_hole = count == kRun ? HasHole(row + first, kRun)
-                                          : HasHole(row + first, count);
+      const bool has_hole = count == kRun ? HasHole<IsHole>(row + first, kRun)
+                                          : HasHole<IsHole>(row + first, count);
       if (!has_hole) continue;
       for (int32_t j = 0; j < count; ++j) {
         const int32_t x = first + place(j, count);
-        if (IsHole(row[x]) && !FillHole(plane, x, y)) filled = false;
+        if (IsHole()(row[x]) && !FillHole<IsHole>(plane, x, y)) filled = false;
       }
     }
   }
   return filled;
 }
 
+template <typename IsHole>
+void FillHoles(Plane<uint16_t> plane) {
+  const bool filled = Scan<IsHole>(plane, /*reverse=*/false);
+  if (!filled) Scan<IsHole>(plane, /*reverse=*/true);
+}
+
 }  // namespace
 
 void FillDisparityHoles(Plane<uint16_t> disparity) {
-  const bool filled = FillHoles(disparity, /*reverse=*/false);
-  if (!filled) FillHoles(disparity, /*reverse=*/true);
+  FillHoles<IsInvalidDisparity>(disparity);
+}
+
+void FillDistanceHoles(Plane<uint16_t> distance) {
+  FillHoles<IsNoDistance>(distance);
 }
 
 }  // namespace zuqel

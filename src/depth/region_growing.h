@@ -1,0 +1,40 @@
+// Edge-aware growing of the region in focus.
+#ifndef ZUQEL_DEPTH_REGION_GROWING_H_
+#define ZUQEL_DEPTH_REGION_GROWING_H_
+
+#include <cstdint>
+
+#include "base/buffer.h"
+#include "base/plane.h"
+#include "depth/focus_mask.h"
+
+namespace zuqel {
+
+struct GrowthLimits {
+  int32_t focus = 0;  // disparity in focus
+  int32_t max = 0;    // trimmed range of the map
+  int32_t min = 0;
+  int32_t background = 0;  // focus - min
+  // Percent of the background range behind the focus: how far the region may
+  // reach, and up to where every pixel is a seed.
+  int32_t grow_limit = 0;
+  int32_t seed_limit = 0;
+};
+
+// Writes 255 for each pixel that is reached from a seed and 0 for the others.
+// From a reached pixel a neighbour is taken when the differences of disparity,
+// of colour (planes 1 and 2) and of brightness (plane 0) between the two, and
+// between the pixel and its mirror neighbour, are likely within tolerances that
+// shrink with the distance behind the focus. Likelihoods are natural logarithms
+// in 1/1024. The region depends on the order of growing: the pixel reached last
+// grows first, its neighbours in the order up, left, right, down. Squares and
+// their multiples wrap at 32 bits.
+// False, with the mask untouched, when there is no memory.
+[[nodiscard]] bool GrowFocusRegion(Plane<const uint16_t> disparity,
+                                   const ThreePlanes& image,
+                                   const GrowthLimits& limits, Buffer& scratch,
+                                   Plane<uint8_t> mask);
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_DEPTH_REGION_GROWING_H_
