@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "image_file.h"
+#include "size.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -18,10 +19,6 @@ namespace fs = std::filesystem;
 bool IsFolder(const fs::path& path) {
   std::error_code ignored;
   return fs::is_directory(path, ignored);
-}
-
-std::string SizeText(int width, int height) {
-  return std::to_string(width) + "x" + std::to_string(height);
 }
 
 fs::path FolderOf(const fs::path& path) {
@@ -79,16 +76,15 @@ fs::path OutputFiles::AddTemporary(const std::string& path,
 }
 
 void OutputFiles::Write(const std::string& path, const Picture& picture) {
-  WritePicture(picture,
-               AddTemporary(path, SizeText(picture.width, picture.height)));
+  WritePicture(picture, AddTemporary(path, ToText(SizeOf(picture))));
 }
 
 void OutputFiles::Write(const std::string& path, const Map<uint8_t>& grey) {
-  WriteGrey(grey, AddTemporary(path, SizeText(grey.width, grey.height)));
+  WriteGrey(grey, AddTemporary(path, ToText(SizeOf(grey))));
 }
 
 void OutputFiles::Write(const std::string& path, const DisparityMap& map) {
-  WriteDisparity(map, AddTemporary(path, SizeText(map.width, map.height)));
+  WriteDisparity(map, AddTemporary(path, ToText(SizeOf(map))));
 }
 
 void OutputFiles::Write(const std::string& path, const Bytes& bytes) {

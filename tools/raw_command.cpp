@@ -7,17 +7,15 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "command.h"
 #include "file_bytes.h"
 #include "image.h"
-#include "image_file.h"
-#include "number_pair.h"
 #include "nv21.h"
 #include "output_files.h"
+#include "size.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -38,36 +36,10 @@ constexpr Kind kWeights = {"weights", "RM", 1};
 constexpr Kind kOutput = {"output", "Output", 4};
 constexpr std::array<const Kind*, 3> kKinds = {&kLuma, &kWeights, &kOutput};
 
-struct Size {
-  bool operator==(const Size&) const = default;
-  int width = 0, height = 0;
-};
-
 struct Dump {
   const Kind* kind = nullptr;
   Size size;
 };
-
-std::string ToText(Size size) {
-  return std::to_string(size.width) + "x" + std::to_string(size.height);
-}
-
-// Nothing when the text is not "WxH".
-std::optional<Size> ParseSize(std::string_view text) {
-  const std::optional<NumberPair> numbers = ParseNumberPair(text, 'x');
-  if (!numbers) return std::nullopt;
-  return Size{numbers->first, numbers->second};
-}
-
-// `source` names the size in the error.
-void CheckSize(const std::string& source, Size size) {
-  if (std::clamp(size.width, 1, kLargestSide) == size.width &&
-      std::clamp(size.height, 1, kLargestSide) == size.height) {
-    return;
-  }
-  throw InputError(source + ": " + ToText(size) + " is not between 1x1 and " +
-                   ToText({kLargestSide, kLargestSide}));
-}
 
 // What the library put into the name; nothing when it did not make the name. A
 // folder property without its slash puts the folder's name in front.
@@ -102,11 +74,7 @@ Dump Identify(const RawOptions& options) {
                      "and --kind");
   }
   Dump dump = named.value_or(Dump{});
-  if (!options.size.empty()) {
-    const std::optional<Size> size = ParseSize(options.size);
-    if (!size) throw InputError("--size " + options.size + ": is not WxH");
-    dump.size = *size;
-  }
+  if (!options.size.empty()) dump.size = ParseSizeOption(options.size);
   if (!options.kind.empty()) dump.kind = KindNamed(options.kind);
   if (named && named->size != dump.size) {
     throw InputError("--size " + options.size + ": the name says " +
