@@ -207,6 +207,60 @@ uint32_t zuQelRT_GLShowDebugPicture(int32_t isShow, int32_t isBlending);
  * null. */
 uint32_t zuQelRT_GLSetDebugPicture(const DebugPicture* table);
 
+/* Refocus maps: one byte a pixel, 0 where the scene stays sharp and 255 where
+ * it is blurred most, as zuQelRT_GLStartV1 takes them. They are made of the
+ * disparity or distance map and a focus point in pixels of that map, for the
+ * sizes of the latest initialisation, between zuQelRT_GenRefocusMap_init and
+ * zuQelRT_GenRefocusMap_Deinit, all on one thread. That may be another thread
+ * than the session's. The two that work on the CPU need no context. */
+
+/* Makes the OpenGL ES objects and buffers of the refocus maps. With `offmode` a
+ * thread without a context is given one. After zuQelRT_GLInitV1_1 with a cache
+ * that loads, the program of zuQelRT_GenRefocusMap_ZU4410_DispartyBase is not
+ * made: its maps are then undefined. */
+uint32_t zuQelRT_GenRefocusMap_init(void);
+
+/* Releases them, and the context that was made. The display is shared: closing
+ * the session and this, in either order, ends the other's context too on
+ * drivers that do not count initialisations. Harmless when there is nothing. */
+uint32_t zuQelRT_GenRefocusMap_Deinit(void);
+
+/* Makes a map on the GPU, its clean-up on the CPU.
+ *
+ * `a_pucDest`: receives WorkWidth x WorkHeight bytes; zeros where there are no
+ * OpenGL ES objects. `a_puwInputDepth`: DepthWidth x DepthHeight values, as in
+ * zuQelRT_GLStartV1HWDepth; holes are filled in place. `x`, `y`: focus point.
+ * `min`, `max`, `focus`: receive the range of the disparities, less 1 % of the
+ * pixels at either end, and the most frequent disparity around the focus point
+ * (0 where there is none); null ones are left out.
+ *
+ * ZUQEL_NULL_POINTER when a map is null; then nothing is written. */
+uint32_t zuQelRT_GenRefocusMap(uint8_t* a_pucDest, uint16_t* a_puwInputDepth,
+                               uint32_t x, int32_t y, uint32_t* min,
+                               uint32_t* max, uint32_t* focus);
+
+/* The same arguments; foreground or background is in focus as a whole, by the
+ * disparity of the very pixel at the focus point, and regions narrower than 9
+ * pixels stay sharp. The range is less 5 % at either end. Like the other two
+ * below it writes its decision to standard output. */
+uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase(uint8_t* a_pucDest,
+                                                   uint16_t* a_puwInputDepth,
+                                                   uint32_t x, int32_t y,
+                                                   uint32_t* min, uint32_t* max,
+                                                   uint32_t* focus);
+
+/* The same on the CPU, with a map of DepthWidth x DepthHeight bytes. */
+uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU(
+    uint8_t* a_pucDest, uint16_t* a_puwInputDepth, uint32_t x, uint32_t y,
+    uint32_t* min, uint32_t* max, uint32_t* focus);
+
+/* The same on the CPU from distances: `distance` is DepthWidth x DepthHeight
+ * values of 16 bits, larger is farther, 0 marks a pixel without measurement
+ * (filled in place); `a_pucDest` receives as many bytes. Null maps give
+ * ZUQEL_SUCCESS and change nothing. */
+uint32_t zuQelRT_GenRefocusMap_Dist(uint8_t* a_pucDest, uint16_t* distance,
+                                    uint32_t x, int32_t y);
+
 #pragma GCC visibility pop
 
 #ifdef __cplusplus

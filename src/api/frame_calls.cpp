@@ -206,10 +206,6 @@ void CountFrame(FrameCounters& counters) {
   counters.frames_at_last_fps_line = counters.frames_since_start;
 }
 
-int ElapsedSince(uint32_t start) {
-  return static_cast<int>(zuqel::MillisecondClock() - start);
-}
-
 // All steps between the checks and the last log line of a call.
 void RenderCall(Session& session, const FrameCall& call) {
   const GLInitInfo& info = session.gInfo;
@@ -232,7 +228,7 @@ void RenderCall(Session& session, const FrameCall& call) {
   }
   ready = ready && UploadFrame(session, frame);
   ZUQEL_LOG("*VX* zuQelRT_GL Preprocess = %d (ms)",
-            ElapsedSince(preprocess_start));
+            zuqel::ElapsedSince(preprocess_start));
   ZUQEL_LOG("ret = 0x%x", ZUQEL_SUCCESS);
 
   const uint32_t refocusing_start = zuqel::MillisecondClock();
@@ -244,7 +240,7 @@ void RenderCall(Session& session, const FrameCall& call) {
 
   CountFrame(session.frame.counters);
   ZUQEL_LOG("*VX* zuQelRT_GL Refocusing = %d (ms)",
-            ElapsedSince(refocusing_start));
+            zuqel::ElapsedSince(refocusing_start));
   session.frame.counters.frame_index += 1;
 }
 
@@ -267,7 +263,7 @@ uint32_t RunFrameCall(FrameCall call) {
   RenderCall(session, call);
   ZUQEL_LOG("%s take = %d (ms)",
             call.from_depth ? "GLStartV1HWDepth" : "GLStartV1",
-            ElapsedSince(start));
+            zuqel::ElapsedSince(start));
   if (!call.from_depth) ZUQEL_LOG("zuQelRT_GLStartV1 -");
   return ZUQEL_SUCCESS;
 }

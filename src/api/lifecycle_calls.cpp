@@ -101,23 +101,18 @@ void DeleteGlObjects(FrameSession& frame) {
   frame.render_context = EGL_NO_CONTEXT;
 }
 
-// The refocus-map buffers, as the log names them.
-struct NamedBuffer {
-  BufferRole role;
-  const char* name;
-};
-constexpr std::array<NamedBuffer, 4> kRefocusMapBuffers = {{
-    {BufferRole::kInputDepthRgbaRm, "pucInputDepthRGBA_RM"},
-    {BufferRole::kWeightMapRm, "WeightMap_buffer_RM"},
-    {BufferRole::kWeightMapCharRm, "WeightMap_buffer_char_RM"},
-    {BufferRole::kLastDepth, "gLastDepth"},
-}};
+// The buffer that the refocus maps make for themselves is not one of these.
+template <typename Action>
+void ForEachSharedBuffer(Action action) {
+  for (const zuqel::NamedBuffer& buffer : zuqel::kRefocusMapBuffers) {
+    if (buffer.role != BufferRole::kBoundaryBlur) action(buffer);
+  }
+}
 
 void LogRefocusMapBuffers(Session& session, const char* event) {
-  for (const NamedBuffer& buffer : kRefocusMapBuffers) {
-    ZUQEL_LOG("%s %s = 0x%x", event, buffer.name,
-              zuqel::Low32(session.buffers[buffer.role].bytes()));
-  }
+  ForEachSharedBuffer([&](const zuqel::NamedBuffer& buffer) {
+    zuqel::LogBuffer(session.buffers, buffer, event);
+  });
 }
 
 // Makes the buffers, before anything that would have to be taken back.
@@ -151,7 +146,9 @@ uint32_t Initialise(const StartCall& call) {
   if (call.info == nullptr) return ZUQEL_NULL_POINTER;
   if (call.start == Start::kCached) {
     LogRefocusMapBuffers(session, "Init pointer status");
-    session.buffers.AbandonRefocusMapBuffers();
+    ForEachSharedBuffer([&](const zuqel::NamedBuffer& buffer) {
+      session.buffers.Abandon(buffer.role);
+    });
   }
 
   session.gInfo = *call.info;
@@ -207,7 +204,7 @@ uint32_t zuQelRT_GLClose() {
   session.QelMode = zuqel::kModeClosed;
   DeleteGlObjects(session.frame);
   session.frame.graphic_buffer.Release();
-  session.buffers.ReleaseAtClose();
+  session.buffers.Release(zuqel::FreedBy::kClose);
   session.frame.weight_rgba.Release();
   session.frame.depth_rgba.Release();
   session.frame.chroma_scratch.Release();

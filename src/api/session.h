@@ -12,11 +12,13 @@
 #include "api/working_buffers.h"
 #include "base/buffer.h"
 #include "calib/calibration.h"
+#include "depth/refocus_refinement.h"
 #include "gl/context.h"
 #include "gl/graphic_buffer.h"
 #include "gl/program_cache.h"
 #include "render/debug_pictures.h"
 #include "render/frame_renderer.h"
+#include "render/refocus_map_renderer.h"
 
 namespace zuqel {
 
@@ -27,7 +29,9 @@ inline constexpr int32_t kModeNeverInitialised = 4;
 
 struct FrameCounters {
   uint32_t dump_number = 0;  // frame calls that reached their end
-  uint32_t frame_index = 0;  // the same, since the last bypass
+  // The same, since the last bypass or end of the refocus maps, which may come
+  // from another thread.
+  std::atomic<uint32_t> frame_index{0};
   uint32_t frames_since_start = 0;
   uint32_t frames_at_last_fps_line = 0;
   uint32_t time_of_last_fps_line = 0;
@@ -44,6 +48,17 @@ struct FrameSession {
   Buffer chroma_scratch;
   DepthStatistics depth_statistics;
   FrameCounters counters;
+};
+
+// What the refocus-map calls keep, beside the named working buffers.
+struct RefocusMapSession {
+  RefocusMapState render;
+  EGLContext render_context = EGL_NO_CONTEXT;  // where its names live
+  ContextSlot context;
+  RefinementScratch refinement;
+  Buffer mask;
+  Buffer quantised;
+  Buffer filter_scratch;
 };
 
 struct Session {
@@ -66,6 +81,7 @@ struct Session {
   WorkingBuffers buffers;
   ProgramCache program_cache;
   FrameSession frame;
+  RefocusMapSession refocus_map;
 
   // Taken by zuQelRT_SetParameter only.
   std::mutex mutex;

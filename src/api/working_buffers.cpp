@@ -1,15 +1,18 @@
 // Sizes and lifetimes of the working buffers, one row each.
 #include "api/working_buffers.h"
 
+#include <algorithm>
 #include <optional>
 #include <utility>
+
+#include "base/log.h"
 
 namespace zuqel {
 namespace {
 
-enum class Extent { kPreview, kWork, kDepth };
+// kWorkAndOne has one pixel more: the disparity-base map reads that far.
+enum class Extent { kPreview, kWork, kWorkAndOne, kDepth, kWorkOrDepth };
 enum class MadeBy { kBothStarts, kCompiledStart, kNobody };
-enum class FreedBy { kClose, kRefocusMapDeinit };
 
 struct BufferRow {
   Extent extent;
@@ -28,22 +31,33 @@ constexpr std::array<BufferRow, static_cast<size_t>(BufferRole::kCount)> kRows =
         {Extent::kWork, 4, MadeBy::kBothStarts, FreedBy::kClose},
         {Extent::kWork, 1, MadeBy::kBothStarts, FreedBy::kClose},
         {Extent::kWork, 1, MadeBy::kBothStarts, FreedBy::kClose},
-        {Extent::kWork, 4, MadeBy::kBothStarts, FreedBy::kRefocusMapDeinit},
-        {Extent::kWork, 1, MadeBy::kBothStarts, FreedBy::kRefocusMapDeinit},
+        {Extent::kWorkAndOne, 4, MadeBy::kBothStarts,
+         FreedBy::kRefocusMapDeinit},
+        {Extent::kWorkAndOne, 1, MadeBy::kBothStarts,
+         FreedBy::kRefocusMapDeinit},
         {Extent::kDepth, 4, MadeBy::kBothStarts, FreedBy::kRefocusMapDeinit},
         {Extent::kDepth, 4, MadeBy::kCompiledStart, FreedBy::kClose},
         {Extent::kDepth, 2, MadeBy::kNobody, FreedBy::kRefocusMapDeinit},
+        {Extent::kWorkOrDepth, 1, MadeBy::kNobody, FreedBy::kRefocusMapDeinit},
     }};
 
 std::optional<size_t> BytesOf(const BufferRow& row, const GLInitInfo& info) {
+  const int32_t pixel = row.bytes_per_pixel;
+  const auto work = ByteCount(info.WorkWidth, info.WorkHeight, pixel);
+  const auto depth = ByteCount(info.DepthWidth, info.DepthHeight, pixel);
   switch (row.extent) {
     case Extent::kPreview:
-      return ByteCount(info.PreviewWidth, info.PreviewHeight,
-                       row.bytes_per_pixel);
+      return ByteCount(info.PreviewWidth, info.PreviewHeight, pixel);
     case Extent::kWork:
-      return ByteCount(info.WorkWidth, info.WorkHeight, row.bytes_per_pixel);
+      return work;
+    case Extent::kWorkAndOne:
+      if (!work) return std::nullopt;
+      return *work + static_cast<size_t>(pixel);
     case Extent::kDepth:
-      return ByteCount(info.DepthWidth, info.DepthHeight, row.bytes_per_pixel);
+      return depth;
+    case Extent::kWorkOrDepth:
+      if (!work || !depth) return std::nullopt;
+      return std::max(*work, *depth);
   }
   return std::nullopt;
 }
@@ -59,25 +73,32 @@ bool WorkingBuffers::Reserve(const GLInitInfo& info, Start start) {
   for (size_t i = 0; i < kRows.size(); ++i) {
     if (!IsMadeAt(kRows[i], start)) continue;
     if (buffers_[i].Reserve(BytesOf(kRows[i], info))) continue;
-    ReleaseAtClose();
+    Release(FreedBy::kClose);
     return false;
   }
   return true;
 }
 
-void WorkingBuffers::AbandonRefocusMapBuffers() {
+bool WorkingBuffers::Reserve(BufferRole role, const GLInitInfo& info) {
+  return (*this)[role].Reserve(BytesOf(kRows[static_cast<size_t>(role)], info));
+}
+
+void WorkingBuffers::Abandon(BufferRole role) {
+  Buffer& buffer = (*this)[role];
+  if (buffer.exists()) abandoned_.push_back(std::exchange(buffer, Buffer()));
+}
+
+void WorkingBuffers::Release(FreedBy by) {
+  abandoned_.clear();
   for (size_t i = 0; i < kRows.size(); ++i) {
-    if (kRows[i].freed_by != FreedBy::kRefocusMapDeinit) continue;
-    if (!buffers_[i].exists()) continue;
-    abandoned_.push_back(std::exchange(buffers_[i], Buffer()));
+    if (kRows[i].freed_by == by) buffers_[i].Release();
   }
 }
 
-void WorkingBuffers::ReleaseAtClose() {
-  abandoned_.clear();
-  for (size_t i = 0; i < kRows.size(); ++i) {
-    if (kRows[i].freed_by == FreedBy::kClose) buffers_[i].Release();
-  }
+void LogBuffer(WorkingBuffers& buffers, const NamedBuffer& buffer,
+               const char* event) {
+  ZUQEL_LOG("%s %s = 0x%x", event, buffer.name,
+            Low32(buffers[buffer.role].bytes()));
 }
 
 }  // namespace zuqel

@@ -25,6 +25,7 @@ enum class BufferRole {
   kInputDepthRgbaRm,
   kDepthRgba2,
   kLastDepth,
+  kBoundaryBlur,
   kCount,
 };
 
@@ -32,19 +33,38 @@ enum class BufferRole {
 // caller's cache.
 enum class Start { kCompiled, kCached };
 
+// Refocus-map buffers outlive a session.
+enum class FreedBy { kClose, kRefocusMapDeinit };
+
+// The refocus-map buffers as the log names them, in the log's order.
+struct NamedBuffer {
+  BufferRole role;
+  const char* name;
+};
+inline constexpr std::array<NamedBuffer, 5> kRefocusMapBuffers = {{
+    {BufferRole::kInputDepthRgbaRm, "pucInputDepthRGBA_RM"},
+    {BufferRole::kWeightMapRm, "WeightMap_buffer_RM"},
+    {BufferRole::kWeightMapCharRm, "WeightMap_buffer_char_RM"},
+    {BufferRole::kBoundaryBlur, "pucRfocusMapBoundaryBlur"},
+    {BufferRole::kLastDepth, "gLastDepth"},
+}};
+
 class WorkingBuffers {
  public:
   // Makes what this start needs and is missing or too small. False when memory
   // does not suffice; then what close frees has been freed.
   [[nodiscard]] bool Reserve(const GLInitInfo& info, Start start);
 
-  // Takes the refocus-map buffers out of use, so that they are made afresh, and
-  // keeps their memory until close.
-  void AbandonRefocusMapBuffers();
+  // Makes one buffer that is missing or too small. False when memory does not
+  // suffice; then it is as it was.
+  [[nodiscard]] bool Reserve(BufferRole role, const GLInitInfo& info);
 
-  // Frees what was abandoned and all but the refocus-map buffers, which outlive
-  // a session.
-  void ReleaseAtClose();
+  // Takes a buffer out of use, so that it is made afresh, and keeps its memory
+  // until close or the end of the refocus maps.
+  void Abandon(BufferRole role);
+
+  // Frees what was abandoned, and the buffers that are freed by this.
+  void Release(FreedBy by);
 
   Buffer& operator[](BufferRole role) {
     return buffers_[static_cast<size_t>(role)];
@@ -54,6 +74,10 @@ class WorkingBuffers {
   std::array<Buffer, static_cast<size_t>(BufferRole::kCount)> buffers_;
   std::vector<Buffer> abandoned_;
 };
+
+// Logs where a buffer is, behind what happens to it.
+void LogBuffer(WorkingBuffers& buffers, const NamedBuffer& buffer,
+               const char* event);
 
 }  // namespace zuqel
 

@@ -17,6 +17,11 @@ inline uint32_t MillisecondClock() {
                                static_cast<uint64_t>(now.tv_usec) / 1000);
 }
 
+// Milliseconds since an earlier reading, for a log line.
+inline int ElapsedSince(uint32_t start) {
+  return static_cast<int>(MillisecondClock() - start);
+}
+
 }  // namespace zuqel
 
 #endif  // ZUQEL_BASE_CLOCK_H_

@@ -54,6 +54,12 @@ struct FramebufferTraits {
 };
 using Framebuffer = GlHandle<FramebufferTraits>;
 
+struct RenderbufferTraits {
+  static void Generate(GLuint* name) { glGenRenderbuffers(1, name); }
+  static void Delete(GLuint name) { glDeleteRenderbuffers(1, &name); }
+};
+using Renderbuffer = GlHandle<RenderbufferTraits>;
+
 struct ShaderTraits {
   static void Delete(GLuint name) { glDeleteShader(name); }
 };

@@ -49,10 +49,17 @@ constexpr std::array<BuildStep, 12> kBuildSteps = {{
     {PlanarYuvPackProgram, 10},
 }};
 
-bool LoadAll(ProgramCacheBytes cache, const BinaryInfo& info,
-             ProgramTable& programs) {
+// The cache's entries of the programs that the map on the GPU needs.
+constexpr std::array<size_t, 3> kRefocusMapLoadOrder = {3, 0, 1};
+static_assert(kRoleOfEntry[3] == DepthWeightProgram &&
+              kRoleOfEntry[0] == BlurHProgram &&
+              kRoleOfEntry[1] == BlurVProgram);
+
+// True when a single one loads.
+bool Load(ProgramCacheBytes cache, const BinaryInfo& info,
+          std::span<const size_t> entries, ProgramTable& programs) {
   GLint loaded = 0;
-  for (const size_t entry : kLoadOrder) {
+  for (const size_t entry : entries) {
     Program program;
     loaded |= LoadProgramBinary(cache, info.entries[entry], program);
     programs.Set(kRoleOfEntry[entry], std::move(program));
@@ -82,12 +89,31 @@ void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
   std::memcpy(&info, cache, sizeof(info));
   std::memcpy(session_cache.copy.bytes(), cache, kProgramCacheBytes);
   ZUQEL_LOG("binaryInfo isValid = %d", info.isValid);
-  if (info.isValid == 1 && LoadAll(bytes, info, programs)) return;
+  if (info.isValid == 1 && Load(bytes, info, kLoadOrder, programs)) return;
 
   std::memset(session_cache.copy.bytes(), 0, kProgramCacheBytes);
   info = {};
   Rebuild(bytes);
   programs.BuildAll();
+}
+
+void PrepareRefocusMapPrograms(const ProgramCache& session_cache,
+                               ProgramTable& programs) {
+  const BinaryInfo& info = session_cache.binaryInfo;
+  ZUQEL_LOG("gbinaryInfo.isValid  = %d", info.isValid);
+  const bool has_cache = info.isValid == 1 && session_cache.copy.exists();
+  if (has_cache) {
+    const ProgramCacheBytes bytes(session_cache.copy.bytes(),
+                                  kProgramCacheBytes);
+    if (Load(bytes, info, kRefocusMapLoadOrder, programs)) return;
+    ZUQEL_LOG("load binary fail");
+  } else {
+    ZUQEL_LOG("create binary");
+    programs.Build(AllInFocusWeightProgram);
+  }
+  programs.Build(DepthWeightProgram);
+  programs.Build(BlurHProgram);
+  programs.Build(BlurVProgram);
 }
 
 }  // namespace zuqel

@@ -17,6 +17,13 @@ namespace zuqel {
 void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
                      ProgramTable& programs);
 
+// Makes the programs of the refocus maps: from the session's copy of a usable
+// cache, else compiled. A copy of which not one of the three programs that the
+// map on the GPU needs loads has them compiled; AllInFocusWeightProgram is not
+// made beside a cache.
+void PrepareRefocusMapPrograms(const ProgramCache& session_cache,
+                               ProgramTable& programs);
+
 }  // namespace zuqel
 
 #endif  // ZUQEL_RENDER_CACHED_PROGRAMS_H_

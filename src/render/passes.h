@@ -19,6 +19,7 @@
 #include <cstdint>
 
 #include "gl/render_targets.h"
+#include "render/pass_draws.h"
 #include "render/quad.h"
 #include "render/shader_catalogue.h"
 
@@ -42,34 +43,12 @@ inline constexpr size_t kInputRefocus = 3;  // weights, or packed disparity
 inline constexpr size_t kInputCount = 10;
 inline constexpr size_t kDebugPictureCount = 10;
 
-struct ImageSize {
-  int32_t width = 0;
-  int32_t height = 0;
-};
-
 // All GL objects of the frame renderer.
 struct RenderState {
   ProgramTable programs;
   RenderTargets targets;
   std::array<Texture, kInputCount> inputs;
   std::array<Texture, kDebugPictureCount> debug_pictures;
-};
-
-// A region of the output in pixels, from the lower left.
-struct DrawRegion {
-  int32_t x = 0;
-  int32_t y = 0;
-  int32_t width = 0;
-  int32_t height = 0;
-};
-
-struct DepthWeightUniforms {
-  float mouse_x = 0;
-  float mouse_y = 0;
-  float focus_plane = 0;
-  float min_depth = 0;
-  float max_depth = 0;
-  float focal_length = 0;
 };
 
 struct CompositeInputs {

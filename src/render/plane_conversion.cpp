@@ -40,9 +40,11 @@ void PackBlocks(const uint8_t* luma, const uint8_t* chroma, size_t blocks,
   }
 }
 
-void UnpackLuma(std::span<const uint32_t> rgba, Plane<uint8_t> luma) {
-  const size_t count = luma.size();
-  for (size_t i = 0; i < count; ++i) luma.data[i] = Red(rgba[i]);
+// Each value in the low bytes of a word.
+template <typename T>
+void Widen(Plane<const T> plane, std::span<uint32_t> words) {
+  const size_t count = plane.size();
+  for (size_t i = 0; i < count; ++i) words[i] = plane.data[i];
 }
 
 // Where the chroma sample of a pixel lies.
@@ -131,8 +133,16 @@ void PackWeights(Plane<const uint8_t> weights, std::span<uint32_t> rgba) {
 }
 
 void PackDepth(Plane<const uint16_t> depth, std::span<uint32_t> rgba) {
-  const size_t count = depth.size();
-  for (size_t i = 0; i < count; ++i) rgba[i] = depth.data[i];
+  Widen(depth, rgba);
+}
+
+void PackRefocusMap(Plane<const uint8_t> map, std::span<uint32_t> rgba) {
+  Widen(map, rgba);
+}
+
+void KeepRed(std::span<const uint32_t> rgba, uint8_t* bytes) {
+  const size_t count = rgba.size();
+  for (size_t i = 0; i < count; ++i) bytes[i] = Red(rgba[i]);
 }
 
 void PackFrame(const Frame& frame, std::span<uint32_t> rgba) {
@@ -155,7 +165,7 @@ void PackFrame(const Frame& frame, std::span<uint32_t> rgba) {
 
 void UnpackFrame(std::span<const uint32_t> rgba, int32_t source_format,
                  const Frame& frame) {
-  UnpackLuma(rgba, frame.luma);
+  KeepRed(rgba.first(frame.luma.size()), frame.luma.data);
   const int32_t block = source_format == kFormatPacked ? 4 : 2;
   if (frame.luma.width % block == 0 && frame.luma.height % block == 0) {
     UnpackWholeBlocks(rgba, source_format, frame);

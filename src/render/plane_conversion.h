@@ -30,6 +30,12 @@ void PackWeights(Plane<const uint8_t> weights, std::span<uint32_t> rgba);
 // Depth d becomes (low byte, high byte, 0, 0).
 void PackDepth(Plane<const uint16_t> depth, std::span<uint32_t> rgba);
 
+// Byte b becomes (b, 0, 0, 0).
+void PackRefocusMap(Plane<const uint8_t> map, std::span<uint32_t> rgba);
+
+// Writes the R byte of each pixel; `bytes` has room for as many.
+void KeepRed(std::span<const uint32_t> rgba, uint8_t* bytes);
+
 // Packs a frame of kFormatPacked into (Y, U, V, 255): four by four pixels share
 // the first two of four chroma bytes, V then U.
 void PackFrame(const Frame& frame, std::span<uint32_t> rgba);

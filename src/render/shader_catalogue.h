@@ -1,4 +1,4 @@
-// The programs of the frame renderer and the shaders each is made of.
+// The programs of frames and refocus maps, and the shaders each is made of.
 #ifndef ZUQEL_RENDER_SHADER_CATALOGUE_H_
 #define ZUQEL_RENDER_SHADER_CATALOGUE_H_
 
@@ -32,6 +32,7 @@ const ProgramSource& SourceOf(ProgramRole role);
 class ProgramTable {
  public:
   void BuildAll();
+  void Build(ProgramRole role) { Set(role, BuildProgram(SourceOf(role))); }
   void Set(ProgramRole role, Program program) {
     programs_[static_cast<size_t>(role)] = std::move(program);
   }

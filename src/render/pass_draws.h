@@ -1,0 +1,79 @@
+// What passes are made of: uniforms, textures, targets, and the draws that the
+// frames and the refocus maps have in common. Needs PlainGlState. Uniforms are
+// set by name at each draw; a name that the compiler has dropped has no
+// location, which GL ignores.
+#ifndef ZUQEL_RENDER_PASS_DRAWS_H_
+#define ZUQEL_RENDER_PASS_DRAWS_H_
+
+#include <GLES2/gl2.h>
+
+#include <cstdint>
+
+#include "render/quad.h"
+
+namespace zuqel {
+
+struct ImageSize {
+  int32_t width = 0;
+  int32_t height = 0;
+};
+
+// A region of the output in pixels, from the lower left.
+struct DrawRegion {
+  int32_t x = 0;
+  int32_t y = 0;
+  int32_t width = 0;
+  int32_t height = 0;
+};
+
+void SetUniform(GLuint program, const char* name, GLint value);
+void SetUniform(GLuint program, const char* name, GLfloat value);
+
+// Binds a texture to a unit and tells a sampler of the program.
+void SetTexture(GLuint program, const char* sampler, GLint unit,
+                GLuint texture);
+
+// Sets the size that shaders step texels by.
+void SetImageSize(GLuint program, ImageSize size);
+
+// A height of 0 counts as 1.
+void SetViewport(DrawRegion region);
+
+// Takes `program` into use and clears a target of `size`.
+void BeginPass(GLuint program, GLuint framebuffer, ImageSize size);
+
+struct DepthWeightUniforms {
+  float mouse_x = 0;
+  float mouse_y = 0;
+  float focus_plane = 0;
+  float min_depth = 0;
+  float max_depth = 0;
+  float focal_length = 0;
+};
+
+// Weights from packed disparity, by DepthWeightProgram or
+// AllInFocusWeightProgram.
+struct DepthWeightDraw {
+  GLuint program = 0;
+  GLuint framebuffer = 0;
+  GLuint depth_texture = 0;
+  ImageSize size;
+};
+void DrawDepthWeight(const DepthWeightDraw& draw,
+                     const DepthWeightUniforms& uniforms);
+
+// One direction of a separable blur, by BlurHProgram or BlurVProgram. `scale`
+// is its reach to either side in texels of an image of `image` pixels.
+struct BlurDraw {
+  GLuint program = 0;
+  GLuint framebuffer = 0;
+  GLuint source_texture = 0;
+  ImageSize viewport;
+  ImageSize image;
+  float scale = 0;
+};
+void DrawBlur(const BlurDraw& draw, const Quad& quad);
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_RENDER_PASS_DRAWS_H_

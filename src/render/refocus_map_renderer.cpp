@@ -1,0 +1,113 @@
+// Targets and passes of the refocus maps.
+#include "render/refocus_map_renderer.h"
+
+#include <GLES2/gl2ext.h>
+
+#include <algorithm>
+#include <cstddef>
+
+#include "gl/texture.h"
+#include "render/plane_conversion.h"
+
+namespace zuqel {
+namespace {
+
+constexpr TextureSampling kRepeated = {GL_LINEAR, GL_REPEAT};
+constexpr float kSofteningScale = 1.0F;
+
+void AttachDepth(GLuint depth_buffer, ImageSize size) {
+  glBindRenderbuffer(GL_RENDERBUFFER, depth_buffer);
+  // Like a texture's, a size that the driver does not have is not handed to it.
+  GLint largest = 0;
+  glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE, &largest);
+  if (size.width <= largest && size.height <= largest) {
+    glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24_OES, size.width,
+                          size.height);
+  }
+  glFramebufferRenderbuffer(GL_FRAMEBUFFER, GL_DEPTH_ATTACHMENT,
+                            GL_RENDERBUFFER, depth_buffer);
+}
+
+void SetUpTarget(const RefocusMapState& state, size_t index, ImageSize size) {
+  const GLuint colour = state.colour_textures[index].get();
+  UploadTexture(colour, GL_RGBA, size.width, size.height, nullptr, kRepeated);
+  glBindFramebuffer(GL_FRAMEBUFFER, state.framebuffers[index].get());
+  glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
+                         colour, 0);
+  AttachDepth(state.depth_buffers[index].get(), size);
+}
+
+// All names but the programs', in the order of their deletion.
+template <typename Action>
+void ForEachImage(RefocusMapState& state, Action action) {
+  action(state.depth_texture);
+  action(state.map_texture);
+  for (Texture& texture : state.colour_textures) action(texture);
+  for (Framebuffer& framebuffer : state.framebuffers) action(framebuffer);
+  for (Renderbuffer& buffer : state.depth_buffers) action(buffer);
+}
+
+}  // namespace
+
+void CreateRefocusMapImages(RefocusMapState& state, ImageSize map_size) {
+  ForEachImage(state, [](auto& image) { image.Generate(); });
+  SetUpTarget(state, 0, map_size);
+  SetUpTarget(state, 1, map_size);
+  glBindFramebuffer(GL_FRAMEBUFFER, 0);
+}
+
+void DeleteRefocusMapState(RefocusMapState& state) {
+  ForEachImage(state, [](auto& image) { image.Delete(); });
+  state.programs.DeleteAll();
+}
+
+void ForgetRefocusMapState(RefocusMapState& state) {
+  ForEachImage(state, [](auto& image) { image.Forget(); });
+  state.programs.Forget();
+}
+
+void UploadRefocusDepth(const RefocusMapState& state,
+                        Plane<const uint16_t> disparity,
+                        std::span<uint32_t> rgba) {
+  PackDepth(disparity, rgba);
+  UploadTexture(state.depth_texture.get(), GL_RGBA, disparity.width,
+                disparity.height, rgba.data(), kRepeated);
+}
+
+void PassRefocusWeights(const RefocusMapState& state, ProgramRole program,
+                        ImageSize map_size,
+                        const DepthWeightUniforms& uniforms) {
+  DrawDepthWeight({state.programs[program], state.framebuffers[0].get(),
+                   state.depth_texture.get(), map_size},
+                  uniforms);
+}
+
+void PassSoftenRefocusMap(const RefocusMapState& state,
+                          Plane<const uint8_t> map, std::span<uint32_t> rgba) {
+  PackRefocusMap(map, rgba);
+  UploadTexture(state.map_texture.get(), GL_RGBA, map.width, map.height,
+                rgba.data(), kRepeated);
+  const ImageSize size = {map.width, map.height};
+  DrawBlur({.program = state.programs[ProgramRole::BlurVProgram],
+            .framebuffer = state.framebuffers[1].get(),
+            .source_texture = state.map_texture.get(),
+            .viewport = size,
+            .image = size,
+            .scale = kSofteningScale},
+           kQuadUpright);
+  DrawBlur({.program = state.programs[ProgramRole::BlurHProgram],
+            .framebuffer = state.framebuffers[0].get(),
+            .source_texture = state.colour_textures[1].get(),
+            .viewport = size,
+            .image = size,
+            .scale = kSofteningScale},
+           kQuadUpright);
+}
+
+void ReadRefocusMap(ImageSize map_size, std::span<uint32_t> rgba) {
+  std::fill(rgba.begin(), rgba.end(), 0U);
+  glReadPixels(0, 0, map_size.width, map_size.height, GL_RGBA, GL_UNSIGNED_BYTE,
+               rgba.data());
+}
+
+}  // namespace zuqel

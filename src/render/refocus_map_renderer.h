@@ -1,0 +1,61 @@
+// Draws refocus maps on the GPU: weights from disparity, and the softening of a
+// map that the CPU has cleaned in between.
+#ifndef ZUQEL_RENDER_REFOCUS_MAP_RENDERER_H_
+#define ZUQEL_RENDER_REFOCUS_MAP_RENDERER_H_
+
+#include <array>
+#include <cstdint>
+#include <span>
+
+#include "base/plane.h"
+#include "gl/gl_handle.h"
+#include "render/pass_draws.h"
+#include "render/shader_catalogue.h"
+
+namespace zuqel {
+
+// All GL objects of the refocus maps. The two targets have the size of the map:
+// RGBA colour and 24-bit depth. The programs are DepthWeightProgram,
+// AllInFocusWeightProgram, BlurHProgram and BlurVProgram.
+struct RefocusMapState {
+  Texture depth_texture;
+  Texture map_texture;
+  std::array<Texture, 2> colour_textures;
+  std::array<Framebuffer, 2> framebuffers;
+  std::array<Renderbuffer, 2> depth_buffers;
+  ProgramTable programs;
+};
+
+// The functions below need PlainGlState; `rgba` is room for one word for each
+// pixel of the map at hand.
+
+// Makes textures and targets; leaves framebuffer 0 bound.
+void CreateRefocusMapImages(RefocusMapState& state, ImageSize map_size);
+
+// Deletes images and programs; their context is current.
+void DeleteRefocusMapState(RefocusMapState& state);
+
+// Lets go of them: their context is gone or not current.
+void ForgetRefocusMapState(RefocusMapState& state);
+
+// Packs disparity and gives it to the depth texture.
+void UploadRefocusDepth(const RefocusMapState& state,
+                        Plane<const uint16_t> disparity,
+                        std::span<uint32_t> rgba);
+
+// Draws the weights of the uploaded disparity. `program` is DepthWeightProgram
+// or AllInFocusWeightProgram.
+void PassRefocusWeights(const RefocusMapState& state, ProgramRole program,
+                        ImageSize map_size,
+                        const DepthWeightUniforms& uniforms);
+
+// Draws `map` blurred by one texel, down and then across.
+void PassSoftenRefocusMap(const RefocusMapState& state,
+                          Plane<const uint8_t> map, std::span<uint32_t> rgba);
+
+// Reads what the last of these passes has drawn; zeros where it could not draw.
+void ReadRefocusMap(ImageSize map_size, std::span<uint32_t> rgba);
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_RENDER_REFOCUS_MAP_RENDERER_H_
