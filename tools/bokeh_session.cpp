@@ -33,14 +33,6 @@ CalibrationRecord PlainCalibration() {
   return record;
 }
 
-void CheckStatus(uint32_t status, const char* call) {
-  if (status == ZUQEL_SUCCESS) return;
-  std::ostringstream message;
-  message << call << " returned 0x" << std::hex << std::setw(4)
-          << std::setfill('0') << status;
-  throw WorkError(message.str());
-}
-
 constexpr FocusRect kNoRect = {0, 0, 0, 0};
 
 // The library reads and writes as many bytes as the session was made for.
@@ -51,6 +43,14 @@ void CheckSize(const char* what, int width, int height, int session_width,
 }
 
 }  // namespace
+
+void CheckStatus(uint32_t status, const char* call) {
+  if (status == ZUQEL_SUCCESS) return;
+  std::ostringstream message;
+  message << call << " returned 0x" << std::hex << std::setw(4)
+          << std::setfill('0') << status;
+  throw WorkError(message.str());
+}
 
 BokehSession::BokehSession(const SessionSetup& setup) : setup_(setup) {
   __system_property_set("persist.zu.LVGLbokeh.FocusDot",

@@ -2,6 +2,8 @@
 #ifndef ZUQEL_TOOLS_BOKEH_SESSION_H_
 #define ZUQEL_TOOLS_BOKEH_SESSION_H_
 
+#include <cstdint>
+
 #include "image.h"
 #include "nv21.h"
 
@@ -19,6 +21,9 @@ struct Focus {
   FocusPoint point;
   float f_number = 1.0F;
 };
+
+// WorkError, which names the library's `call`, when it did not succeed.
+void CheckStatus(uint32_t status, const char* call);
 
 // Off screen, on the calling thread. The members throw WorkError when the
 // library refuses or there is no OpenGL ES to render with.

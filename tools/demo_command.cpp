@@ -12,6 +12,9 @@
 #include "nv21.h"
 #include "output_files.h"
 #include "panel.h"
+#include "refocus_map.h"
+#include "refocus_panel.h"
+#include "size.h"
 
 namespace zuqel::tools {
 namespace {
@@ -64,6 +67,14 @@ std::vector<Picture> RenderShots(const Scene& scene,
   return results;
 }
 
+Picture RefocusPanel(const Scene& scene) {
+  const RefocusMap map =
+      MakeRefocusMap(*GeneratorNamed("gpu"), scene.disparity,
+                     {scene.near_focus, SizeOf(scene.picture)});
+  return MakeRefocusPanel(FalseColour(scene.disparity), map.weights,
+                          &scene.picture, scene.near_focus);
+}
+
 void Run(const std::string& folder) {
   OutputFiles outputs;
   outputs.MakeFolder(folder);
@@ -72,7 +83,9 @@ void Run(const std::string& folder) {
   const std::string picture_path = folder + "/scene.png";
   const std::string disparity_path = folder + "/disparity.png";
   const std::string panel_path = folder + "/panel.png";
-  for (const std::string& path : {picture_path, disparity_path, panel_path}) {
+  const std::string refocus_path = folder + "/refocus_map.png";
+  for (const std::string& path :
+       {picture_path, disparity_path, panel_path, refocus_path}) {
     outputs.Announce(path);
   }
   for (const Shot& shot : shots) outputs.Announce(shot.path);
@@ -86,6 +99,7 @@ void Run(const std::string& folder) {
   outputs.Write(panel_path,
                 MakePanel({scene.picture, FalseColour(scene.disparity),
                            results.front()}));
+  outputs.Write(refocus_path, RefocusPanel(scene));
   outputs.Commit();
 }
 
@@ -101,7 +115,8 @@ Command AddDemoCommand(CLI::App& program) {
       ->required();
   app->footer(
       "Writes the scene (scene.png), its disparity (disparity.png), a result\n"
-      "for each focus and f-number, and a panel of the strongest.\n"
+      "for each focus and f-number, a panel of the strongest, and one of the\n"
+      "refocus map that the GPU makes (refocus_map.png).\n"
       "\n"
       "Example:\n"
       "  zuqel demo -o demo\n"

@@ -50,6 +50,21 @@ Picture FalseColour(const DisparityMap& map) {
   return picture;
 }
 
+Picture FalseColourOfDistance(const DistanceMap& map) {
+  constexpr int kSpan = 4092;
+  int nearest = UINT16_MAX;
+  for (const int value : map.values) {
+    if (value > 0) nearest = std::min(nearest, value);
+  }
+  Picture picture(map.width, map.height);
+  for (size_t i = 0; i < map.values.size(); ++i) {
+    if (map.values[i] == 0) continue;
+    const int behind = std::min(map.values[i] - nearest, kSpan);
+    Paint(kSpan - behind, 0, kSpan, &picture.rgb[3 * i]);
+  }
+  return picture;
+}
+
 Picture FalseColour(const WeightMap& map) {
   Picture picture(map.width, map.height);
   for (size_t i = 0; i < map.values.size(); ++i) {

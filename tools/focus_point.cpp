@@ -8,13 +8,16 @@
 
 namespace zuqel::tools {
 
-FocusPoint ParseFocusPoint(const std::string& text, int width, int height) {
+FocusPoint ParseFocusPoint(const std::string& text, const char* frame,
+                           Size size) {
   const std::optional<NumberPair> numbers = ParseNumberPair(text, ',');
   if (!numbers) throw InputError("--focus " + text + ": is not X,Y in pixels");
   const FocusPoint point = {numbers->first, numbers->second};
-  if (point.x < 0 || point.y < 0 || point.x >= width || point.y >= height) {
-    throw InputError("--focus " + text + ": lies outside the picture of " +
-                     std::to_string(width) + " x " + std::to_string(height));
+  if (point.x < 0 || point.y < 0 || point.x >= size.width ||
+      point.y >= size.height) {
+    throw InputError("--focus " + text + ": lies outside the " + frame +
+                     " of " + std::to_string(size.width) + " x " +
+                     std::to_string(size.height));
   }
   return point;
 }

@@ -5,11 +5,14 @@
 #include <string>
 
 #include "image.h"
+#include "size.h"
 
 namespace zuqel::tools {
 
-// Reads "X,Y", which must lie inside a picture of this size. InputError else.
-FocusPoint ParseFocusPoint(const std::string& text, int width, int height);
+// Reads "X,Y", which must lie inside `frame`, a word for what has this size.
+// InputError else.
+FocusPoint ParseFocusPoint(const std::string& text, const char* frame,
+                           Size size);
 
 }  // namespace zuqel::tools
 

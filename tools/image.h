@@ -51,10 +51,13 @@ struct Map {
 using DisparityMap = Map<uint16_t>;
 constexpr uint16_t kUnknownDisparity = 1023;
 
+// Larger is farther, in any unit; 0 where nothing was measured.
+using DistanceMap = Map<uint16_t>;
+
 // 0 keeps a pixel sharp, 255 blurs it fully.
 using WeightMap = Map<uint8_t>;
 
-// In picture pixels, from the top left.
+// In pixels of a picture or map, from the top left.
 struct FocusPoint {
   int x = 0;
   int y = 0;

@@ -41,6 +41,10 @@ void TakeLibraryLog(bool verbose) {
   __android_log_set_logger(OnLine);
 }
 
+bool LibraryLogIsShown() {
+  return State().verbose;
+}
+
 std::string ContextFailure() {
   return State().context_failure;
 }

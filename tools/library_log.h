@@ -10,6 +10,9 @@ namespace zuqel::tools {
 // error, otherwise none does.
 void TakeLibraryLog(bool verbose);
 
+// Whether it does.
+bool LibraryLogIsShown();
+
 // The log's first line that tells of a failure to make an OpenGL ES context;
 // empty when there is none. The library reports this in no other way.
 std::string ContextFailure();

@@ -20,6 +20,12 @@ void PaintTile(const Picture& source, int width, int left, Picture& panel) {
 
 }  // namespace
 
+Picture Stretch(const Picture& picture, int width, int height) {
+  Picture stretched(width, height);
+  PaintTile(picture, width, 0, stretched);
+  return stretched;
+}
+
 Picture MakePanel(const std::vector<Picture>& pictures) {
   const int width = pictures.front().width;
   const int count = static_cast<int>(pictures.size());

@@ -8,9 +8,11 @@
 
 namespace zuqel::tools {
 
+// Brought to a size by repeating or leaving out pixels.
+Picture Stretch(const Picture& picture, int width, int height);
+
 // One row of tiles on white, each the size of the first picture; the others are
-// brought to that size by repeating or leaving out pixels. `pictures` is not
-// empty.
+// stretched to it. `pictures` is not empty.
 Picture MakePanel(const std::vector<Picture>& pictures);
 
 }  // namespace zuqel::tools

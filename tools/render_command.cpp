@@ -16,13 +16,15 @@
 #include "nv21.h"
 #include "output_files.h"
 #include "panel.h"
+#include "refocus_map.h"
+#include "size.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
 namespace {
 
 struct RenderOptions {
-  std::string image, disparity, weights, focus, output, panel;
+  std::string image, disparity, weights, map_from, focus, output, panel;
   float f_number = 1.0F;
   int repeat = 0;  // 0: once, without a word about the time
   bool focus_dot = false;
@@ -40,6 +42,9 @@ RenderInput ReadInput(const RenderOptions& options) {
   if (options.disparity.empty() == options.weights.empty()) {
     throw InputError("give one of --disparity and --weights");
   }
+  if (!options.map_from.empty() && options.disparity.empty()) {
+    throw InputError("--map-from: goes with --disparity, not with --weights");
+  }
   if (!(options.f_number >= 1.0F && options.f_number <= 10.0F)) {
     throw InputError("--f-number: is not between 1 and 10");
   }
@@ -51,14 +56,24 @@ RenderInput ReadInput(const RenderOptions& options) {
                      std::to_string(height) +
                      " pixels; an even width and height are needed");
   }
-  input.focus = {ParseFocusPoint(options.focus, width, height),
-                 options.f_number};
+  input.focus = {
+      ParseFocusPoint(options.focus, "picture", SizeOf(input.picture)),
+      options.f_number};
   if (options.weights.empty()) {
     input.disparity = ReadDisparity(options.disparity);
   } else {
     input.weights = ReadWeights(options.weights);
   }
   return input;
+}
+
+// Weights of the disparity map's size, which take its place.
+void MakeWeights(const Generator& generator, RenderInput& input) {
+  input.weights =
+      MakeRefocusMap(generator, DepthFor(generator, *input.disparity),
+                     {input.focus.point, SizeOf(input.picture)})
+          .weights;
+  input.disparity.reset();
 }
 
 SessionSetup SetupFor(const RenderInput& input, bool focus_dot) {
@@ -113,11 +128,14 @@ void PrintTimes(const std::vector<double>& times_ms) {
 }
 
 void Run(const RenderOptions& options) {
-  const RenderInput input = ReadInput(options);
+  RenderInput input = ReadInput(options);
   OutputFiles outputs;
   outputs.Announce(options.output);
   if (!options.panel.empty()) outputs.Announce(options.panel);
 
+  if (!options.map_from.empty()) {
+    MakeWeights(*GeneratorNamed(options.map_from), input);
+  }
   std::vector<double> times_ms;
   const Picture result = RenderFrames(input, options, times_ms);
   outputs.Write(options.output, result);
@@ -148,6 +166,11 @@ Command AddRenderCommand(CLI::App& program) {
                   "In its place, 8-bit grey PNG of any size: 0 keeps a pixel\n"
                   "sharp, 255 blurs it fully")
       ->type_name("FILE");
+  app->add_option("--map-from", options->map_from,
+                  "With --disparity, render from the refocus map that this\n"
+                  "generator makes of it; see zuqel refocus-map --help")
+      ->type_name("NAME")
+      ->check(CheckGeneratorName);
   app->add_option("--focus", options->focus, "What is sharp, in picture pixels")
       ->type_name("X,Y")
       ->required();

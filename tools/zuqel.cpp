@@ -42,12 +42,13 @@ int Run(int argc, char** argv) {
   program.name("zuqel");
   program.set_version_flag("--version", Version);
   bool verbose = false;
-  program.add_flag("--verbose", verbose, "Show the library's log lines");
+  program.add_flag("--verbose", verbose, "Show the library's log and output");
   program.require_subcommand(1);
   program.fallthrough();
   program.footer("`zuqel COMMAND --help` tells more, with an example.");
   const std::array commands = {
       zuqel::tools::AddRenderCommand(program),
+      zuqel::tools::AddRefocusMapCommand(program),
       zuqel::tools::AddDemoCommand(program),
       zuqel::tools::AddRawCommand(program),
       zuqel::tools::AddCalibrationCommand(program),

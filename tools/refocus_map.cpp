@@ -1,0 +1,125 @@
+// Refocus maps by each of the library's generators.
+#include "refocus_map.h"
+
+#include <zuQelRT_GL.h>
+
+#include <algorithm>
+#include <array>
+
+#include "bokeh_session.h"
+#include "library_output.h"
+
+namespace zuqel::tools {
+namespace {
+
+uint32_t Unsigned(int coordinate) {
+  return static_cast<uint32_t>(coordinate);
+}
+
+constexpr std::array kGenerators = {
+    Generator{"gpu", "zuQelRT_GenRefocusMap", false, true,
+              [](uint8_t* map, uint16_t* depth, FocusPoint focus,
+                 DisparityRange& range) {
+                return zuQelRT_GenRefocusMap(map, depth, Unsigned(focus.x),
+                                             focus.y, &range.min, &range.max,
+                                             &range.focus);
+              }},
+    Generator{"disparity-base", "zuQelRT_GenRefocusMap_ZU4410_DispartyBase",
+              false, true,
+              [](uint8_t* map, uint16_t* depth, FocusPoint focus,
+                 DisparityRange& range) {
+                return zuQelRT_GenRefocusMap_ZU4410_DispartyBase(
+                    map, depth, Unsigned(focus.x), focus.y, &range.min,
+                    &range.max, &range.focus);
+              }},
+    Generator{"disparity-base-cpu",
+              "zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU", false, false,
+              [](uint8_t* map, uint16_t* depth, FocusPoint focus,
+                 DisparityRange& range) {
+                return zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU(
+                    map, depth, Unsigned(focus.x), Unsigned(focus.y),
+                    &range.min, &range.max, &range.focus);
+              }},
+    Generator{
+        "distance", "zuQelRT_GenRefocusMap_Dist", true, false,
+        [](uint8_t* map, uint16_t* depth, FocusPoint focus, DisparityRange&) {
+          return zuQelRT_GenRefocusMap_Dist(map, depth, Unsigned(focus.x),
+                                            focus.y);
+        }},
+};
+
+// The generators' own part of a session.
+class Resources {
+ public:
+  Resources() {
+    CheckStatus(zuQelRT_GenRefocusMap_init(), "zuQelRT_GenRefocusMap_init");
+  }
+  ~Resources() { zuQelRT_GenRefocusMap_Deinit(); }
+  Resources(const Resources&) = delete;
+  Resources& operator=(const Resources&) = delete;
+};
+
+SessionSetup SetupFor(const Map<uint16_t>& depth, Size size) {
+  SessionSetup setup;
+  setup.picture_width = setup.depth_width = depth.width;
+  setup.picture_height = setup.depth_height = depth.height;
+  setup.work_width = size.width;
+  setup.work_height = size.height;
+  return setup;
+}
+
+// In a unit that uses all of 16 bits; disparities below 4 count as farthest.
+DistanceMap ToDistances(const DisparityMap& disparity) {
+  constexpr int kUnits = 262144;
+  DistanceMap distances(disparity.width, disparity.height);
+  std::transform(disparity.values.begin(), disparity.values.end(),
+                 distances.values.begin(), [](int value) {
+                   if (value == 0 || value >= kUnknownDisparity) return 0;
+                   return std::min((kUnits + value / 2) / value, UINT16_MAX);
+                 });
+  return distances;
+}
+
+}  // namespace
+
+const Generator* GeneratorNamed(const std::string& name) {
+  const auto* const found = std::find_if(
+      kGenerators.begin(), kGenerators.end(),
+      [&](const Generator& generator) { return generator.name == name; });
+  return found == kGenerators.end() ? nullptr : found;
+}
+
+std::string CheckGeneratorName(const std::string& name) {
+  if (GeneratorNamed(name) != nullptr) return {};
+  std::string message = name + " is none of";
+  for (const Generator& generator : kGenerators) {
+    message += std::string(" ") + generator.name;
+  }
+  return message;
+}
+
+RefocusMap MakeRefocusMap(const Generator& generator, Map<uint16_t> depth,
+                          const FramedFocus& focus, std::optional<Size> size) {
+  const Size map_size = size.value_or(SizeOf(depth));
+  const FocusPoint point = {focus.point.x * depth.width / focus.frame.width,
+                            focus.point.y * depth.height / focus.frame.height};
+  const BokehSession session(SetupFor(depth, map_size));
+  const Resources resources;
+  RefocusMap map = {WeightMap(map_size.width, map_size.height), std::nullopt};
+  DisparityRange range;
+  {
+    const LibraryOutput aside;
+    CheckStatus(generator.make(map.weights.values.data(), depth.values.data(),
+                               point, range),
+                generator.call);
+  }
+  if (!generator.of_distances) map.range = range;
+  return map;
+}
+
+Map<uint16_t> DepthFor(const Generator& generator,
+                       const DisparityMap& disparity) {
+  return generator.of_distances ? ToDistances(disparity) : disparity;
+}
+
+}  // namespace zuqel::tools
