@@ -58,6 +58,7 @@ TEST_F(CommandLine, TellsAboutItself) {
       {"--help", "COMMAND --help"},
       {"--version", "zuqel 0.54.07\n"},
       {"render --help", "\n  zuqel render --image "},
+      {"refocus-map --help", "\n  zuqel refocus-map --disparity "},
       {"demo --help", "\n  zuqel demo -o "},
       {"raw --help", "\n  zuqel raw GLOutput_"},
       {"calibration seal --help", "\n  zuqel calibration seal "},
@@ -82,6 +83,7 @@ TEST_F(CommandLine, RefusesBadInputInOneLineAndTouchesNothing) {
   const std::string map = " --disparity d.png" + at, rest = map + " -o o.png";
   const std::string photo = image + "photo.png", to = at + " -o o.png";
   const std::string good = photo + map, renders = good + " -o kept.png";
+  const std::string refocus = "refocus-map" + to + " --generator ";
   const std::vector<std::pair<std::string, const char*>> cases = {
       {"", "subcommand is required"},
       {good, "--output is required"},
@@ -98,6 +100,10 @@ TEST_F(CommandLine, RefusesBadInputInOneLineAndTouchesNothing) {
       {good + " -o none/o.png", "none/o.png: the folder none "},
       {good + " -o /dev/null", "/dev/null: is not a regular file"},
       {good + " -o o.png --panel ./o.png", "./o.png: is given for two outputs"},
+      {photo + " --weights d.png --map-from gpu" + to, "--map-from: goes with"},
+      {refocus + "cpu --disparity d.png", "--generator: cpu is none of gpu "},
+      {refocus + "gpu --distance d.png", "--distance: gpu takes --disparity"},
+      {refocus + "distance --distance d.png --size 9x9", "--size: distance "},
       {"demo -o kept.png", "kept.png: the folder cannot be"},
       {renders, "no OpenGL ES 2.0 to render with: egl"},
   };

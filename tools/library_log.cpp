@@ -31,7 +31,10 @@ void OnLine(const __android_log_message* line) {
   if (state.context_failure.empty() && TellsOfContextFailure(line->message)) {
     state.context_failure = line->message;
   }
-  if (state.verbose) std::cerr << line->tag << ": " << line->message << "\n";
+  if (!state.verbose) return;
+  std::string_view message = line->message;
+  if (message.ends_with('\n')) message.remove_suffix(1);
+  std::cerr << line->tag << ": " << message << "\n";
 }
 
 }  // namespace
