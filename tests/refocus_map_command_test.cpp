@@ -25,7 +25,7 @@ class RefocusMapCommand : public testing::Test {
     }
     WriteDisparity(disparity, folder_ / "d.png");
     const std::string words = Make("gpu --disparity d.png --focus 1,1").err;
-    if (words.find("no OpenGL ES") != words.npos) GTEST_SKIP() << words;
+    if (words.find("no OpenGL ES") != std::string::npos) GTEST_SKIP() << words;
   }
 
   // command_line_test.cpp says why leaks are not looked for.
@@ -81,15 +81,15 @@ TEST_F(RefocusMapCommand, IsSharpAtTheFocusAndPrintsItsOwnLinesOnly) {
 }
 
 TEST_F(RefocusMapCommand, RenderTakesAMapOfEachGenerator) {
-  const std::string focus = " --image photo.png --focus 90,70 ";
-  const std::string disparity = focus + "--disparity d.png ";
+  const std::string rest = " --image photo.png --focus 90,70 --disparity d.png";
+  const std::string one = "render -o 1.png --panel p1.png --map-from ";
+  const std::string two = "render -o 2.png --panel p2.png --weights map.png ";
   for (const std::string name :
        {"gpu", "disparity-base", "disparity-base-cpu", "distance"}) {
     SCOPED_TRACE(name);
-    const std::string one = "render -o 1.png --panel p1.png --map-from ";
-    const std::string two = "render -o 2.png --panel p2.png --weights map.png";
-    EXPECT_EQ(Make(name + disparity + "--panel m.png").err, "");
-    EXPECT_EQ(Run(one + name + disparity).err + Run(two + focus).err, "");
+    const std::string from = name + rest;
+    EXPECT_EQ(Make(from + " --panel m.png").err + Run(one + from).err, "");
+    EXPECT_EQ(Run(two + "--image photo.png --focus 90,70").err, "");
     EXPECT_EQ(ReadBytes(folder_ / "1.png"), ReadBytes(folder_ / "2.png"));
     EXPECT_EQ(ReadBytes(folder_ / "p1.png"), ReadBytes(folder_ / "p2.png"));
     // What is sharp keeps its colours in the panel's last tile.
