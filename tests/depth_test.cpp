@@ -10,8 +10,8 @@
 #include <random>
 #include <vector>
 
-#include "depth/hole_filling.h"
 #include "depth/disparity_range.h"
+#include "depth/hole_filling.h"
 #include "guarded_memory.h"
 
 namespace zuqel {

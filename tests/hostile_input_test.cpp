@@ -8,7 +8,6 @@
 #include <array>
 #include <cmath>
 #include <optional>
-#include <tuple>
 #include <vector>
 
 #include "fresh_session.h"
@@ -28,30 +27,45 @@ constexpr auto kArguments = std::to_array<FrameArguments>(
      {.rect = {kMax - 1, 0, kMax, kMax}, .focus_x = 1U << 31},
      {.rect = {0, 0, 32, 32}, .f_number = -1e30F, .focus_y = kFar}});
 
+// Width and height of the preview, the weights and the depth. The last fill
+// whole pages: guards on both sides.
+using Sizes = std::array<int32_t, 6>;
+constexpr auto kSizes = std::to_array<Sizes>({{0, 5, 0, 4, 4, 0},
+                                              {-1, 5, -1, 4, -1, 4},
+                                              {kMin, 5, 3, kMin, 3, kMin},
+                                              {1, 1, 1, 1, 1, 1},
+                                              {1, 2, 0, 0, 0, 0},
+                                              {2, 1, 0, 5, 5, 0},
+                                              {3, 3, 3, 1, 1, 3},
+                                              {4, 3, 7, 3, 17, 1},
+                                              {5, 7, 33, 17, 9, 5},
+                                              {33, 17, 5, 0, 0, 9},
+                                              {101, 67, 101, 67, 33, 17},
+                                              {1, 1000, 2, 2, 1, 1000},
+                                              {128, 64, 64, 64, 64, 64}});
+
+GLInitInfo InfoOf(const Sizes& sizes, int32_t off_screen, int32_t format) {
+  GLInitInfo info = SmallInfo(off_screen, format);
+  info.PreviewWidth = sizes[0];
+  info.PreviewHeight = sizes[1];
+  info.WorkWidth = sizes[2];
+  info.WorkHeight = sizes[3];
+  info.DepthWidth = sizes[4];
+  info.DepthHeight = sizes[5];
+  return info;
+}
+
 TEST(HostileInput, FramesStayInsideTheirBuffers) {
   __system_property_set("persist.zu.LVGLbokeh.FocusDot", "1");
-  // Width and height of the preview, the weights and the depth. The last fill
-  // whole pages: guards on both sides.
-  using Sizes =
-      std::tuple<int32_t, int32_t, int32_t, int32_t, int32_t, int32_t>;
-  const std::vector<Sizes> rows = {
-      {0, 5, 0, 4, 4, 0},          {-1, 5, -1, 4, -1, 4},
-      {kMin, 5, 3, kMin, 3, kMin}, {1, 1, 1, 1, 1, 1},
-      {1, 2, 0, 0, 0, 0},          {2, 1, 0, 5, 5, 0},
-      {3, 3, 3, 1, 1, 3},          {4, 3, 7, 3, 17, 1},
-      {5, 7, 33, 17, 9, 5},        {33, 17, 5, 0, 0, 9},
-      {101, 67, 101, 67, 33, 17},  {1, 1000, 2, 2, 1, 1000},
-      {128, 64, 64, 64, 64, 64}};
   int turn = 0;
-  for (const Sizes& sizes : rows) {
+  for (const Sizes& sizes : kSizes) {
     // -1: on screen, where the format does not count.
     for (const int32_t format : {0, 2, 7, kMin, -1}) {
       std::optional<CallerContext> caller;
       if (format == -1) caller.emplace(8, 8);
-      GLInitInfo info = SmallInfo(format == -1 ? 0 : 1, format);
-      std::tie(info.PreviewWidth, info.PreviewHeight, info.WorkWidth,
-               info.WorkHeight, info.DepthWidth, info.DepthHeight) = sizes;
-      std::tie(info.OutputWidth, info.OutputHeight) = std::pair(kMax, kMin);
+      GLInitInfo info = InfoOf(sizes, format == -1 ? 0 : 1, format);
+      info.OutputWidth = kMax;
+      info.OutputHeight = kMin;
       info.PortraitMode = ++turn % 2;
       const ScopedSession session(info);
       ASSERT_EQ(session.status(), 0U);
@@ -62,6 +76,57 @@ TEST(HostileInput, FramesStayInsideTheirBuffers) {
         EXPECT_EQ(frame.Render(call), 0U) << turn;
       }
     }
+  }
+}
+
+// Values above 1023, all invalid, and noise; before, between and after the
+// calls that make the GL objects. The last sizes are out of memory: nothing may
+// be touched.
+TEST(HostileInput, RefocusMapsStayInsideTheirBuffers) {
+  using Focus = std::array<uint32_t, 2>;
+  std::vector<Sizes> rows(kSizes.begin(), kSizes.end());
+  rows.push_back({1, 1, 50000, 50000, 50000, 50000});
+  for (const Sizes& sizes : rows) {
+    const GLInitInfo info = InfoOf(sizes, 1, 0);
+    const ScopedSession session(info);
+    const CallerFrame frame(info);
+    const auto fill = [&](uint32_t step) {
+      uint32_t noise = 1;
+      for (uint16_t& value : frame.depth.span()) {
+        value = static_cast<uint16_t>((noise *= 69069) >> 16 | step);
+      }
+    };
+    const GuardedMemory<uint8_t> map(frame.weights.size());
+    const GuardedMemory<uint8_t> small_map(frame.depth.size());
+    const GuardedMemory<uint32_t> out(3);
+    const auto generate = [&](Focus focus, uint32_t step) {
+      const auto [x, y] = focus;
+      const auto signed_y = static_cast<int32_t>(y);
+      uint16_t* depth = frame.depth.data();
+      fill(step);
+      zuQelRT_GenRefocusMap(map.data(), depth, x, signed_y, &out.data()[0],
+                            &out.data()[1], &out.data()[2]);
+      fill(step);
+      zuQelRT_GenRefocusMap_ZU4410_DispartyBase(map.data(), depth, x, signed_y,
+                                                nullptr, nullptr, nullptr);
+      fill(step);
+      zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU(
+          small_map.data(), depth, x, y, &out.data()[2], nullptr, nullptr);
+      fill(step);
+      zuQelRT_GenRefocusMap_Dist(small_map.data(), depth, x, signed_y);
+    };
+    const auto generate_all = [&] {
+      for (const Focus focus : {Focus{0, 0}, Focus{2, 1}, Focus{63, 63},
+                                Focus{kFar, kFar}, Focus{kFar, 1U << 31}}) {
+        for (const uint32_t step : {0U, 1023U}) generate(focus, step);
+      }
+    };
+    generate_all();
+    zuQelRT_GenRefocusMap_init();
+    generate_all();
+    zuQelRT_GenRefocusMap_Deinit();
+    generate({1, 1}, 0);
+    EXPECT_EQ(zuQelRT_GenRefocusMap_Deinit(), 0U);
   }
 }
 

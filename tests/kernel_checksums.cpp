@@ -17,8 +17,8 @@
 
 #include "base/plane.h"
 #include "calib/calibration.h"
-#include "depth/hole_filling.h"
 #include "depth/disparity_range.h"
+#include "depth/hole_filling.h"
 #include "render/focus_dot.h"
 #include "render/plane_conversion.h"
 

@@ -17,8 +17,9 @@ using Lines = std::vector<std::string>;
 
 // Takes the log from its construction on and gives it back at its end; one
 // lives at a time. What changes from run to run is masked: "= 12 (ms)" becomes
-// "= # (ms)" and "tid = 7" becomes "tid = #". A line that is not an error of
-// "System.out" comes with its priority and tag in front.
+// "= # (ms)", so do "take 12 ms" and its like, and "tid = 7" becomes "tid = #".
+// A line that is not an error of "System.out" comes with its priority and tag
+// in front.
 class LogCapture {
  public:
   LogCapture() {
@@ -49,6 +50,9 @@ class LogCapture {
     std::string line = message->message;
     Mask(line, "= ", " (ms)");
     Mask(line, "tid = ", "");
+    Mask(line, "take ", " ms");
+    Mask(line, "takes ", " ms");
+    Mask(line, "take test ", " ms");
     if (message->priority != ANDROID_LOG_ERROR ||
         std::string_view(message->tag) != "System.out") {
       line.insert(0,

@@ -56,6 +56,22 @@ TEST(Memory, IsFlatOverFramesAndSessions) {
       if (!is_kept) std::ranges::fill(cache, uint8_t{0});
     });
   }
+  // Refocus maps whose start is repeated, and which outlive the session.
+  const GuardedMemory<uint8_t> map(frame.weights.size());
+  const auto generate = [&] {
+    zuQelRT_GenRefocusMap(map.data(), frame.depth.data(), 3, 3, nullptr,
+                          nullptr, nullptr);
+    zuQelRT_GenRefocusMap_Dist(map.data(), frame.depth.data(), 3, 3);
+  };
+  expect_flat(10, 50, 64, [&](int) {
+    const ScopedSession refocus_session(info);
+    zuQelRT_GenRefocusMap_init();
+    zuQelRT_GenRefocusMap_init();
+    generate();
+    zuQelRT_GLClose();
+    generate();
+    zuQelRT_GenRefocusMap_Deinit();
+  });
   const ScopedSession session(info);
   // The driver's threads take one block of 64 KiB when it suits them.
   expect_flat(50, 200, 128, render);
