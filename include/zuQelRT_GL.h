@@ -241,15 +241,18 @@ uint32_t zuQelRT_GenRefocusMap(uint8_t* a_pucDest, uint16_t* a_puwInputDepth,
 
 /* The same arguments; foreground or background is in focus as a whole, by the
  * disparity of the very pixel at the focus point, and regions narrower than 9
- * pixels stay sharp. The range is less 5 % at either end. Like the other two
- * below it writes its decision to standard output. */
+ * pixels stay sharp. The range is less 5 % at either end. The GPU takes a
+ * disparity for 256 / 255 of its value. So with the background in focus, where
+ * the ramp begins with a jump just in front of the focus, the focus point
+ * itself comes out blurred; the two on the CPU keep it sharp. */
 uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase(uint8_t* a_pucDest,
                                                    uint16_t* a_puwInputDepth,
                                                    uint32_t x, int32_t y,
                                                    uint32_t* min, uint32_t* max,
                                                    uint32_t* focus);
 
-/* The same on the CPU, with a map of DepthWidth x DepthHeight bytes. */
+/* The same on the CPU, with a map of DepthWidth x DepthHeight bytes. This one
+ * and the next write their decision to standard output. */
 uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU(
     uint8_t* a_pucDest, uint16_t* a_puwInputDepth, uint32_t x, uint32_t y,
     uint32_t* min, uint32_t* max, uint32_t* focus);
