@@ -102,11 +102,12 @@ class RefocusLifecycle : public FreshSessionTest {
     std::string log = "Deinit RefocusMap Gen +\n";
     for (const std::string event : {"deinit ", "deinit after "}) {
       const std::string held = event == "deinit " ? pointer : "0x0";
-      log += event + "pucInputDepthRGBA_RM = " + held + "\n" + event +
-             "WeightMap_buffer_RM = " + held + "\n" + event +
-             "WeightMap_buffer_char_RM = " + held + "\n" + event +
-             "pucRfocusMapBoundaryBlur = " + held + "\n" + event +
-             "gLastDepth = 0x0\n";
+      for (const std::string name :
+           {"pucInputDepthRGBA_RM", "WeightMap_buffer_RM",
+            "WeightMap_buffer_char_RM", "pucRfocusMapBoundaryBlur"}) {
+        log.append(event).append(name).append(" = ").append(held).append("\n");
+      }
+      log.append(event).append("gLastDepth = 0x0\n");
     }
     session_.frame.counters.frame_index = 9;
     TakeLog();
@@ -131,7 +132,7 @@ class RefocusLifecycle : public FreshSessionTest {
     return map[100] == 0 && map[124] == 255;
   }
   static bool MakesZeros(auto generator) {
-    return Generate(generator) == Bytes(32 * 24);
+    return Generate(generator) == Bytes(768);
   }
 
   OtherThread other_;

@@ -46,7 +46,9 @@ Bytes Extreme(const Bytes& in, Size size, bool largest) {
     for (int y = i / size.width - 4; y <= i / size.width + 4; ++y) {
       for (int x = i % size.width - 4; x <= i % size.width + 4; ++x) {
         if (x < 0 || y < 0 || x >= size.width || y >= size.height) continue;
-        near.push_back(in[static_cast<size_t>(x + y * size.width)]);
+        near.push_back(
+            in[static_cast<size_t>(x) +
+               static_cast<size_t>(y) * static_cast<size_t>(size.width)]);
       }
     }
     out.push_back(largest ? *std::ranges::max_element(near)
@@ -85,7 +87,7 @@ class RefocusMap : public FreshSessionTest {
     Values filled = DisparityScene(kDepth.width, kDepth.height, 70, 900);
     const GuardedMemory<uint16_t> disparity{filled};
     const GuardedMemory<uint8_t> result(map.size());
-    EXPECT_EQ(generator(result.data(), disparity.data(), x, y, &out_[0],
+    EXPECT_EQ(generator(result.data(), disparity.data(), x, y, out_.data(),
                         &out_[1], &out_[2]),
               0U);
     std::ranges::copy(result.span(), map.begin());

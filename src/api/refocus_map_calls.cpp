@@ -113,7 +113,7 @@ void WriteStatistics(const DisparityStatistics& statistics,
 class DrawScope {
  public:
   explicit DrawScope(const Session& session) {
-    const EGLContext home = session.refocus_map.render_context;
+    EGLContext home = session.refocus_map.render_context;
     if (home != EGL_NO_CONTEXT && eglGetCurrentContext() == home) {
       plain_state_.emplace();
     }
@@ -312,18 +312,29 @@ void GenerateFromDistance(Session& session, const DistanceCall& call) {
   static_cast<void>(OpenMask(session, mask, mask, call.map));
 }
 
+uint32_t Generate(const DisparityCall& call,
+                  void (*generate)(Session&, const DisparityCall&)) {
+  if (!HasMaps(call)) return ZUQEL_NULL_POINTER;
+  generate(zuqel::TheSession(), call);
+  return ZUQEL_SUCCESS;
+}
+
 }  // namespace
 
 uint32_t zuQelRT_GenRefocusMap(uint8_t* a_pucDest, uint16_t* a_puwInputDepth,
                                uint32_t x, int32_t y, uint32_t* min,
                                uint32_t* max, uint32_t* focus) {
   ZUQEL_LOG("zuQelRT_GenRefocusMap +");
-  const DisparityCall call = {a_pucDest, a_puwInputDepth, x, y, min, max,
-                              focus};
-  if (!HasMaps(call)) return ZUQEL_NULL_POINTER;
-  GenerateRefined(zuqel::TheSession(), call);
-  ZUQEL_LOG("zuQelRT_GenRefocusMap -");
-  return ZUQEL_SUCCESS;
+  const uint32_t status = Generate({.map = a_pucDest,
+                                    .disparity = a_puwInputDepth,
+                                    .x = x,
+                                    .y = y,
+                                    .min = min,
+                                    .max = max,
+                                    .focus = focus},
+                                   GenerateRefined);
+  if (status == ZUQEL_SUCCESS) ZUQEL_LOG("zuQelRT_GenRefocusMap -");
+  return status;
 }
 
 uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase(uint8_t* a_pucDest,
@@ -332,26 +343,38 @@ uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase(uint8_t* a_pucDest,
                                                    uint32_t* min, uint32_t* max,
                                                    uint32_t* focus) {
   const uint32_t start = zuqel::MillisecondClock();
-  const DisparityCall call = {a_pucDest, a_puwInputDepth, x, y, min, max,
-                              focus};
-  if (!HasMaps(call)) return ZUQEL_NULL_POINTER;
-  GenerateDisparityBase(zuqel::TheSession(), call);
-  ZUQEL_LOG("GenRefocusMap_ZU4410_DispartyBase take test %d ms",
-            zuqel::ElapsedSince(start));
-  return ZUQEL_SUCCESS;
+  const uint32_t status = Generate({.map = a_pucDest,
+                                    .disparity = a_puwInputDepth,
+                                    .x = x,
+                                    .y = y,
+                                    .min = min,
+                                    .max = max,
+                                    .focus = focus},
+                                   GenerateDisparityBase);
+  if (status == ZUQEL_SUCCESS) {
+    ZUQEL_LOG("GenRefocusMap_ZU4410_DispartyBase take test %d ms",
+              zuqel::ElapsedSince(start));
+  }
+  return status;
 }
 
 uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU(
     uint8_t* a_pucDest, uint16_t* a_puwInputDepth, uint32_t x, uint32_t y,
     uint32_t* min, uint32_t* max, uint32_t* focus) {
   const uint32_t start = zuqel::MillisecondClock();
-  const DisparityCall call = {a_pucDest, a_puwInputDepth, x, y, min, max,
-                              focus};
-  if (!HasMaps(call)) return ZUQEL_NULL_POINTER;
-  GenerateDisparityBaseCpu(zuqel::TheSession(), call);
-  ZUQEL_LOG("GenRefocusMap_ZU4410_DispartyBase take %d ms",
-            zuqel::ElapsedSince(start));
-  return ZUQEL_SUCCESS;
+  const uint32_t status = Generate({.map = a_pucDest,
+                                    .disparity = a_puwInputDepth,
+                                    .x = x,
+                                    .y = y,
+                                    .min = min,
+                                    .max = max,
+                                    .focus = focus},
+                                   GenerateDisparityBaseCpu);
+  if (status == ZUQEL_SUCCESS) {
+    ZUQEL_LOG("GenRefocusMap_ZU4410_DispartyBase take %d ms",
+              zuqel::ElapsedSince(start));
+  }
+  return status;
 }
 
 uint32_t zuQelRT_GenRefocusMap_Dist(uint8_t* a_pucDest, uint16_t* distance,

@@ -85,9 +85,9 @@ void FocusMaskDisparity(Plane<const uint16_t> disparity,
     return;
   }
   static_cast<void>(std::puts("Focus at FG!"));
-  const uint16_t blurred_below =
+  const auto blurred_below =
       static_cast<uint16_t>(focus - Percent(background, 40));
-  const uint16_t sharp_from =
+  const auto sharp_from =
       static_cast<uint16_t>(focus - Percent(background, 30));
   MapValues(
       disparity, range,
@@ -128,9 +128,8 @@ void FocusMaskDist(Plane<const uint16_t> distance, const FocusRange& range,
     Print("AllinMinDisp", middle);
     return;
   }
-  const uint16_t sharp_to =
-      static_cast<uint16_t>(focus + Percent(background, 20));
-  const uint16_t blurred_above =
+  const auto sharp_to = static_cast<uint16_t>(focus + Percent(background, 20));
+  const auto blurred_above =
       static_cast<uint16_t>(focus + Percent(background, 40));
   MapValues(
       distance, range,
