@@ -18,7 +18,11 @@
 #include "base/plane.h"
 #include "calib/calibration.h"
 #include "depth/disparity_range.h"
+#include "depth/focus_disparity.h"
+#include "depth/focus_mask.h"
 #include "depth/hole_filling.h"
+#include "depth/quantised_distance.h"
+#include "depth/refocus_refinement.h"
 #include "render/focus_dot.h"
 #include "render/plane_conversion.h"
 
@@ -91,8 +95,53 @@ void SumFocusDot(Size size, Trial& trial) {
   }
 }
 
+using DepthMap = Plane<uint16_t>;
+
+void Sum(void (*fill)(DepthMap), DepthMap map, Trial& trial) {
+  fill(map);
+  trial.Add(std::span(map.data, map.size()));
+}
+
+void Sum(ValueRange (*range_of)(Plane<const uint16_t>, int32_t), DepthMap map,
+         Trial& trial) {
+  for (const int32_t percent : {0, 1, 5, 40, 100, -1, INT32_MAX}) {
+    const ValueRange range = range_of(map, percent);
+    trial.Add(std::array{range.min, range.max});
+  }
+}
+
+void Sum(decltype(&GetFocusDisp) focus_of, DepthMap map, Trial& trial) {
+  for (uint16_t at = 0; at < 66; ++at) {
+    trial.Add(std::array{focus_of(map, at, at)});
+  }
+}
+
+void Sum(decltype(&FocusMaskDist) make, DepthMap map, Trial& trial) {
+  std::vector<uint8_t> mask(map.size());
+  for (const uint16_t focus : std::array<uint16_t, 4>{0, 60, 400, 700}) {
+    make(map, {999, 40, focus}, {mask.data(), map.width, map.height});
+    trial.Add(mask);
+  }
+}
+
+// The low bytes of a map are a picture, or a map that is to be refined.
+void Grow(Plane<const uint16_t> map, const FocusRange& range,
+          Plane<uint8_t> mask) {
+  const std::vector<uint8_t> low(map.data, map.data + map.size());
+  Buffer scratch;
+  EXPECT_TRUE(FocusMaskExpansion(map, {low.data(), low.data(), low.data()},
+                                 range, scratch, mask));
+}
+void Refine(Plane<const uint16_t> map, const FocusRange& range,
+            Plane<uint8_t> mask) {
+  const std::vector<uint8_t> low(map.data, map.data + map.size());
+  RefinementScratch scratch;
+  EXPECT_TRUE(RefineRefocusMap({low.data(), map.width, map.height},
+                               {range.focus, 0}, scratch, mask));
+}
+
 // Of maps with runs of like values and runs of holes.
-template <bool kFill>
+template <auto kKernel>
 void SumDisparity(Size size, Trial& trial) {
   for (const uint32_t hole_percent : {10U, 90U}) {
     std::vector<uint16_t> map(size.size());
@@ -105,15 +154,7 @@ void SumDisparity(Size size, Trial& trial) {
         map[i] = static_cast<uint16_t>(base + trial.Below(span));
       }
     }
-    if constexpr (kFill) {
-      FillDisparityHoles(View(map, size));
-      trial.Add(map);
-    } else {
-      for (const int32_t percent : {0, 1, 5, 40, 100, -1, INT32_MAX}) {
-        const DisparityRange range = GetDispRange(View(map, size), percent);
-        trial.Add(std::array{range.min, range.max});
-      }
-    }
+    Sum(kKernel, View(map, size), trial);
   }
 }
 
@@ -167,8 +208,15 @@ constexpr auto kKernels = std::to_array<Kernel>({
     {"UnpackFrame packed", SumFrame<kFormatPacked>},
     {"UnpackFrame other", SumFrame<1>},
     {"DrawFocusDot", SumFocusDot},
-    {"GetDispRange", SumDisparity<false>},
-    {"FillDisparityHoles", SumDisparity<true>},
+    {"GetDispRange", SumDisparity<GetDispRange>},
+    {"FillDisparityHoles", SumDisparity<FillDisparityHoles>},
+    {"GetFocusDisp", SumDisparity<GetFocusDisp>},
+    {"GetQuanDistRange", SumDisparity<GetQuanDistRange>},
+    {"FillDistanceHoles", SumDisparity<FillDistanceHoles>},
+    {"FocusMaskDisparity", SumDisparity<FocusMaskDisparity>},
+    {"FocusMaskDist", SumDisparity<FocusMaskDist>},
+    {"FocusMaskExpansion", SumDisparity<Grow>},
+    {"RefineRefocusMap", SumDisparity<Refine>},
     {"DecodeCalibration", SumDecodeCalibration},
 });
 

@@ -13,6 +13,16 @@ inline int Noise(uint32_t& state) {
   return static_cast<int>(state >> 24);
 }
 
+struct TestRandom {
+  uint64_t state = 1;
+
+  // The next number, 0 to `count` - 1.
+  int operator()(int count) {
+    state = state * 6364136223846793005U + 1442695040888963407U;
+    return static_cast<int>((state >> 33) % static_cast<uint64_t>(count));
+  }
+};
+
 // A scene has blocks with hard edges and flat insides above noise. A mask is
 // noise whose reds are black or white.
 enum class Pattern { kNoise, kMask, kRamp, kScene };

@@ -28,11 +28,11 @@ struct Labelled {
   }
 };
 
-// Makes room for labels and areas of a mask; nothing when there is none. Memory
-// for the labelling itself is taken in time before `out` is written.
+// Makes room for all that labelling a mask needs, before `out` is written.
 bool Reserve(Plane<const uint8_t> mask, CleanupScratch& scratch) {
   return scratch.labels.Reserve(ByteCount(mask.width, mask.height, 4)) &&
-         scratch.areas.Reserve(kLabelLimit * 4);
+         scratch.areas.Reserve(kLabelLimit * 4) &&
+         ReserveLabelling(mask, kLabelLimit, scratch.labelling);
 }
 
 // Sets the pixels `inset` steps inside the border, all around.
@@ -40,7 +40,7 @@ void SetRing(Plane<uint8_t> mask, int32_t inset, uint8_t value) {
   const int32_t right = mask.width - 1 - inset;
   const int32_t bottom = mask.height - 1 - inset;
   if (right < inset || bottom < inset) return;
-  const auto count = static_cast<size_t>(right - inset + 1);
+  const auto count = static_cast<size_t>(right - inset) + 1;
   std::memset(mask.row(inset) + inset, value, count);
   std::memset(mask.row(bottom) + inset, value, count);
   for (int32_t y = inset; y <= bottom; ++y) {

@@ -56,10 +56,18 @@ struct Run {
   uint32_t label;
 };
 
-size_t MostRuns(Plane<const uint8_t> mask) {
-  return (static_cast<size_t>(mask.width) / 2 + 1) *
-         static_cast<size_t>(mask.height);
-}
+// Words of the scratch memory, part by part.
+struct ScratchLayout {
+  size_t labels, rows, runs;
+
+  ScratchLayout(Plane<const uint8_t> mask, size_t label_limit)
+      : labels(std::max(mask.size() + 1, label_limit)),
+        rows(static_cast<size_t>(mask.height)),
+        runs((static_cast<size_t>(mask.width) / 2 + 1) * rows *
+             (sizeof(Run) / 4)) {}
+
+  [[nodiscard]] size_t words() const { return labels + rows + runs; }
+};
 
 // One bit for each of eight pixels, the first in the lowest bit; nothing when a
 // pixel is neither 0 nor 255.
@@ -238,20 +246,26 @@ uint32_t LargestLabel(std::span<const uint32_t> areas) {
 
 }  // namespace
 
+bool ReserveLabelling(Plane<const uint8_t> mask, size_t label_limit,
+                      Buffer& scratch) {
+  const size_t words = ScratchLayout(mask, label_limit).words();
+  return words <= INT32_MAX / 4 && scratch.Reserve(words * 4);
+}
+
 std::optional<uint32_t> LabelComponents(Plane<const uint8_t> mask,
                                         std::span<uint32_t> labels,
                                         std::span<uint32_t> areas,
                                         Buffer& scratch) {
-  const auto rows = static_cast<size_t>(mask.height);
-  const size_t most_labels = std::max(mask.size() + 1, areas.size());
-  const size_t most_runs = MostRuns(mask);
-  const size_t words = most_labels + rows + most_runs * sizeof(Run) / 4;
-  if (words > INT32_MAX / 4 || !scratch.Reserve(words * 4)) return std::nullopt;
-  if (areas.empty()) return 0;
+  if (!ReserveLabelling(mask, areas.size(), scratch)) return std::nullopt;
+  if (areas.empty()) {
+    std::fill(labels.begin(), labels.end(), 0U);
+    return 0;
+  }
+  const ScratchLayout layout(mask, areas.size());
   const std::span<uint32_t> all = scratch.words();
-  const auto parents = all.first(most_labels);
-  const auto run_counts = all.subspan(most_labels, rows);
-  auto* runs = reinterpret_cast<Run*>(all.data() + most_labels + rows);
+  const auto parents = all.first(layout.labels);
+  const auto run_counts = all.subspan(layout.labels, layout.rows);
+  auto* runs = reinterpret_cast<Run*>(all.data() + layout.labels + layout.rows);
 
   std::fill(areas.begin(), areas.end(), 0U);
   LabelSets sets(parents.first(areas.size()));

@@ -1,6 +1,6 @@
 // Filling of pixels that the depth chip could not measure.
-#ifndef ZUQEL_DEPTH_DISPARITY_HOLES_H_
-#define ZUQEL_DEPTH_DISPARITY_HOLES_H_
+#ifndef ZUQEL_DEPTH_HOLE_FILLING_H_
+#define ZUQEL_DEPTH_HOLE_FILLING_H_
 
 #include <cstdint>
 
@@ -20,4 +20,4 @@ void FillDistanceHoles(Plane<uint16_t> distance);
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_DEPTH_DISPARITY_HOLES_H_
+#endif  // ZUQEL_DEPTH_HOLE_FILLING_H_

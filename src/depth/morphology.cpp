@@ -49,6 +49,7 @@ void Windows(uint8_t* units, size_t unit, size_t length, size_t window,
 template <typename Op>
 bool Filter(Plane<const uint8_t> in, uint8_t radius, Buffer& scratch,
             Plane<uint8_t> out) {
+  if (in.size() == 0) return true;
   const int32_t border = 2 * radius;
   const auto width = static_cast<size_t>(in.width);
   const auto height = static_cast<size_t>(in.height);
@@ -60,7 +61,7 @@ bool Filter(Plane<const uint8_t> in, uint8_t radius, Buffer& scratch,
   // Rows as units.
   uint8_t* rows = scratch.bytes();
   std::memset(rows, Op::kNeutral, padding * width);
-  if (in.size() > 0) std::memcpy(rows + padding * width, in.data, in.size());
+  std::memcpy(rows + padding * width, in.data, in.size());
   std::memset(rows + (padding + height) * width, Op::kNeutral, padding * width);
   Windows<Op>(rows, width, height + 2 * padding, window, out.data);
 

@@ -82,6 +82,7 @@ class Growth {
         focus_(std::max(limits.focus, 1)),
         min_(std::max(limits.min, 1)),
         max_(std::max(limits.max, 1)),
+        grow_limit_(std::min(limits.grow_limit, kFullGrowLimit)),
         costs_(reinterpret_cast<int32_t*>(scratch.bytes())),
         stack_(reinterpret_cast<uint32_t*>(scratch.bytes()) + disparity.size()),
         scores_(scratch.bytes() + disparity.size() * 8) {
@@ -149,7 +150,7 @@ class Growth {
       return;
     }
     const size_t q = IndexOf(qx, qy);
-    if (costs_[q] != kNotReached || scores_[q] > limits_.grow_limit) return;
+    if (costs_[q] != kNotReached || scores_[q] > grow_limit_) return;
     const size_t p = IndexOf(x, y);
     const size_t r = IndexOf(std::clamp(x - dx, 0, disparity_.width - 1),
                              std::clamp(y - dy, 0, disparity_.height - 1));
@@ -203,6 +204,7 @@ class Growth {
   int32_t focus_;
   int32_t min_;
   int32_t max_;
+  int32_t grow_limit_;  // beyond the full limit there is no tolerance
   int32_t depth_tolerance_ = 0;
   std::array<Tolerance, kFullGrowLimit + 1> tolerances_ = {};
   int32_t* costs_;
