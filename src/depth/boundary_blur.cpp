@@ -1,34 +1,123 @@
-// Two sweeps over the marked pixels.
+// Two sweeps over the marked pixels, a span of a row at a time, on sums of the
+// seven pixels of each column that are kept up to date.
 #include "depth/boundary_blur.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstring>
+#include <numeric>
 
 namespace zuqel {
 namespace {
 
 constexpr int32_t kReach = 3;
+constexpr int32_t kSide = 2 * kReach + 1;
 constexpr uint8_t kExcluded = 255;
 
-void SmoothPixel(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t x,
-                 int32_t y) {
-  const int32_t left = std::max(x - kReach, 0);
-  const int32_t right = std::min(x + kReach, map.width - 1);
-  const int32_t top = std::max(y - kReach, 0);
-  const int32_t bottom = std::min(y + kReach, map.height - 1);
+// A span's columns, and as many on each side as a window that has moved past
+// the span's end reaches.
+constexpr int32_t kMargin = kReach + 1;
+constexpr int32_t kColumns = 64;
+constexpr int32_t kSpan = kColumns - 2 * kMargin;
+
+// 2^20 / count, rounded up: the product with a sum of up to 255 * count gives
+// the truncated quotient in its upper bits, and fits uint32_t.
+constexpr int32_t kQuotientBits = 20;
+constexpr std::array<uint32_t, kSide* kSide + 1> kReciprocals = [] {
+  std::array<uint32_t, kSide* kSide + 1> reciprocals = {};
+  for (uint32_t count = 1; count < reciprocals.size(); ++count) {
+    reciprocals[count] = ((1U << kQuotientBits) + count - 1) / count;
+  }
+  return reciprocals;
+}();
+
+struct Tally {
   uint32_t sum = 0;
   uint32_t count = 0;
-  for (int32_t row = top; row <= bottom; ++row) {
-    for (int32_t column = left; column <= right; ++column) {
-      const uint32_t counts = marks.row(row)[column] != kExcluded ? 1 : 0;
-      sum += map.row(row)[column] * counts;
-      count += counts;
+};
+
+// Sums and counts of the pixels that count, by column; from `kMargin` columns
+// before the span on. Those outside the image are 0.
+struct Columns {
+  std::array<uint16_t, kColumns> sums = {};
+  std::array<uint16_t, kColumns> counts = {};
+
+  Columns(Plane<const uint8_t> map, Plane<const uint8_t> marks, int32_t begin,
+          int32_t y) {
+    const int32_t left = std::max(begin - kMargin, 0);
+    const int32_t right = std::min(begin - kMargin + kColumns, map.width);
+    const auto first = static_cast<size_t>(left - (begin - kMargin));
+    const auto length = static_cast<size_t>(right - left);
+    const int32_t bottom = std::min(y + kReach, map.height - 1);
+    for (int32_t row = std::max(y - kReach, 0); row <= bottom; ++row) {
+      const uint8_t* values = map.row(row) + left;
+      const uint8_t* excluded = marks.row(row) + left;
+      for (size_t i = 0; i < length; ++i) {
+        const uint8_t kept = excluded[i] == kExcluded ? 0 : kExcluded;
+        sums[first + i] =
+            static_cast<uint16_t>(sums[first + i] + (values[i] & kept));
+        counts[first + i] =
+            static_cast<uint16_t>(counts[first + i] + (kept & 1));
+      }
     }
   }
-  if (count == 0) return;
-  map.row(y)[x] = static_cast<uint8_t>(sum / count);
-  marks.row(y)[x] = 0;
+
+  [[nodiscard]] bool AreEmpty() const {
+    return std::all_of(counts.begin(), counts.end(),
+                       [](uint16_t count) { return count == 0; });
+  }
+
+  // The window around a column.
+  [[nodiscard]] Tally Window(size_t column) const {
+    Tally tally;
+    for (size_t i = column - kReach; i <= column + kReach; ++i) Add(i, tally);
+    return tally;
+  }
+
+  void Add(size_t column, Tally& tally) const {
+    tally.sum += sums[column];
+    tally.count += counts[column];
+  }
+
+  void Remove(size_t column, Tally& tally) const {
+    tally.sum -= sums[column];
+    tally.count -= counts[column];
+  }
+};
+
+// Smooths the marked pixels of row `y` from `begin` up to `end`, at most kSpan,
+// or the other way round.
+template <bool kForward>
+void SmoothSpan(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t begin,
+                int32_t end, int32_t y) {
+  Columns columns(map, marks, begin, y);
+  if (columns.AreEmpty()) return;
+  uint8_t* values = map.row(y) + begin;
+  uint8_t* row_marks = marks.row(y) + begin;
+  const auto length = static_cast<size_t>(end - begin);
+  size_t x = kForward ? 0 : length - 1;
+  Tally window = columns.Window(x + kMargin);
+  for (size_t i = 0; i < length; ++i) {
+    const size_t column = x + kMargin;
+    if (row_marks[x] != 0 && window.count != 0) {
+      const uint8_t kept = row_marks[x] == kExcluded ? 0 : kExcluded;
+      const uint32_t mean =
+          window.sum * kReciprocals[window.count] >> kQuotientBits;
+      const uint32_t change = mean - (values[x] & kept);  // may wrap
+      window.sum += change;
+      window.count += kept == 0 ? 1 : 0;
+      columns.sums[column] =
+          static_cast<uint16_t>(columns.sums[column] + change);
+      columns.counts[column] =
+          static_cast<uint16_t>(columns.counts[column] + (kept == 0 ? 1 : 0));
+      values[x] = static_cast<uint8_t>(mean);
+      row_marks[x] = 0;
+    }
+    columns.Add(kForward ? column + kMargin : column - kMargin, window);
+    columns.Remove(kForward ? column - kReach : column + kReach, window);
+    x += kForward ? 1 : size_t{0} - 1;
+  }
 }
 
 // Most pixels are not marked: eight at a time are passed over.
@@ -48,19 +137,21 @@ void BoundaryBlur(Plane<uint8_t> map, Plane<uint8_t> marks) {
         x += 8;
         continue;
       }
-      if (row[x] != 0) SmoothPixel(map, marks, x, y);
-      ++x;
+      const int32_t end = std::min(x + kSpan, map.width);
+      SmoothSpan<true>(map, marks, x, end, y);
+      x = end;
     }
   }
   for (int32_t y = map.height - 1; y >= 0; --y) {
     const uint8_t* row = marks.row(y);
-    for (int32_t x = map.width - 1; x >= 0;) {
-      if (x >= 7 && !HasMarks(row + x - 7)) {
-        x -= 8;
+    for (int32_t end = map.width; end > 0;) {
+      if (end >= 8 && !HasMarks(row + end - 8)) {
+        end -= 8;
         continue;
       }
-      if (row[x] != 0) SmoothPixel(map, marks, x, y);
-      --x;
+      const int32_t begin = std::max(end - kSpan, 0);
+      SmoothSpan<false>(map, marks, begin, end, y);
+      end = begin;
     }
   }
 }

@@ -223,8 +223,8 @@ class RunLabelling {
       const uint64_t at_column_0 = word == 0 ? set & 1 : 0;
       const uint64_t new_labels = starts & ~above[word] & ~at_column_0;
       const size_t room = label_limit_ - std::min(label_limit_, next_label);
-      const uint64_t seeds = (set & unfolded_[word]) | at_column_0 |
-                             LowestOf(new_labels, room);
+      const uint64_t seeds =
+          (set & unfolded_[word]) | at_column_0 | LowestOf(new_labels, room);
       next_label += Count(new_labels);
       // The carry runs from the first seed of a run to its end and leaves what
       // lies before it as it was.
@@ -284,7 +284,8 @@ class RunWriter {
                       bool has_room, uint32_t* out) {
     size_t done = 0;
     const auto fill_to = [out, has_room, &done](size_t end, uint32_t label) {
-      for (; has_room && done < end; done += 8) std::fill_n(out + done, 8, label);
+      for (; has_room && done < end; done += 8)
+        std::fill_n(out + done, 8, label);
       if (!has_room) std::fill(out + done, out + end, label);
       done = end;
     };
