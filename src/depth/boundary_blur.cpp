@@ -41,31 +41,49 @@ struct Tally {
 // before the span on. Those outside the image are 0.
 struct Columns {
   std::array<uint16_t, kColumns> sums = {};
-  std::array<uint16_t, kColumns> counts = {};
+  std::array<uint8_t, kColumns> counts = {};
 
   Columns(Plane<const uint8_t> map, Plane<const uint8_t> marks, int32_t begin,
           int32_t y) {
     const int32_t left = std::max(begin - kMargin, 0);
     const int32_t right = std::min(begin - kMargin + kColumns, map.width);
-    const auto first = static_cast<size_t>(left - (begin - kMargin));
     const auto length = static_cast<size_t>(right - left);
     const int32_t bottom = std::min(y + kReach, map.height - 1);
     for (int32_t row = std::max(y - kReach, 0); row <= bottom; ++row) {
       const uint8_t* values = map.row(row) + left;
-      const uint8_t* excluded = marks.row(row) + left;
-      for (size_t i = 0; i < length; ++i) {
-        const uint8_t kept = excluded[i] == kExcluded ? 0 : kExcluded;
-        sums[first + i] =
-            static_cast<uint16_t>(sums[first + i] + (values[i] & kept));
-        counts[first + i] =
-            static_cast<uint16_t>(counts[first + i] + (kept & 1));
+      const uint8_t* row_marks = marks.row(row) + left;
+      if (length == kColumns) {
+        AddRow(values, row_marks);
+        continue;
       }
+      const auto first = static_cast<size_t>(left - (begin - kMargin));
+      std::array<uint8_t, kColumns> inside = {};
+      std::array<uint8_t, kColumns> inside_marks;
+      inside_marks.fill(kExcluded);
+      std::memcpy(inside.data() + first, values, length);
+      std::memcpy(inside_marks.data() + first, row_marks, length);
+      AddRow(inside.data(), inside_marks.data());
+    }
+  }
+
+  // One length for all rows: the compiler makes it vectors without a rest.
+  void AddRow(const uint8_t* values, const uint8_t* row_marks) {
+    for (size_t i = 0; i < kColumns; ++i) {
+      const uint8_t kept = row_marks[i] == kExcluded ? 0 : kExcluded;
+      sums[i] = static_cast<uint16_t>(sums[i] + (values[i] & kept));
+      counts[i] = static_cast<uint8_t>(counts[i] + (kept & 1));
     }
   }
 
   [[nodiscard]] bool AreEmpty() const {
-    return std::all_of(counts.begin(), counts.end(),
-                       [](uint16_t count) { return count == 0; });
+    uint8_t any = 0;
+    for (const uint8_t count : counts) any = any | count;
+    return any == 0;
+  }
+
+  void Change(size_t column, uint32_t change, bool is_new) {
+    sums[column] = static_cast<uint16_t>(sums[column] + change);
+    counts[column] = static_cast<uint8_t>(counts[column] + (is_new ? 1 : 0));
   }
 
   // The window around a column.
@@ -101,16 +119,13 @@ void SmoothSpan(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t begin,
   for (size_t i = 0; i < length; ++i) {
     const size_t column = x + kMargin;
     if (row_marks[x] != 0 && window.count != 0) {
-      const uint8_t kept = row_marks[x] == kExcluded ? 0 : kExcluded;
+      const bool is_new = row_marks[x] == kExcluded;
       const uint32_t mean =
           window.sum * kReciprocals[window.count] >> kQuotientBits;
-      const uint32_t change = mean - (values[x] & kept);  // may wrap
+      const uint32_t change = mean - (is_new ? 0U : values[x]);  // may wrap
       window.sum += change;
-      window.count += kept == 0 ? 1 : 0;
-      columns.sums[column] =
-          static_cast<uint16_t>(columns.sums[column] + change);
-      columns.counts[column] =
-          static_cast<uint16_t>(columns.counts[column] + (kept == 0 ? 1 : 0));
+      window.count += is_new ? 1 : 0;
+      columns.Change(column, change, is_new);
       values[x] = static_cast<uint8_t>(mean);
       row_marks[x] = 0;
     }
