@@ -125,7 +125,8 @@ bool FindBits(Plane<const uint8_t> mask, const MaskBits& bits) {
   return strange == 0;
 }
 
-// Gives each run the label of its first pixel, in raster order.
+// Gives each run the label of its first pixel, in raster order. What touches row
+// 0 or column 0 has label 0.
 class RunLabelling {
  public:
   // `run_labels` has one entry before those of the runs; `unfolded` has room
@@ -162,48 +163,52 @@ class RunLabelling {
     return next_label_ + bits_.words * kWordBits / 2 > label_limit_;
   }
 
-  // A run's first pixel decides which label it is given: that of the run above,
-  // or a new one. Runs above that start further on join it. What touches column
-  // 0 has label 0.
   void LabelRow(int32_t y) {
     const size_t row = bits_.row(y);
-    size_t above = last_run_above_;
+    const uint32_t* above = run_labels_ + last_run_above_;
     last_run_above_ = last_run_;
     for (size_t word = 0; word < bits_.words; ++word) {
       const uint64_t up = bits_.bits[row - bits_.words + word];
       const uint64_t up_starts = bits_.starts[row - bits_.words + word];
       const uint64_t set = bits_.bits[row + word];
       const uint64_t starts = bits_.starts[row + word];
-      const size_t last_run = last_run_;
-      uint64_t rest = starts;
-      if (word == 0 && (starts & 1) != 0) {
-        run_labels_[++last_run_] = 0;
-        rest ^= 1;
-      }
-      for (; rest != 0; rest &= rest - 1) {
-        const uint64_t upto = UpToLowest(rest);
-        const uint32_t above_label =
-            run_labels_[above + Count(up_starts & upto)];
-        // Without a branch: noise has no habits to predict.
-        const uint32_t is_new = (up & upto & rest) == 0 ? 1 : 0;
-        sets_.Add(next_label_);
-        run_labels_[++last_run_] =
-            above_label ^ ((above_label ^ next_label_) & (0 - is_new));
-        next_label_ += is_new;
-      }
+      const uint32_t* runs = run_labels_ + last_run_;
+      const bool at_column_0 = word == 0 && (starts & 1) != 0;
+      if (at_column_0) run_labels_[++last_run_] = 0;
+      GiveLabels(starts ^ (at_column_0 ? 1 : 0), up, up_starts, above);
+
+      // Runs above that start further on join the run below them.
       for (uint64_t meets = up_starts & set & ~starts; meets != 0;
            meets &= meets - 1) {
         const uint64_t upto = UpToLowest(meets);
-        sets_.Unite(run_labels_[above + Count(up_starts & upto)],
-                    run_labels_[last_run + Count(starts & upto)]);
+        sets_.Unite(above[Count(up_starts & upto)], runs[Count(starts & upto)]);
       }
       const uint64_t left = Shifted(bits_.bits + row, word);
       for (uint64_t splits = starts & left; splits != 0; splits &= splits - 1) {
-        const size_t run = last_run + Count(starts & UpToLowest(splits));
-        sets_.Unite(run_labels_[run - 1], run_labels_[run]);
+        const size_t run = Count(starts & UpToLowest(splits));
+        sets_.Unite(runs[run - 1], runs[run]);
       }
       above += Count(up_starts);
     }
+  }
+
+  // A run's first pixel decides which label it is given: that of the run above,
+  // of those after `above`, or a new one.
+  void GiveLabels(uint64_t starts, uint64_t up, uint64_t up_starts,
+                  const uint32_t* above) {
+    uint32_t next_label = next_label_;
+    uint32_t* run_label = run_labels_ + last_run_;
+    for (; starts != 0; starts &= starts - 1) {
+      const uint64_t upto = UpToLowest(starts);
+      const uint32_t above_label = above[Count(up_starts & upto)];
+      // Without a branch: noise has no habits to predict.
+      const uint32_t is_new = (up & upto & starts) == 0 ? 1 : 0;
+      sets_.Add(next_label);
+      *++run_label = above_label ^ ((above_label ^ next_label) & (0 - is_new));
+      next_label += is_new;
+    }
+    next_label_ = next_label;
+    last_run_ = static_cast<size_t>(run_label - run_labels_);
   }
 
   // Pixel by pixel, a label at or above the limit is handed on, up to the first
