@@ -37,6 +37,27 @@ struct Tally {
   uint32_t count = 0;
 };
 
+uint64_t EightMarks(const uint8_t* marks) {
+  uint64_t eight = 0;
+  std::memcpy(&eight, marks, sizeof(eight));
+  return eight;
+}
+
+// Whether no pixel from `begin` up to `end` in the rows that windows around row
+// `y` reach counts.
+bool AllAreExcluded(Plane<const uint8_t> marks, int32_t begin, int32_t end,
+                    int32_t y) {
+  const int32_t bottom = std::min(y + kReach, marks.height - 1);
+  for (int32_t row = std::max(y - kReach, 0); row <= bottom; ++row) {
+    uint64_t all = UINT64_MAX;
+    int32_t x = begin;
+    for (; x + 8 <= end; x += 8) all &= EightMarks(marks.row(row) + x);
+    for (; x < end; ++x) all &= marks.row(row)[x] * 0x0101010101010101U;
+    if (all != UINT64_MAX) return false;
+  }
+  return true;
+}
+
 // Sums and counts of the pixels that count, by column; from `kMargin` columns
 // before the span on. Those outside the image are 0.
 struct Columns {
@@ -75,12 +96,6 @@ struct Columns {
     }
   }
 
-  [[nodiscard]] bool AreEmpty() const {
-    uint8_t any = 0;
-    for (const uint8_t count : counts) any = any | count;
-    return any == 0;
-  }
-
   void Change(size_t column, uint32_t change, bool is_new) {
     sums[column] = static_cast<uint16_t>(sums[column] + change);
     counts[column] = static_cast<uint8_t>(counts[column] + (is_new ? 1 : 0));
@@ -109,8 +124,12 @@ struct Columns {
 template <bool kForward>
 void SmoothSpan(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t begin,
                 int32_t end, int32_t y) {
+  // A column more than windows reach, on both sides: whole words.
+  if (AllAreExcluded(marks, std::max(begin - kMargin, 0),
+                     std::min(begin - kMargin + kColumns, map.width), y)) {
+    return;
+  }
   Columns columns(map, marks, begin, y);
-  if (columns.AreEmpty()) return;
   uint8_t* values = map.row(y) + begin;
   uint8_t* row_marks = marks.row(y) + begin;
   const auto length = static_cast<size_t>(end - begin);
@@ -135,20 +154,14 @@ void SmoothSpan(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t begin,
   }
 }
 
-// Most pixels are not marked: eight at a time are passed over.
-bool HasMarks(const uint8_t* marks) {
-  uint64_t eight = 0;
-  std::memcpy(&eight, marks, sizeof(eight));
-  return eight != 0;
-}
-
 }  // namespace
 
+// Most pixels are not marked: eight at a time are passed over.
 void BoundaryBlur(Plane<uint8_t> map, Plane<uint8_t> marks) {
   for (int32_t y = 0; y < map.height; ++y) {
     const uint8_t* row = marks.row(y);
     for (int32_t x = 0; x < map.width;) {
-      if (x + 8 <= map.width && !HasMarks(row + x)) {
+      if (x + 8 <= map.width && EightMarks(row + x) == 0) {
         x += 8;
         continue;
       }
@@ -160,7 +173,7 @@ void BoundaryBlur(Plane<uint8_t> map, Plane<uint8_t> marks) {
   for (int32_t y = map.height - 1; y >= 0; --y) {
     const uint8_t* row = marks.row(y);
     for (int32_t end = map.width; end > 0;) {
-      if (end >= 8 && !HasMarks(row + end - 8)) {
+      if (end >= 8 && EightMarks(row + end - 8) == 0) {
         end -= 8;
         continue;
       }
