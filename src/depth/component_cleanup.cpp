@@ -40,7 +40,7 @@ void SetRing(Plane<uint8_t> mask, int32_t inset, uint8_t value) {
   const int32_t right = mask.width - 1 - inset;
   const int32_t bottom = mask.height - 1 - inset;
   if (right < inset || bottom < inset) return;
-  const auto count = static_cast<size_t>(right - inset + 1);
+  const size_t count = static_cast<size_t>(right - inset) + 1;
   std::memset(mask.row(inset) + inset, value, count);
   std::memset(mask.row(bottom) + inset, value, count);
   for (int32_t y = inset; y <= bottom; ++y) {
