@@ -2,7 +2,6 @@
 #include "bench_masks.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -126,21 +125,16 @@ Image GreyNoise() {
 }
 
 double CopySeconds(size_t bytes) {
-  using Clock = std::chrono::steady_clock;
-  constexpr size_t kRounds = 101;
+  constexpr int kRounds = 1000;
   const std::vector<uint8_t> source(bytes / 2, 1);
-  std::vector<uint8_t> copy(bytes / 2);
-  std::vector<double> seconds;
-  for (size_t i = 0; i < kRounds; ++i) {
-    const Clock::time_point start = Clock::now();
+  std::vector<uint8_t> copy(bytes / 2, 2);
+  const std::clock_t start = std::clock();
+  for (int i = 0; i < kRounds; ++i) {
     std::memcpy(copy.data(), source.data(), copy.size());
     benchmark::ClobberMemory();
-    seconds.push_back(
-        std::chrono::duration<double>(Clock::now() - start).count());
   }
-  std::nth_element(seconds.begin(), seconds.begin() + kRounds / 2,
-                   seconds.end());
-  return seconds[kRounds / 2];
+  const auto ticks = static_cast<double>(std::clock() - start);
+  return ticks / CLOCKS_PER_SEC / kRounds;
 }
 
 }  // namespace zuqel::bench

@@ -4,9 +4,9 @@
 
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <vector>
 
 #include "base/plane.h"
@@ -40,26 +40,41 @@ Image Checkerboard();
 // Any values.
 Image GreyNoise();
 
-// Seconds that a copy takes that reads and writes `bytes` together.
+// Processor time that a copy takes that reads and writes `bytes` together.
 double CopySeconds(size_t bytes);
 
 // Times rounds that read and write `bytes` together; `of_copy` counts how many
 // times as long one takes as such a copy.
 template <typename Round>
 void TimeRounds(benchmark::State& state, size_t bytes, Round round) {
-  using Clock = std::chrono::steady_clock;
   const double copy_seconds = CopySeconds(bytes);
-  const Clock::time_point start = Clock::now();
+  const std::clock_t start = std::clock();
   while (state.KeepRunning()) {
     round();
     benchmark::ClobberMemory();
   }
-  const std::chrono::duration<double> elapsed = Clock::now() - start;
+  const auto ticks = static_cast<double>(std::clock() - start);
   state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(bytes));
-  state.counters["of_copy"] =
-      elapsed.count() / static_cast<double>(state.iterations()) / copy_seconds;
+  state.counters["of_copy"] = ticks / CLOCKS_PER_SEC / copy_seconds /
+                              static_cast<double>(state.iterations());
+}
+
+inline void Radii(benchmark::internal::Benchmark* benchmark) {
+  benchmark->ArgName("radius")->Arg(2)->Arg(4)->Arg(32);
+  benchmark->Unit(benchmark::kMicrosecond);
 }
 
 }  // namespace zuqel::bench
+
+// One row for each of these masks.
+#define ZUQEL_BENCH_ON_MASKS(function)                    \
+  BENCHMARK_CAPTURE(function, scene, SceneMask)           \
+      ->Unit(benchmark::kMicrosecond);                    \
+  BENCHMARK_CAPTURE(function, noise_50, HalfNoise)        \
+      ->Unit(benchmark::kMicrosecond);                    \
+  BENCHMARK_CAPTURE(function, noise_60, DenseNoise)       \
+      ->Unit(benchmark::kMicrosecond);                    \
+  BENCHMARK_CAPTURE(function, checkerboard, Checkerboard) \
+      ->Unit(benchmark::kMicrosecond)
 
 #endif  // ZUQEL_BENCH_BENCH_MASKS_H_

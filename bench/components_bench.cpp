@@ -65,19 +65,9 @@ void RefineRefocusMap(benchmark::State& state, MaskMaker make_mask) {
   });
 }
 
-#define ZUQEL_BENCH_MASKS(function)                       \
-  BENCHMARK_CAPTURE(function, scene, SceneMask)           \
-      ->Unit(benchmark::kMicrosecond);                    \
-  BENCHMARK_CAPTURE(function, noise_50, HalfNoise)        \
-      ->Unit(benchmark::kMicrosecond);                    \
-  BENCHMARK_CAPTURE(function, noise_60, DenseNoise)       \
-      ->Unit(benchmark::kMicrosecond);                    \
-  BENCHMARK_CAPTURE(function, checkerboard, Checkerboard) \
-      ->Unit(benchmark::kMicrosecond)
-
-ZUQEL_BENCH_MASKS(LabelComponents);
-ZUQEL_BENCH_MASKS(PruneComponents);
-ZUQEL_BENCH_MASKS(RefineRefocusMap);
+ZUQEL_BENCH_ON_MASKS(LabelComponents);
+ZUQEL_BENCH_ON_MASKS(PruneComponents);
+ZUQEL_BENCH_ON_MASKS(RefineRefocusMap);
 
 }  // namespace
 }  // namespace zuqel::bench

@@ -24,11 +24,6 @@ void SquareFilter(benchmark::State& state, Filter filter) {
   });
 }
 
-void Radii(benchmark::internal::Benchmark* benchmark) {
-  benchmark->ArgName("radius")->Arg(2)->Arg(4)->Arg(32);
-  benchmark->Unit(benchmark::kMicrosecond);
-}
-
 BENCHMARK_CAPTURE(SquareFilter, ErodeMin, ErodeMin)->Apply(Radii);
 BENCHMARK_CAPTURE(SquareFilter, DilateMax, DilateMax)->Apply(Radii);
 BENCHMARK_CAPTURE(SquareFilter, DilateMask, DilateMask)->Apply(Radii);
