@@ -32,7 +32,7 @@ struct Labelled {
 bool Reserve(Plane<const uint8_t> mask, CleanupScratch& scratch) {
   return scratch.labels.Reserve(ByteCount(mask.width, mask.height, 4)) &&
          scratch.areas.Reserve(kLabelLimit * 4) &&
-         ReserveLabelling(mask, kLabelLimit, scratch.labelling);
+         ReserveLabelling(mask, scratch.labelling);
 }
 
 // Sets the pixels `inset` steps inside the border, all around.
@@ -73,6 +73,15 @@ void Apply(const KeepTable& keep, Plane<const uint32_t> labels,
   }
 }
 
+// Clears what has neither label.
+void KeepTwo(uint32_t label, uint32_t other, Plane<const uint32_t> labels,
+             Plane<uint8_t> mask) {
+  for (size_t i = 0; i < mask.size(); ++i) {
+    const uint32_t at = labels.data[i];
+    mask.data[i] = at == label || at == other ? mask.data[i] : 0;
+  }
+}
+
 // Copies `in` and puts rings of set and clear pixels as asked, then labels.
 std::optional<Labelled> CopyAndLabel(Plane<const uint8_t> in, bool has_set_ring,
                                      CleanupScratch& scratch,
@@ -106,15 +115,19 @@ bool PruneComponents(Plane<const uint8_t> in, MaskPoint focus,
                      Plane<uint8_t> out, uint32_t* focus_area) {
   const auto labelled = CopyAndLabel(in, false, scratch, out);
   if (!labelled) return false;
-  const uint32_t largest =
-      *std::max_element(labelled->areas.begin(), labelled->areas.end());
-  const uint32_t limit = keep_only_focus ? 2 * largest : largest * 80 / 100;
   const uint32_t focus_label = labelled->LabelAt(focus);
   if (focus_area != nullptr) *focus_area = labelled->areas[focus_label];
 
-  KeepTable keep = KeepAbove(labelled->areas, limit);
-  keep[focus_label] = kSet;
-  Apply(keep, labelled->labels, out);
+  if (keep_only_focus) {
+    // Pixels without a label are in no component.
+    KeepTwo(focus_label, 0, labelled->labels, out);
+  } else {
+    const uint32_t largest =
+        *std::max_element(labelled->areas.begin(), labelled->areas.end());
+    KeepTable keep = KeepAbove(labelled->areas, largest * 80 / 100);
+    keep[focus_label] = kSet;
+    Apply(keep, labelled->labels, out);
+  }
   RefillBorder(out, 1);
   return true;
 }
@@ -123,10 +136,8 @@ bool KeepFocusAndBorderComponents(Plane<const uint8_t> in, MaskPoint focus,
                                   CleanupScratch& scratch, Plane<uint8_t> out) {
   const auto labelled = CopyAndLabel(in, true, scratch, out);
   if (!labelled) return false;
-  KeepTable keep = {};
-  keep[labelled->LabelAt(focus)] = kSet;
-  keep[labelled->LabelAt({1, 1})] = kSet;
-  Apply(keep, labelled->labels, out);
+  KeepTwo(labelled->LabelAt(focus), labelled->LabelAt({1, 1}), labelled->labels,
+          out);
   RefillBorder(out, 2);
   return true;
 }

@@ -1,199 +1,137 @@
 // Labels components run by run where that gives the same labels as pixel by
-// pixel, which is wherever the mask is two-valued and the labels suffice.
+// pixel, which is wherever the mask is two-valued.
 #include "depth/components.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
-#include <cstring>
 #include <numeric>
-#include <utility>
+
+#include "depth/label_sets.h"
+#include "depth/mask_bits.h"
+#include "depth/run_labelling.h"
 
 namespace zuqel {
 namespace {
 
 constexpr uint8_t kSet = 255;
 
-// Union-find in which every link points to a smaller label, so that a root is
-// the smallest label of its set.
-class LabelSets {
- public:
-  explicit LabelSets(std::span<uint32_t> parents) : parents_(parents) {
-    std::iota(parents_.begin(), parents_.end(), 0U);
-  }
+constexpr uint64_t kEachByte = 0x0101010101010101U;
 
-  uint32_t Root(uint32_t label) {
-    while (parents_[label] != label) {
-      parents_[label] = parents_[parents_[label]];
-      label = parents_[label];
-    }
-    return label;
-  }
-
-  void Unite(uint32_t a, uint32_t b) {
-    const uint32_t root_a = Root(a);
-    const uint32_t root_b = Root(b);
-    parents_[std::max(root_a, root_b)] = std::min(root_a, root_b);
-  }
-
-  // Points each of the first `count` labels to its root. Links point downward,
-  // so one pass in rising order does.
-  void Flatten(size_t count) {
-    for (size_t i = 0; i < count; ++i) parents_[i] = parents_[parents_[i]];
-  }
-
-  [[nodiscard]] uint32_t operator[](size_t label) const {
-    return parents_[label];
-  }
-
- private:
-  std::span<uint32_t> parents_;
-};
-
-// Columns of one row that are set, without a gap.
-struct Run {
-  int32_t begin;
-  int32_t end;
-  uint32_t label;
-};
-
-// Words of the scratch memory, part by part.
-struct ScratchLayout {
-  size_t labels, rows, runs;
-
-  ScratchLayout(Plane<const uint8_t> mask, size_t label_limit)
-      : labels(std::max(mask.size() + 1, label_limit)),
-        rows(static_cast<size_t>(mask.height)),
-        runs((static_cast<size_t>(mask.width) / 2 + 1) * rows *
-             (sizeof(Run) / 4)) {}
-
-  [[nodiscard]] size_t words() const { return labels + rows + runs; }
-};
-
-// One bit for each of eight pixels, the first in the lowest bit; nothing when a
-// pixel is neither 0 nor 255.
-std::optional<uint64_t> BitsOfEight(uint64_t pixels) {
-  const uint64_t ones = pixels >> 7 & 0x0101010101010101U;
-  if (ones * kSet != pixels) return std::nullopt;
-  return ones * 0x0102040810204080U >> 56;
+// Eight bits as bytes of 0 and 1.
+uint64_t BytesOf(uint64_t eight_bits) {
+  const uint64_t apart = eight_bits * kEachByte & 0x8040201008040201U;
+  return (apart + 0x7F * kEachByte) >> 7 & kEachByte;
 }
 
-// Up to 64 pixels as bits.
-std::optional<uint64_t> BitsOf(const uint8_t* pixels, int32_t count) {
-  uint64_t bits = 0;
-  for (int32_t i = 0; i < count; i += 8) {
-    uint64_t eight = 0;
-    if (count - i >= 8) {
-      std::memcpy(&eight, pixels + i, 8);
+// Writes the labels of the runs word by word and counts areas.
+class RunWriter {
+ public:
+  RunWriter(const LabelSets& sets, const uint32_t* run_labels,
+            std::span<uint32_t> areas)
+      : sets_(sets), run_label_(run_labels), areas_(areas) {}
+
+  // Writes `count` labels; with `has_room` it may overwrite 71 from `out` on.
+  void WriteWord(uint64_t set, uint64_t starts, size_t count, bool has_room,
+                 uint32_t* out) {
+    if (has_room && BitCount(starts) >= kManyRuns) {
+      WritePixels(set, starts, out);
     } else {
-      std::memcpy(&eight, pixels + i, static_cast<size_t>(count - i));
+      WriteStretches(set, starts, count, has_room, out);
     }
-    const auto eight_bits = BitsOfEight(eight);
-    if (!eight_bits) return std::nullopt;
-    bits |= *eight_bits << i;
-  }
-  return bits;
-}
-
-// Writes the runs of a row and returns how many there are; nothing when a pixel
-// is neither 0 nor 255.
-std::optional<size_t> FindRuns(const uint8_t* row, int32_t width, Run* runs) {
-  size_t edges = 0;
-  uint64_t last = 0;  // the bit before this word's
-  for (int32_t x = 0; x < width; x += 64) {
-    const auto bits = BitsOf(row + x, std::min(width - x, 64));
-    if (!bits) return std::nullopt;
-    for (uint64_t changes = *bits ^ (*bits << 1 | last); changes != 0;
-         changes &= changes - 1) {
-      const int32_t at = x + std::countr_zero(changes);
-      Run& run = runs[edges / 2];
-      (edges % 2 == 0 ? run.begin : run.end) = at;
-      ++edges;
-    }
-    last = *bits >> 63;
-  }
-  if (edges % 2 != 0) {
-    runs[edges / 2].end = width;
-    ++edges;
-  }
-  return edges / 2;
-}
-
-class RunLabelling {
- public:
-  RunLabelling(Plane<const uint8_t> mask, LabelSets& sets, Run* runs,
-               size_t label_limit)
-      : mask_(mask), sets_(sets), runs_(runs), label_limit_(label_limit) {}
-
-  // False when runs cannot tell: a third value, or too many labels.
-  bool LabelRuns(std::span<uint32_t> run_counts) {
-    Run* above = runs_;
-    size_t above_count = 0;
-    Run* row_runs = runs_;
-    for (int32_t y = 0; y < mask_.height; ++y) {
-      const auto count = FindRuns(mask_.row(y), mask_.width, row_runs);
-      if (!count) return false;
-      run_counts[static_cast<size_t>(y)] = static_cast<uint32_t>(*count);
-      for (size_t i = 0; y == 0 && i < *count; ++i) row_runs[i].label = 0;
-      if (y > 0 && !LabelRow({above, above_count}, {row_runs, *count})) {
-        return false;
-      }
-      above = row_runs;
-      above_count = *count;
-      row_runs += *count;
-    }
-    return true;
   }
 
  private:
-  // A run's first pixel decides which label it is given: that of the pixel
-  // above, or a new one. All runs above that it touches join it. What touches
-  // column 0 has label 0.
-  bool LabelRow(std::span<const Run> above, std::span<Run> row) {
-    size_t first = 0;
-    for (Run& run : row) {
-      while (first < above.size() && above[first].end <= run.begin) ++first;
-      const bool has_above =
-          first < above.size() && above[first].begin <= run.begin;
-      if (run.begin == 0) {
-        run.label = 0;
-      } else if (has_above) {
-        run.label = above[first].label;
-      } else {
-        if (next_label_ >= label_limit_) return false;
-        run.label = static_cast<uint32_t>(next_label_++);
-      }
-      for (size_t i = first; i < above.size() && above[i].begin < run.end;
-           ++i) {
-        if (above[i].label != run.label) sets_.Unite(above[i].label, run.label);
-      }
-    }
-    return true;
+  static constexpr size_t kManyRuns = 6;
+
+  [[nodiscard]] uint32_t Label() const {
+    return sets_[std::min<size_t>(*run_label_, areas_.size() - 1)];
   }
 
-  Plane<const uint8_t> mask_;
-  LabelSets& sets_;
-  Run* runs_;
-  size_t label_limit_;
-  size_t next_label_ = 1;
+  void WriteStretches(uint64_t set, uint64_t starts, size_t count,
+                      bool has_room, uint32_t* out) {
+    size_t done = 0;
+    const auto fill_to = [out, has_room, &done](size_t end, uint32_t label) {
+      for (; has_room && done < end; done += 8)
+        std::fill_n(out + done, 8, label);
+      if (!has_room) std::fill(out + done, out + end, label);
+      done = end;
+    };
+    // A run that goes on from the word before starts here once more.
+    for (uint64_t rest = starts | (set & 1); rest != 0;) {
+      const auto begin = static_cast<size_t>(std::countr_zero(rest));
+      const uint64_t upto = UpToLowest(rest);
+      rest &= rest - 1;
+      const auto end =
+          static_cast<size_t>(std::countr_zero((rest | ~set) & ~upto));
+      run_label_ += starts >> begin & 1;
+      const uint32_t label = Label();
+      fill_to(begin, 0);
+      fill_to(end, label);
+      areas_[label] += static_cast<uint32_t>(end - begin);
+    }
+    fill_to(count, 0);
+  }
+
+  // Costs the same wherever runs begin and end.
+  void WritePixels(uint64_t set, uint64_t starts, uint32_t* out) {
+    // 0, the run that goes on from the word before, and those that start here.
+    std::array<uint32_t, 2 + kWordBits> run_labels;
+    run_labels[0] = 0;
+    run_labels[1] = Label();
+    areas_[run_labels[1]] +=
+        static_cast<uint32_t>(BitCount(set & ~starts & UpToLowest(starts)));
+    size_t runs = 2;
+    for (uint64_t rest = starts; rest != 0;) {
+      const uint64_t here = rest & (0 - rest);
+      rest ^= here;
+      const uint64_t next = rest & (0 - rest);
+      ++run_label_;
+      const uint32_t label = Label();
+      run_labels[runs++] = label;
+      areas_[label] += static_cast<uint32_t>(BitCount(set & (next - here)));
+    }
+    uint64_t run = 1;
+    for (size_t i = 0; i < kWordBits; i += 8) {
+      // A byte for each pixel: the starts up to it, summed by multiplying.
+      const uint64_t pixel_runs =
+          (BytesOf(starts >> i & 0xFF) + run) * kEachByte;
+      const uint64_t indices = pixel_runs & BytesOf(set >> i & 0xFF) * 0xFF;
+      for (size_t j = 0; j < 8; ++j) {
+        out[i + j] = run_labels[indices >> 8 * j & 0xFF];
+      }
+      run = pixel_runs >> 56;
+    }
+  }
+
+  const LabelSets& sets_;
+  const uint32_t* run_label_;  // of the run written last
+  std::span<uint32_t> areas_;
 };
 
 // Writes the labels of the runs and counts areas.
-void WriteRuns(Plane<const uint8_t> mask, const LabelSets& sets,
-               const Run* runs, std::span<const uint32_t> run_counts,
-               std::span<uint32_t> labels, std::span<uint32_t> areas) {
+void WriteRuns(Plane<const uint8_t> mask, const MaskBits& bits,
+               RunWriter& writer, std::span<uint32_t> labels) {
+  const auto width = static_cast<size_t>(mask.width);
   for (int32_t y = 0; y < mask.height; ++y) {
-    uint32_t* row = labels.data() +
-                    static_cast<size_t>(y) * static_cast<size_t>(mask.width);
-    std::fill_n(row, mask.width, 0U);
-    const bool is_counted = y > 0 && y < mask.height - 1;
-    for (size_t i = 0; i < run_counts[static_cast<size_t>(y)]; ++i, ++runs) {
-      const uint32_t label = sets[runs->label];
-      if (label == 0) continue;
-      std::fill(row + runs->begin, row + runs->end, label);
-      const int32_t end = std::min(runs->end, mask.width - 1);
-      if (is_counted) areas[label] += static_cast<uint32_t>(end - runs->begin);
+    for (size_t word = 0; word < bits.words; ++word) {
+      const size_t x = word * kWordBits;
+      const size_t at = static_cast<size_t>(y) * width + x;
+      writer.WriteWord(bits.bits[bits.row(y) + word],
+                       bits.starts[bits.row(y) + word],
+                       std::min<size_t>(width - x, kWordBits),
+                       labels.size() - at >= kWordBits + 8, &labels[at]);
     }
   }
+}
+
+// Takes the last row and column out of the areas.
+void LeaveOutEdges(Plane<const uint32_t> labels, std::span<uint32_t> areas) {
+  if (labels.size() == 0) return;
+  const int32_t right = labels.width - 1;
+  for (int32_t y = 0; y < labels.height; ++y) --areas[labels.row(y)[right]];
+  const uint32_t* bottom = labels.row(labels.height - 1);
+  for (int32_t x = 0; x < right; ++x) --areas[bottom[x]];
 }
 
 // Pixel by pixel, for every mask.
@@ -244,11 +182,26 @@ uint32_t LargestLabel(std::span<const uint32_t> areas) {
              : static_cast<uint32_t>(largest - candidates.begin()) + 1;
 }
 
+// Words of the scratch memory: bits and starts of all rows, one more row of
+// bits, the parents and the labels of the runs.
+struct ScratchLayout {
+  size_t row_words, bit_words, most_labels;
+
+  explicit ScratchLayout(Plane<const uint8_t> mask)
+      : row_words(WordsOfRow(mask.width)),
+        bit_words(row_words * static_cast<size_t>(mask.height)),
+        most_labels(mask.size() + 2) {}
+
+  [[nodiscard]] size_t bit_rows() const { return 2 * bit_words + row_words; }
+  [[nodiscard]] size_t words() const {
+    return 2 * bit_rows() + 2 * most_labels;
+  }
+};
+
 }  // namespace
 
-bool ReserveLabelling(Plane<const uint8_t> mask, size_t label_limit,
-                      Buffer& scratch) {
-  const size_t words = ScratchLayout(mask, label_limit).words();
+bool ReserveLabelling(Plane<const uint8_t> mask, Buffer& scratch) {
+  const size_t words = ScratchLayout(mask).words();
   return words <= INT32_MAX / 4 && scratch.Reserve(words * 4);
 }
 
@@ -256,31 +209,40 @@ std::optional<uint32_t> LabelComponents(Plane<const uint8_t> mask,
                                         std::span<uint32_t> labels,
                                         std::span<uint32_t> areas,
                                         Buffer& scratch) {
-  if (!ReserveLabelling(mask, areas.size(), scratch)) return std::nullopt;
+  if (!ReserveLabelling(mask, scratch)) return std::nullopt;
   if (areas.empty()) {
     std::fill(labels.begin(), labels.end(), 0U);
     return 0;
   }
-  const ScratchLayout layout(mask, areas.size());
-  const std::span<uint32_t> all = scratch.words();
-  const auto parents = all.first(layout.labels);
-  const auto run_counts = all.subspan(layout.labels, layout.rows);
-  auto* runs = reinterpret_cast<Run*>(all.data() + layout.labels + layout.rows);
+  const ScratchLayout layout(mask);
+  auto* bit_rows = reinterpret_cast<uint64_t*>(scratch.bytes());
+  const MaskBits bits{layout.row_words, bit_rows, bit_rows + layout.bit_words};
+  uint64_t* unfolded = bit_rows + 2 * layout.bit_words;
+  const auto parents =
+      scratch.words().subspan(2 * layout.bit_rows(), layout.most_labels);
+  uint32_t* run_labels = parents.data() + layout.most_labels;
 
   std::fill(areas.begin(), areas.end(), 0U);
-  LabelSets sets(parents.first(areas.size()));
-  RunLabelling by_runs(mask, sets, runs, areas.size());
-  if (by_runs.LabelRuns(run_counts)) {
-    sets.Flatten(areas.size());
-    WriteRuns(mask, sets, runs, run_counts, labels, areas);
+  LabelSets sets(parents);
+  size_t label_count = 0;
+  if (FindBits(mask, bits)) {
+    RunLabelling runs(bits, sets, run_labels, unfolded, areas.size());
+    runs.LabelRuns(mask.height);
+    label_count = runs.next_label();
+    sets.Flatten(label_count);
+    RunWriter writer(sets, run_labels, areas);
+    WriteRuns(mask, bits, writer, labels);
+    LeaveOutEdges({labels.data(), mask.width, mask.height}, areas);
+    areas[0] = 0;
   } else {
-    sets = LabelSets(parents);
+    std::iota(parents.begin(), parents.end(), 0U);
     std::fill(labels.begin(), labels.end(), 0U);
     LabelPixels(mask, sets, labels);
-    sets.Flatten(areas.size());
+    label_count = areas.size();
+    sets.Flatten(std::min(areas.size(), layout.most_labels));
     ResolvePixels(mask, sets, labels, areas);
   }
-  return LargestLabel(areas);
+  return LargestLabel(areas.first(std::min(label_count + 1, areas.size())));
 }
 
 }  // namespace zuqel

@@ -12,10 +12,9 @@
 
 namespace zuqel {
 
-// Grows `scratch` to what LabelComponents needs for masks of this size and
-// limit, so that it cannot fail; false when there is no memory.
-[[nodiscard]] bool ReserveLabelling(Plane<const uint8_t> mask,
-                                    size_t label_limit, Buffer& scratch);
+// Grows `scratch` to what LabelComponents needs for masks of this size, so that
+// it cannot fail; false when there is no memory.
+[[nodiscard]] bool ReserveLabelling(Plane<const uint8_t> mask, Buffer& scratch);
 
 // Labels the 4-connected components of the pixels that are 255. Row 0 and
 // column 0 are never labelled. A component's label is the smallest of those

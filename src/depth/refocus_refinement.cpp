@@ -17,7 +17,8 @@ constexpr uint8_t kChangeRadius = 2;
 void MarkChanges(Plane<const uint8_t> before, Plane<const uint8_t> after,
                  Plane<uint8_t> changes) {
   for (size_t i = 0; i < changes.size(); ++i) {
-    if (before.data[i] != after.data[i]) changes.data[i] = kMarked;
+    const uint8_t mark = before.data[i] != after.data[i] ? kMarked : 0;
+    changes.data[i] = changes.data[i] | mark;
   }
 }
 
