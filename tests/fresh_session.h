@@ -23,6 +23,21 @@ inline GLInitInfo SmallInfo(int32_t off_screen = 1, int32_t format = 0) {
   return {64, 48, 16, 12, 32, 24, 20, 10, 0, off_screen, format, 0};
 }
 
+// The log of making the context of one slot.
+inline std::string CreationLog(int index) {
+  return "There is no openGL context, going to create opengl context, tid = #, "
+         "index " +
+         std::to_string(index) + R"(
+OpenGLCreateContextSurface
+eglDisplay return successfully
+eglInitialize successfully
+eglChooseConfig successfully
+eglCreatePbufferSurface successfully
+eglCreateContext successfully
+eglMakeCurrent successfully
+)";
+}
+
 // What a frame call is told besides its planes.
 struct FrameArguments {
   bool from_depth = false;

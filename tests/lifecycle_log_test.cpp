@@ -23,18 +23,6 @@ using Handles = std::array<bool, 3>;  // display, surface, context
 constexpr Handles kNoHandles = {};
 constexpr Handles kAllHandles = {true, true, true};
 
-constexpr const char* kCreationLog =
-    "There is no openGL context, going to create opengl context, tid = #, "
-    R"(index 0
-OpenGLCreateContextSurface
-eglDisplay return successfully
-eglInitialize successfully
-eglChooseConfig successfully
-eglCreatePbufferSurface successfully
-eglCreateContext successfully
-eglMakeCurrent successfully
-)";
-
 constexpr const char* kDeletion = "OpenGLDeltet tid = #, index = 0\n";
 constexpr const char* kSkippedDeletion = R"(OpenGLDeltet tid = #, index = 0
 EGL display, surface and context are NULL, skip delete process
@@ -110,7 +98,7 @@ class LifecycleLog : public FreshSessionTest {
   }
   // A session that works gives a frame of zero weights back exactly.
   void ExpectGoodSession() {
-    ExpectInit(1, kCreationLog);
+    ExpectInit(1, CreationLog(0));
     const CallerFrame frame(SmallInfo());
     const auto before = frame.Contents();
     EXPECT_EQ(frame.Render({}), 0U);
@@ -201,7 +189,7 @@ TEST_F(LifecycleLog, CreationStopsAtTheStepThatFails) {
       {Call::kMakeCurrent, "eglMakeCurrent", failed, kAllHandles}};
   for (const Row& row : rows) {
     SCOPED_TRACE(row.step);
-    std::string creation = kCreationLog;
+    std::string creation = CreationLog(0);
     creation.resize(creation.find(row.step + " successfully"));
     creation += row.step + " " + row.failure + "\n";
     driver::SetFailing(row.call, true);
@@ -223,7 +211,7 @@ TEST_F(LifecycleLog, DeletionKeepsHandlesWhenAStepFails) {
       {Call::kDestroyContext, "eglDestroyContext"},
       {Call::kTerminate, "eglTerminate"}};
   for (const auto& [call, step] : rows) {
-    ExpectInit(1, kCreationLog);
+    ExpectInit(1, CreationLog(0));
     driver::SetFailing(call, true);
     ExpectClose(kDeletion + step + " Returned: 0x0\n");
     EXPECT_EQ(HandlesHeld(), kAllHandles) << step;

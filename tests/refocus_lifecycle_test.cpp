@@ -53,17 +53,6 @@ class OtherThread {
   std::thread thread_;  // last: it uses the others
 };
 
-constexpr const char* kCreation =
-    "There is no openGL context, going to create opengl context, tid = #, "
-    R"(index 1
-OpenGLCreateContextSurface
-eglDisplay return successfully
-eglInitialize successfully
-eglChooseConfig successfully
-eglCreatePbufferSurface successfully
-eglCreateContext successfully
-eglMakeCurrent successfully
-)";
 constexpr const char* kDeletion = "OpenGLDeltet tid = #, index = 1\n";
 constexpr const char* kTornDown = "eglDestroySurface Returned: 0x0\n";
 constexpr const char* kSkipped =
@@ -140,7 +129,7 @@ class RefocusLifecycle : public FreshSessionTest {
 
 TEST_F(RefocusLifecycle, OnItsOwnThreadBesideASession) {
   const auto start = [&] {
-    ExpectInit(kCreation, kCompiled);
+    ExpectInit(CreationLog(1), kCompiled);
     EXPECT_TRUE(MakesMap());
   };
   for (int i = 0; i < 2; ++i) {

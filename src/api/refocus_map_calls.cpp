@@ -325,14 +325,8 @@ uint32_t zuQelRT_GenRefocusMap(uint8_t* a_pucDest, uint16_t* a_puwInputDepth,
                                uint32_t x, int32_t y, uint32_t* min,
                                uint32_t* max, uint32_t* focus) {
   ZUQEL_LOG("zuQelRT_GenRefocusMap +");
-  const uint32_t status = Generate({.map = a_pucDest,
-                                    .disparity = a_puwInputDepth,
-                                    .x = x,
-                                    .y = y,
-                                    .min = min,
-                                    .max = max,
-                                    .focus = focus},
-                                   GenerateRefined);
+  const uint32_t status = Generate(
+      {a_pucDest, a_puwInputDepth, x, y, min, max, focus}, GenerateRefined);
   if (status == ZUQEL_SUCCESS) ZUQEL_LOG("zuQelRT_GenRefocusMap -");
   return status;
 }
@@ -343,14 +337,9 @@ uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase(uint8_t* a_pucDest,
                                                    uint32_t* min, uint32_t* max,
                                                    uint32_t* focus) {
   const uint32_t start = zuqel::MillisecondClock();
-  const uint32_t status = Generate({.map = a_pucDest,
-                                    .disparity = a_puwInputDepth,
-                                    .x = x,
-                                    .y = y,
-                                    .min = min,
-                                    .max = max,
-                                    .focus = focus},
-                                   GenerateDisparityBase);
+  const uint32_t status =
+      Generate({a_pucDest, a_puwInputDepth, x, y, min, max, focus},
+               GenerateDisparityBase);
   if (status == ZUQEL_SUCCESS) {
     ZUQEL_LOG("GenRefocusMap_ZU4410_DispartyBase take test %d ms",
               zuqel::ElapsedSince(start));
@@ -362,14 +351,9 @@ uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU(
     uint8_t* a_pucDest, uint16_t* a_puwInputDepth, uint32_t x, uint32_t y,
     uint32_t* min, uint32_t* max, uint32_t* focus) {
   const uint32_t start = zuqel::MillisecondClock();
-  const uint32_t status = Generate({.map = a_pucDest,
-                                    .disparity = a_puwInputDepth,
-                                    .x = x,
-                                    .y = y,
-                                    .min = min,
-                                    .max = max,
-                                    .focus = focus},
-                                   GenerateDisparityBaseCpu);
+  const uint32_t status =
+      Generate({a_pucDest, a_puwInputDepth, x, y, min, max, focus},
+               GenerateDisparityBaseCpu);
   if (status == ZUQEL_SUCCESS) {
     ZUQEL_LOG("GenRefocusMap_ZU4410_DispartyBase take %d ms",
               zuqel::ElapsedSince(start));
