@@ -264,6 +264,28 @@ uint32_t zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU(
 uint32_t zuQelRT_GenRefocusMap_Dist(uint8_t* a_pucDest, uint16_t* distance,
                                     uint32_t x, int32_t y);
 
+/* Renders one frame on the CPU, in place, without any context.
+ *
+ * `yPlane`: luma, PreviewWidth x PreviewHeight bytes. `vuPlane`: chroma,
+ * PreviewWidth x (PreviewHeight / 2) bytes, V then U for each 2x2 pixels. Both
+ * receive the result. `disparity`: DepthWidth x DepthHeight values, as in
+ * zuQelRT_GLStartV1HWDepth but that only the low 10 bits count; they are cut to
+ * those, and holes are filled, in place. `a_dReX`, `a_dReY`: focus point in
+ * image pixels.
+ *
+ * The mask is smoothed over the last three calls since initialisation, so a
+ * change of focus takes some calls to settle. With the background in focus it
+ * is blurred all the same, while things in front may stay sharp: keep to
+ * zuQelRT_GLStartV1HWDepth for that. Writes its decision to standard output.
+ * Belongs between initialisation and close, not beside them.
+ *
+ * Returns ZUQEL_SUCCESS. Null planes change nothing. */
+uint32_t zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(uint8_t* yPlane,
+                                                          uint8_t* vuPlane,
+                                                          uint16_t* disparity,
+                                                          int32_t a_dReX,
+                                                          uint32_t a_dReY);
+
 #pragma GCC visibility pop
 
 #ifdef __cplusplus

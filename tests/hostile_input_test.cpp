@@ -18,6 +18,7 @@ namespace {
 constexpr int32_t kMin = INT32_MIN;
 constexpr int32_t kMax = INT32_MAX;
 constexpr uint32_t kFar = UINT32_MAX;
+constexpr auto* kCpuBokeh = zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU;
 
 constexpr auto kArguments = std::to_array<FrameArguments>(
     {{.f_number = NAN, .focus_x = 0, .focus_y = 0},
@@ -74,6 +75,8 @@ TEST(HostileInput, FramesStayInsideTheirBuffers) {
         call.from_depth = ++turn % 2 == 0;
         call.bypass = turn % 5 == 0 ? -1 : 0;
         EXPECT_EQ(frame.Render(call), 0U) << turn;
+        kCpuBokeh(frame.luma.data(), frame.chroma.data(), frame.depth.data(),
+                  static_cast<int32_t>(call.focus_x), call.focus_y);
       }
     }
   }
@@ -128,6 +131,23 @@ TEST(HostileInput, RefocusMapsStayInsideTheirBuffers) {
     generate({1, 1}, 0);
     EXPECT_EQ(zuQelRT_GenRefocusMap_Deinit(), 0U);
   }
+}
+
+TEST(HostileInput, CpuBokehNeedsASessionAndPlanes) {
+  ResetSession();
+  const CallerFrame frame(SmallInfo());
+  const std::vector<uint16_t> before = frame.Contents();
+  uint8_t *luma = frame.luma.data(), *chroma = frame.chroma.data();
+  uint16_t* depth = frame.depth.data();
+  EXPECT_EQ(kCpuBokeh(luma, chroma, depth, 3, 4), 0U);
+  const ScopedSession session(SmallInfo());
+  EXPECT_EQ(kCpuBokeh(nullptr, chroma, depth, 3, 4), 0U);
+  EXPECT_EQ(kCpuBokeh(luma, nullptr, depth, 3, 4), 0U);
+  EXPECT_EQ(kCpuBokeh(luma, chroma, nullptr, 3, 4), 0U);
+  EXPECT_EQ(frame.Contents(), before);
+  EXPECT_EQ(TheSession().expansion.expansionFrameCounter, 0);
+  zuQelRT_GLClose();
+  EXPECT_EQ(kCpuBokeh(luma, chroma, depth, 3, 4), 0U);
 }
 
 TEST(HostileInput, SmallCallsStayInsideTheirBuffers) {

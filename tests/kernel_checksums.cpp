@@ -17,6 +17,8 @@
 
 #include "base/plane.h"
 #include "calib/calibration.h"
+#include "cpu_bokeh/expansion.h"
+#include "cpu_bokeh/resize_plane.h"
 #include "depth/disparity_range.h"
 #include "depth/focus_disparity.h"
 #include "depth/focus_mask.h"
@@ -158,6 +160,33 @@ void SumDisparity(Size size, Trial& trial) {
   }
 }
 
+void SumResizePlane(Size size, Trial& trial) {
+  ResizeScratch scratch;
+  auto plane = trial.Noise<uint8_t>(size.size());
+  for (const int32_t percent : {15, 25, 34, 50, 75, 130, 200, 300, 600}) {
+    const Size to = {nullptr, size.width * percent / 100,
+                     size.height * percent / 100};
+    std::vector<uint8_t> out(to.size());
+    EXPECT_TRUE(ResizePlane(View(plane, size), scratch, View(out, to)));
+    trial.Add(out);
+  }
+}
+
+void SumRenderExpansion(Size size, Trial& trial) {
+  ExpansionState state;
+  const Size chroma_size = {nullptr, size.width, size.height / 2};
+  const Size small = {nullptr, (size.width + 1) / 2, (size.height + 2) / 3};
+  auto luma = trial.Noise<uint8_t>(size.size());
+  auto chroma = trial.Noise<uint8_t>(chroma_size.size());
+  for (int32_t x = 0; x < 5; ++x) {
+    auto map = trial.Noise<uint16_t>(small.size());
+    EXPECT_TRUE(RenderExpansion(
+        {View(luma, size), chroma, View(map, small), x, x}, state));
+    trial.Add(luma);
+    trial.Add(chroma);
+  }
+}
+
 // Records chosen by their optical values, in float arithmetic. The size of a
 // picture says how many modules there are.
 void SumDecodeCalibration(Size size, Trial& trial) {
@@ -217,6 +246,8 @@ constexpr auto kKernels = std::to_array<Kernel>({
     {"FocusMaskDist", SumDisparity<FocusMaskDist>},
     {"FocusMaskExpansion", SumDisparity<Grow>},
     {"RefineRefocusMap", SumDisparity<Refine>},
+    {"ResizePlane", SumResizePlane},
+    {"RenderExpansion", SumRenderExpansion},
     {"DecodeCalibration", SumDecodeCalibration},
 });
 

@@ -73,6 +73,10 @@ TEST(Memory, IsFlatOverFramesAndSessions) {
     zuQelRT_GenRefocusMap_Deinit();
   });
   const ScopedSession session(info);
+  expect_flat(10, 500, 1, [&](int turn) {
+    zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(
+        frame.luma.data(), frame.chroma.data(), frame.depth.data(), turn, 3);
+  });
   // The driver's threads take one block of 64 KiB when it suits them.
   expect_flat(50, 200, 128, render);
 }

@@ -12,6 +12,7 @@
 #include "api/working_buffers.h"
 #include "base/buffer.h"
 #include "calib/calibration.h"
+#include "cpu_bokeh/expansion.h"
 #include "depth/refocus_refinement.h"
 #include "gl/context.h"
 #include "gl/graphic_buffer.h"
@@ -82,6 +83,7 @@ struct Session {
   ProgramCache program_cache;
   FrameSession frame;
   RefocusMapSession refocus_map;
+  ExpansionState expansion;
 
   // Taken by zuQelRT_SetParameter only.
   std::mutex mutex;

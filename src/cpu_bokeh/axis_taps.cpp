@@ -1,0 +1,113 @@
+// Walks along an axis and notes the weights it passes.
+#include "cpu_bokeh/axis_taps.h"
+
+#include <algorithm>
+
+namespace zuqel {
+namespace {
+
+constexpr int64_t kOne = 256;  // a whole sample
+
+}  // namespace
+
+bool AxisTaps::Walk(int32_t source, int32_t target) {
+  // Shrinking, a source sample has a part in two target samples at most.
+  const size_t weights =
+      static_cast<size_t>(source) + static_cast<size_t>(target) * (kPadded + 1);
+  if (!entry_bytes_.Reserve(static_cast<size_t>(target) * sizeof(Entry)) ||
+      !weight_bytes_.Reserve(weights * sizeof(uint16_t)) ||
+      !packed_bytes_.Reserve(static_cast<size_t>(target) *
+                             sizeof(PackedTaps))) {
+    return false;
+  }
+  entry_count_ = weight_count_ = 0;
+  most_ = 0;
+  if (source <= target) {
+    Grow(source, target);
+  } else {
+    Shrink(source, target);
+  }
+  if (most_ <= kPadded) Pack();
+  return true;
+}
+
+void AxisTaps::Pack() {
+  auto* packed = reinterpret_cast<PackedTaps*>(packed_bytes_.bytes());
+  for (size_t t = 0; t < entry_count_; ++t) {
+    const Taps taps = (*this)[static_cast<int32_t>(t)];
+    uint64_t word = 0;
+    for (int32_t i = 0; i < kPadded; ++i) word = word << 16 | taps.weights[i];
+    packed[t] = {word, taps.first};
+  }
+}
+
+void AxisTaps::Begin(int64_t first) {
+  entries()[entry_count_] = {static_cast<int32_t>(first), 0, weight_count_};
+}
+
+void AxisTaps::Add(int64_t weight) {
+  weights()[weight_count_++] = static_cast<uint16_t>(weight);
+  ++entries()[entry_count_].count;
+}
+
+void AxisTaps::End() {
+  const int32_t count = entries()[entry_count_++].count;
+  most_ = std::max(most_, count);
+  for (int32_t i = count; i < kPadded; ++i) weights()[weight_count_++] = 0;
+}
+
+void AxisTaps::Grow(int64_t source, int64_t target) {
+  const int64_t start = (source - target) * (kOne / 2);
+  int64_t position = start / target;
+  int64_t carried = start % target;
+  for (int64_t t = 0; t < target; ++t) {
+    const int64_t current = std::max<int64_t>(position, 0) / kOne;
+    const int64_t share = std::max<int64_t>(position, 0) % kOne;
+    Begin(current);
+    if (share == 0 || current + 1 >= source) {
+      Add(kOne);
+    } else {
+      Add(kOne - share);
+      Add(share);
+    }
+    End();
+    position += source * kOne / target;
+    carried += source * kOne % target;
+    if (carried < target) continue;
+    carried -= target;
+    ++position;
+  }
+}
+
+void AxisTaps::Shrink(int64_t source, int64_t target) {
+  int64_t left = target * kOne;  // to be covered
+  int64_t carried = 0;
+  int64_t missing = kOne;  // of the current target sample
+  Begin(0);
+  for (int64_t s = 0; s < source; ++s) {
+    int64_t cover = target * kOne / source;
+    if (s > 0) carried += target * kOne % source;
+    if (carried >= source) {
+      carried -= source;
+      ++cover;
+    }
+    if (s == source - 1) cover = left;
+    left -= cover;
+    if (cover < missing) {
+      Add(cover);
+      missing -= cover;
+      continue;
+    }
+    for (; cover >= missing; missing = kOne) {
+      Add(missing);
+      End();
+      if (entry_count_ == static_cast<size_t>(target)) return;
+      cover -= missing;
+      Begin(cover > 0 ? s : s + 1);
+    }
+    if (cover > 0) Add(cover);
+    missing -= cover;
+  }
+}
+
+}  // namespace zuqel

@@ -1,0 +1,84 @@
+// What the samples of a resized axis are made of.
+#ifndef ZUQEL_CPU_BOKEH_AXIS_TAPS_H_
+#define ZUQEL_CPU_BOKEH_AXIS_TAPS_H_
+
+#include <cstddef>
+#include <cstdint>
+
+#include "base/buffer.h"
+
+namespace zuqel {
+
+// Each target sample is the sum of source samples side by side, by weights in
+// 1/256 that add up to 256.
+class AxisTaps {
+ public:
+  struct Taps {
+    int32_t first;  // source sample
+    int32_t count;
+    const uint16_t* weights;  // zeros follow, up to kPadded of them all
+  };
+  static constexpr int32_t kPadded = 4;
+
+  // Up to four weights in one word of 16-bit lanes, the last one lowest: where
+  // four samples stand in such lanes, the first one lowest, the product's top
+  // lane is their weighted sum. No lane overflows into the next, as the weights
+  // add up to 256.
+  struct PackedTaps {
+    uint64_t weights;
+    int64_t first;
+  };
+
+  // Walks along an axis of `source` samples that becomes `target` long, neither
+  // 0. False when there is no memory.
+  //
+  // Where it grows, target sample t lies at (t + 0.5) * source / target - 0.5
+  // in 1/256 of a source sample, cut, between two samples; before the first and
+  // past the last there is that one alone. Where it shrinks, every source
+  // sample covers target / source of a target sample, cut to 1/256; what is cut
+  // off is carried along the axis, and the last sample covers what is left.
+  [[nodiscard]] bool Walk(int32_t source, int32_t target);
+
+  [[nodiscard]] Taps operator[](int32_t target) const {
+    const Entry& entry = entries()[target];
+    return {entry.first, entry.count, weights() + entry.offset};
+  }
+  // Of an axis whose taps are at most kPadded.
+  [[nodiscard]] const PackedTaps* packed() const {
+    return reinterpret_cast<const PackedTaps*>(packed_bytes_.bytes());
+  }
+  // The largest count.
+  [[nodiscard]] int32_t most() const { return most_; }
+
+ private:
+  struct Entry {
+    int32_t first;
+    int32_t count;
+    size_t offset;  // of its weights
+  };
+
+  void Grow(int64_t source, int64_t target);
+  void Shrink(int64_t source, int64_t target);
+  void Begin(int64_t first);
+  void Add(int64_t weight);
+  void End();
+  void Pack();
+
+  [[nodiscard]] Entry* entries() const {
+    return reinterpret_cast<Entry*>(entry_bytes_.bytes());
+  }
+  [[nodiscard]] uint16_t* weights() const {
+    return reinterpret_cast<uint16_t*>(weight_bytes_.bytes());
+  }
+
+  Buffer entry_bytes_;
+  Buffer weight_bytes_;
+  Buffer packed_bytes_;
+  size_t entry_count_ = 0;
+  size_t weight_count_ = 0;
+  int32_t most_ = 0;
+};
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_CPU_BOKEH_AXIS_TAPS_H_

@@ -1,0 +1,222 @@
+// Box blurs by running sums. Rows that have been blurred across wait in a ring
+// until those below need them no more, so that a plane is read and written
+// once.
+#include "cpu_bokeh/box_blur.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstddef>
+#include <cstring>
+#include <numeric>
+
+namespace zuqel {
+namespace {
+
+// floor(sum / 3) for sums of three bytes: the multiplier is 2^16 / 3, rounded
+// up, and 765 times its error of 2/3 is below 2^16 / 3.
+inline uint16_t Third(uint32_t a, uint32_t b, uint32_t c) {
+  const auto sum = static_cast<uint16_t>(a + b + c);
+  return static_cast<uint16_t>(sum * 21846U >> 16);
+}
+
+template <typename In, typename Out>
+void ThirdOfRows(const In* a, const In* b, const In* c, size_t count,
+                 Out* out) {
+  for (size_t x = 0; x < count; ++x) {
+    out[x] = static_cast<Out>(Third(a[x], b[x], c[x]));
+  }
+}
+
+// Divides sums of `size` bytes by `size`, exactly: with a multiplier of
+// 2^shift / size, rounded up, the error stays below one part of a quotient
+// while sum * size < 2^shift.
+class BoxDivision {
+ public:
+  explicit BoxDivision(uint32_t size)
+      : shift_(
+            static_cast<int32_t>(std::bit_width(uint64_t{255} * size * size))),
+        multiplier_(
+            static_cast<uint32_t>(((uint64_t{1} << shift_) + size - 1) / size)),
+        fits_32_bits_(uint64_t{multiplier_} * 255 * size <= UINT32_MAX) {}
+
+  void Divide(const uint32_t* sums, size_t count, uint8_t* out) const {
+    if (fits_32_bits_) {
+      for (size_t x = 0; x < count; ++x) {
+        out[x] = static_cast<uint8_t>(sums[x] * multiplier_ >> shift_);
+      }
+    } else {
+      for (size_t x = 0; x < count; ++x) out[x] = (*this)(sums[x]);
+    }
+  }
+  [[nodiscard]] uint8_t operator()(uint32_t sum) const {
+    return static_cast<uint8_t>(uint64_t{sum} * multiplier_ >> shift_);
+  }
+
+ private:
+  int32_t shift_;
+  uint32_t multiplier_;
+  bool fits_32_bits_;
+};
+
+// Mean over each pixel's neighbours in a row. `padded` is room for the row with
+// the pixels outside that its ends stand for.
+void BlurRow(const uint8_t* in, int32_t width, int32_t radius,
+             const BoxDivision& division, uint8_t* padded, uint16_t* out) {
+  uint8_t* end = std::fill_n(padded, radius, in[0]);
+  end = std::copy_n(in, width, end);
+  std::fill_n(end, radius + 1, in[width - 1]);
+  const int32_t size = 2 * radius + 1;
+  uint32_t sum = std::accumulate(padded, padded + size, 0U);
+  for (int32_t x = 0; x < width; ++x) {
+    out[x] = division(sum);
+    sum += uint32_t{padded[x + size]} - padded[x];
+  }
+}
+
+void BlurRowBy1(const uint8_t* in, int32_t width, uint16_t* out) {
+  const int32_t last = width - 1;
+  if (width > 2) {
+    ThirdOfRows(in, in + 1, in + 2, static_cast<size_t>(width) - 2, out + 1);
+  }
+  out[0] = Third(in[0], in[0], in[std::min(1, last)]);
+  out[last] = Third(in[std::max(last - 1, 0)], in[last], in[last]);
+}
+
+// Rows blurred across, by number; each is there from its making until as many
+// have followed as the ring holds.
+class BlurredRows {
+ public:
+  BlurredRows(Plane<const uint8_t> in, int32_t radius, uint8_t* padded_row,
+              uint16_t* ring, int32_t ring_rows)
+      : in_(in),
+        radius_(radius),
+        division_(2 * static_cast<uint32_t>(radius) + 1),
+        padded_row_(padded_row),
+        ring_{ring, in.width, ring_rows} {}
+
+  // A number outside means the row at that edge. They are asked for in rising
+  // order.
+  const uint16_t* operator()(int32_t y) {
+    y = std::clamp(y, 0, in_.height - 1);
+    for (; made_ <= y; ++made_) {
+      uint16_t* row = ring_.row(made_ % ring_.height);
+      if (radius_ == 1) {
+        BlurRowBy1(in_.row(made_), in_.width, row);
+      } else {
+        BlurRow(in_.row(made_), in_.width, radius_, division_, padded_row_,
+                row);
+      }
+    }
+    return ring_.row(y % ring_.height);
+  }
+  [[nodiscard]] const BoxDivision& division() const { return division_; }
+
+ private:
+  Plane<const uint8_t> in_;
+  int32_t radius_;
+  BoxDivision division_;
+  uint8_t* padded_row_;
+  Plane<uint16_t> ring_;
+  int32_t made_ = 0;
+};
+
+void BlurColumnsBy1(BlurredRows& rows, Plane<uint8_t> out) {
+  const auto width = static_cast<size_t>(out.width);
+  for (int32_t y = 0; y < out.height; ++y) {
+    const uint16_t* below = rows(y + 1);
+    ThirdOfRows(rows(y - 1), rows(y), below, width, out.row(y));
+  }
+}
+
+void BlurColumns(BlurredRows& rows, int32_t radius, uint32_t* sums,
+                 Plane<uint8_t> out) {
+  const auto width = static_cast<size_t>(out.width);
+  const auto add = [&](const uint16_t* row, uint32_t times) {
+    for (size_t x = 0; x < width; ++x) sums[x] += times * row[x];
+  };
+  std::fill_n(sums, width, 0U);
+  add(rows(0), static_cast<uint32_t>(radius) + 1);
+  for (int32_t y = 1; y <= radius; ++y) {
+    const int32_t left = y < out.height ? 1 : radius - y + 1;
+    add(rows(y), static_cast<uint32_t>(left));
+    if (left != 1) break;  // the rest is the last row
+  }
+  for (int32_t y = 0; y < out.height; ++y) {
+    rows.division().Divide(sums, width, out.row(y));
+    const uint16_t* entering = rows(y + radius + 1);
+    const uint16_t* leaving = rows(y - radius);
+    for (size_t x = 0; x < width; ++x) {
+      sums[x] += uint32_t{entering[x]} - leaving[x];
+    }
+  }
+}
+
+}  // namespace
+
+bool BoxBlur(Plane<const uint8_t> in, int32_t radius, Buffer& scratch,
+             Plane<uint8_t> out) {
+  if (in.size() == 0) return true;
+  if (radius <= 0) {
+    if (out.data != in.data) std::memcpy(out.data, in.data, in.size());
+    return true;
+  }
+  radius = std::min(radius, kLargestBoxRadius);
+  const int32_t ring_rows = std::min(2 * radius + 2, in.height);
+  const auto ring_bytes = ByteCount(in.width, ring_rows, sizeof(uint16_t));
+  const auto sum_bytes = ByteCount(in.width, 1, sizeof(uint32_t));
+  const auto padded_bytes =
+      static_cast<size_t>(in.width) + 2 * static_cast<size_t>(radius) + 1;
+  if (!ring_bytes || !sum_bytes ||
+      !scratch.Reserve(*sum_bytes + *ring_bytes + padded_bytes)) {
+    return false;
+  }
+  auto* sums = reinterpret_cast<uint32_t*>(scratch.bytes());
+  auto* ring = reinterpret_cast<uint16_t*>(scratch.bytes() + *sum_bytes);
+  uint8_t* padded_row = scratch.bytes() + *sum_bytes + *ring_bytes;
+  BlurredRows rows(in, radius, padded_row, ring, ring_rows);
+  if (radius == 1) {
+    BlurColumnsBy1(rows, out);
+  } else {
+    BlurColumns(rows, radius, sums, out);
+  }
+  return true;
+}
+
+std::array<int32_t, 3> GaussianBoxRadii(int32_t strength) {
+  const double sigma = strength * (1.0 / 3);
+  const double a = 12 * (sigma * sigma);
+  const double ideal = std::sqrt(a * (1.0 / 3) + 1);
+  auto lower = static_cast<int32_t>(std::floor(ideal));
+  if (lower % 2 == 0) lower -= 1;
+  const int32_t upper = lower + 2;
+  // How many of the three have the lower size. Integer terms have 32 bits.
+  const auto wl = static_cast<uint32_t>(lower);
+  const auto whole = [](uint32_t value) {
+    return static_cast<double>(static_cast<int32_t>(value));
+  };
+  const double ratio =
+      (a - whole(3 * wl * wl) - whole(12 * wl) - 9) / whole(0 - 4 * wl - 4);
+
+  std::array<int32_t, 3> radii;
+  for (int32_t i = 0; i < 3; ++i) {
+    // Not as an integer, which would not hold every ratio.
+    const int32_t size = ratio + 0.5 >= i + 1 ? lower : upper;
+    radii[static_cast<size_t>(i)] = (size - 1) / 2;
+  }
+  return radii;
+}
+
+bool BoxGaussianBlur(Plane<const uint8_t> in, int32_t strength, Buffer& scratch,
+                     Plane<uint8_t> out) {
+  // Copies between the boxes have no effect on the result.
+  bool is_first = true;
+  for (const int32_t radius : GaussianBoxRadii(strength)) {
+    if (radius == 0) continue;
+    if (!BoxBlur(is_first ? in : out, radius, scratch, out)) return false;
+    is_first = false;
+  }
+  return !is_first || BoxBlur(in, 0, scratch, out);
+}
+
+}  // namespace zuqel

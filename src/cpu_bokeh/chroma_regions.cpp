@@ -1,0 +1,87 @@
+// Takes interleaved chroma apart and puts it together.
+#include "cpu_bokeh/chroma_regions.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+namespace zuqel {
+namespace {
+
+// Pairs that lie whole inside, side by side.
+void SplitPairs(const uint8_t* vu, size_t count, uint8_t* u, uint8_t* v) {
+  for (size_t i = 0; i < count; ++i) {
+    v[i] = vu[2 * i];
+    u[i] = vu[2 * i + 1];
+  }
+}
+
+void JoinPairs(const uint8_t* u, const uint8_t* v, size_t count, uint8_t* vu) {
+  for (size_t i = 0; i < count; ++i) {
+    vu[2 * i] = v[i];
+    vu[2 * i + 1] = u[i];
+  }
+}
+
+// What is behind the packed rows; zeros where there are none, as the region
+// holds what another frame left.
+void RepeatLastRow(size_t row, size_t rows, Plane<uint8_t> region) {
+  if (row == 0 || rows == 0) {
+    std::fill_n(region.data, region.size(), uint8_t{0});
+    return;
+  }
+  // From the last row on, everything is the byte one row before it.
+  for (size_t i = row * rows; i < region.size();) {
+    const size_t count = std::min(i - row * (rows - 1), region.size() - i);
+    std::memcpy(region.data + i, region.data + row * (rows - 1), count);
+    i += count;
+  }
+}
+
+}  // namespace
+
+void SplitChroma(std::span<const uint8_t> vu, const ChromaRegions& regions) {
+  const auto width = static_cast<size_t>(regions.u.width);
+  const auto rows = static_cast<size_t>(regions.u.height / 2);
+  const size_t half = width / 2;
+  if (width % 2 == 0) {
+    SplitPairs(vu.data(), half * rows, regions.u.data, regions.v.data);
+  } else {
+    for (size_t y = 0; y < rows; ++y) {
+      SplitPairs(vu.data() + y * width, half, regions.u.data + y * half,
+                 regions.v.data + y * half);
+    }
+  }
+  RepeatLastRow(half, rows, regions.u);
+  RepeatLastRow(half, rows, regions.v);
+  if (width % 2 == 0 || rows == 0) return;
+  // The U of the last pair of all would be outside.
+  regions.v.data[half * rows] = vu.back();
+  regions.u.data[half * rows] = 0;
+}
+
+int32_t RowsInUse(int32_t width, int32_t height) {
+  if (width == 0 || height == 0) return 0;
+  const int64_t last =
+      (width - 1) / 2 + int64_t{width} * ((height - 1) / 2) / 2;
+  return static_cast<int32_t>(last / width) + 1;
+}
+
+void JoinChroma(const ChromaRegions& regions, std::span<uint8_t> vu) {
+  const auto width = static_cast<size_t>(regions.u.width);
+  const auto height = static_cast<size_t>(regions.u.height);
+  if (width % 2 == 0) {
+    JoinPairs(regions.u.data, regions.v.data, vu.size() / 2, vu.data());
+    return;
+  }
+  for (size_t y = 0; 2 * y < height; ++y) {
+    for (size_t x = 0; 2 * x < width; ++x) {
+      const size_t from = x + width * y / 2;
+      const size_t to = width * y + 2 * x;
+      if (to < vu.size()) vu[to] = regions.v.data[from];
+      if (to + 1 < vu.size()) vu[to + 1] = regions.u.data[from];
+    }
+  }
+}
+
+}  // namespace zuqel

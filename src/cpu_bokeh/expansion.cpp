@@ -1,0 +1,205 @@
+// The steps of the CPU render path.
+#include "cpu_bokeh/expansion.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <optional>
+
+#include "base/log.h"
+#include "cpu_bokeh/box_blur.h"
+#include "cpu_bokeh/chroma_regions.h"
+#include "depth/disparity_range.h"
+#include "depth/focus_mask.h"
+#include "depth/hole_filling.h"
+
+namespace zuqel {
+namespace {
+
+constexpr uint16_t kDisparityBits = 1023;
+constexpr int32_t kTrimPercent = 1;
+constexpr int32_t kFeatherRadius = 1;
+constexpr int32_t kStrongScale = 2;
+constexpr int32_t kMildScale = 1;
+constexpr int32_t kStrength = 2;
+
+// A point of the frame in pixels of the map; products have 32 bits, and a frame
+// without pixels gives 0.
+MaskPoint MapFocus(const ExpansionFrame& frame) {
+  const auto scale = [](int32_t at, int32_t map, int32_t size) {
+    const auto product = static_cast<int32_t>(static_cast<uint32_t>(at) *
+                                              static_cast<uint32_t>(map));
+    return size == 0 ? 0 : product / size;
+  };
+  return {scale(frame.focus_x, frame.disparity.width, frame.luma.width),
+          scale(frame.focus_y, frame.disparity.height, frame.luma.height)};
+}
+
+class Expansion {
+ public:
+  Expansion(const ExpansionFrame& frame, ExpansionState& state)
+      : frame_(frame), state_(state) {}
+
+  // False when there is no memory; then nothing has changed.
+  [[nodiscard]] bool Reserve() {
+    const auto frame_bytes = BytesOf(frame_.luma);
+    const auto map_bytes = BytesOf(frame_.disparity);
+    for (Buffer* buffer :
+         {&state_.u_region, &state_.v_region, &state_.preview_mask,
+          &state_.strong_blur, &state_.mild_blur}) {
+      if (!buffer->Reserve(frame_bytes)) return false;
+    }
+    for (Buffer* buffer : {&state_.focus_mask, &state_.work_mask}) {
+      if (!buffer->Reserve(map_bytes)) return false;
+    }
+    const int32_t three_high = frame_.disparity.height <= INT32_MAX / 3
+                                   ? 3 * frame_.disparity.height
+                                   : INT32_MAX;
+    return state_.history.Reserve(map_bytes) &&
+           state_.reduced_frame.Reserve(
+               ByteCount(frame_.disparity.width, three_high, 1));
+  }
+
+  bool Run() {
+    ZUQEL_LOG("pindle PreviewWidth w = %d, h = %d", frame_.luma.width,
+              frame_.luma.height);
+    SplitChroma(frame_.chroma, Chroma());
+    if (!ReduceFrame()) return false;
+    ZUQEL_LOG("pindle Depth w = %d, h = %d", frame_.disparity.width,
+              frame_.disparity.height);
+    if (!MakeMask(TakeDisparity()) || !BlurAndBlend(frame_.luma, true)) {
+      return false;
+    }
+    // Nobody reads what is behind the chroma samples.
+    for (const Plane<uint8_t> region : {Chroma().u, Chroma().v}) {
+      if (!BlurAndBlend(UpToLastSample(region), false)) return false;
+    }
+    JoinChroma(Chroma(), frame_.chroma);
+    return true;
+  }
+
+ private:
+  static std::optional<size_t> BytesOf(const auto& plane) {
+    return ByteCount(plane.width, plane.height, 1);
+  }
+  [[nodiscard]] ChromaRegions Chroma() const {
+    return {Over(state_.u_region, frame_.luma),
+            Over(state_.v_region, frame_.luma)};
+  }
+  // A buffer as a plane of another one's size.
+  static Plane<uint8_t> Over(const Buffer& buffer, const auto& size) {
+    return {buffer.bytes(), size.width, size.height};
+  }
+
+  // The frame at the size of the map, three planes one behind the other.
+  bool ReduceFrame() {
+    const auto [u, v] = Chroma();
+    Plane<uint8_t> reduced = Over(state_.reduced_frame, frame_.disparity);
+    for (const Plane<uint8_t> plane : {frame_.luma, u, v}) {
+      if (!ResizePlane(Plane<const uint8_t>(plane), state_.blur.resize,
+                       reduced)) {
+        return false;
+      }
+      reduced.data += reduced.size();
+    }
+    return true;
+  }
+
+  // Cleans the map and finds what is in focus.
+  FocusRange TakeDisparity() {
+    const Plane<uint16_t> disparity = frame_.disparity;
+    for (size_t i = 0; i < disparity.size(); ++i) {
+      disparity.data[i] &= kDisparityBits;
+    }
+    FillDisparityHoles(disparity);
+    const auto [uwMinDisp, uwMaxDisp] = GetDispRange(disparity, kTrimPercent);
+    ZUQEL_LOG("uwMaxDisp = %d\n", uwMaxDisp);
+    ZUQEL_LOG("uwMinDisp = %d\n", uwMinDisp);
+    focus_ = MapFocus(frame_);
+    ZUQEL_LOG("(a_dFocusX,a_dFocusY)=(%d,%d), a_dReX = %d, a_dReY = %d \n",
+              static_cast<int>(focus_.x), static_cast<int>(focus_.y),
+              frame_.focus_x, frame_.focus_y);
+    const uint16_t FocusDisp = ValueAt(disparity, focus_.x, focus_.y);
+    ZUQEL_LOG("FocusDisp = %d\n", FocusDisp);
+    return {uwMaxDisp, uwMinDisp, FocusDisp};
+  }
+
+  // The focus component alone, without holes, feathered, smoothed over calls
+  // and enlarged. The region that was grown is 255, so what comes out of the
+  // inversion is 0 where it is in focus.
+  bool MakeMask(const FocusRange& range) {
+    const Plane<uint8_t> mask = Over(state_.focus_mask, frame_.disparity);
+    const Plane<uint8_t> work = Over(state_.work_mask, frame_.disparity);
+    const uint8_t* reduced = state_.reduced_frame.bytes();
+    const size_t size = mask.size();
+    uint32_t FocusComponentArea = 0;
+    if (!FocusMaskExpansion(frame_.disparity,
+                            {reduced, reduced + size, reduced + 2 * size},
+                            range, state_.growth, mask) ||
+        !PruneComponents(mask, focus_, /*keep_only_focus=*/true, state_.cleanup,
+                         work, &FocusComponentArea)) {
+      return false;
+    }
+    for (size_t i = 0; i < size; ++i) {
+      work.data[i] = static_cast<uint8_t>(~work.data[i]);
+    }
+    const Plane<uint8_t>& smoothed = work;
+    if (!RemoveSpecks(work, FocusComponentArea, state_.cleanup, mask) ||
+        !BoxBlur(mask, kFeatherRadius, state_.blur.box, smoothed)) {
+      return false;
+    }
+    state_.history.Smooth(state_.expansionFrameCounter, smoothed);
+    return ResizePlane(Plane<const uint8_t>(smoothed), state_.blur.resize,
+                       Over(state_.preview_mask, frame_.luma));
+  }
+
+  bool BlurAndBlend(Plane<uint8_t> plane, bool is_logged) {
+    const Plane<uint8_t> strong = Over(state_.strong_blur, plane);
+    const Plane<uint8_t> mild = Over(state_.mild_blur, plane);
+    const auto blur = [&](int32_t expansionBlurScale, Plane<uint8_t> out) {
+      const bool blurred =
+          TwoLevelBlur(plane, expansionBlurScale, kStrength, state_.blur, out);
+      if (blurred && is_logged) {
+        ZUQEL_LOG("pindle uwScaleW = %d, uwScaleH = %d ",
+                  plane.width / expansionBlurScale,
+                  plane.height / expansionBlurScale);
+      }
+      return blurred;
+    };
+    if (!blur(kStrongScale, strong) || !blur(kMildScale, mild)) return false;
+    BlendByMask(strong, mild, Over(state_.preview_mask, plane), plane);
+    return true;
+  }
+
+  // The rows of a region that have an effect on the result, and as many more as
+  // the blurs reach beyond them. Only where the strong blur halves both sides
+  // is it the same for a part of a region as for the whole.
+  static Plane<uint8_t> UpToLastSample(Plane<uint8_t> region) {
+    constexpr int32_t kReach = 8;
+    if (region.width % 2 != 0 || region.height % 2 != 0) return region;
+    const int32_t rows = RowsInUse(region.width, region.height);
+    const int32_t even = (rows + kReach) / 2 * 2;
+    return {region.data, region.width, std::min(even, region.height)};
+  }
+
+  ExpansionFrame frame_;
+  ExpansionState& state_;
+  MaskPoint focus_;
+};
+
+}  // namespace
+
+void ExpansionState::Release() {
+  const int32_t counter = expansionFrameCounter;
+  *this = {};
+  expansionFrameCounter = counter;
+}
+
+bool RenderExpansion(const ExpansionFrame& frame, ExpansionState& state) {
+  Expansion expansion(frame, state);
+  if (!expansion.Reserve() || !expansion.Run()) return false;
+  state.expansionFrameCounter = static_cast<int32_t>(
+      static_cast<uint32_t>(state.expansionFrameCounter) + 1);
+  return true;
+}
+
+}  // namespace zuqel

@@ -1,0 +1,53 @@
+// Bokeh without a GPU: one frame, in place.
+#ifndef ZUQEL_CPU_BOKEH_EXPANSION_H_
+#define ZUQEL_CPU_BOKEH_EXPANSION_H_
+
+#include <cstdint>
+#include <span>
+
+#include "base/buffer.h"
+#include "base/plane.h"
+#include "cpu_bokeh/mask_history.h"
+#include "cpu_bokeh/two_level_blur.h"
+#include "depth/component_cleanup.h"
+
+namespace zuqel {
+
+// Memory that calls use again, and what they leave for the next.
+struct ExpansionState {
+  int32_t expansionFrameCounter = 0;
+  MaskHistory history;
+
+  Buffer u_region;
+  Buffer v_region;
+  Buffer reduced_frame;
+  Buffer focus_mask;
+  Buffer work_mask;
+  Buffer preview_mask;
+  Buffer strong_blur;
+  Buffer mild_blur;
+  Buffer growth;
+  CleanupScratch cleanup;
+  BlurScratch blur;
+
+  // Everything goes but the counter.
+  void Release();
+};
+
+struct ExpansionFrame {
+  Plane<uint8_t> luma;
+  std::span<uint8_t> chroma;  // V and U, width x (height / 2) bytes
+  Plane<uint16_t> disparity;  // its holes are filled
+  int32_t focus_x = 0;        // in pixels of the frame
+  int32_t focus_y = 0;
+};
+
+// Blurs what is not in focus: a mask from the disparity and the frame, smoothed
+// over the last three calls, mixes the frame with two blurs of itself. The
+// steps log as they go. False, with the picture untouched, when there is no
+// memory.
+bool RenderExpansion(const ExpansionFrame& frame, ExpansionState& state);
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_CPU_BOKEH_EXPANSION_H_

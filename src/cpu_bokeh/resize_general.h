@@ -1,0 +1,31 @@
+// Change of size by any ratio.
+#ifndef ZUQEL_CPU_BOKEH_RESIZE_GENERAL_H_
+#define ZUQEL_CPU_BOKEH_RESIZE_GENERAL_H_
+
+#include <cstdint>
+
+#include "base/buffer.h"
+#include "base/plane.h"
+#include "cpu_bokeh/axis_taps.h"
+#include "cpu_bokeh/enlarge_rows.h"
+
+namespace zuqel {
+
+struct GeneralScratch {
+  AxisTaps columns;
+  AxisTaps rows;
+  Buffer row;
+};
+
+// Combines rows, then columns, each by its axis's walk and rounded to nearest.
+// `resize_row`, unless null, takes the place of the walk along the columns.
+// `Sample` is uint8_t or uint16_t. Neither plane is empty. False, with `out`
+// untouched, when there is no memory.
+template <typename Sample>
+[[nodiscard]] bool ResizeGeneral(Plane<const Sample> in,
+                                 RowFunction<Sample> resize_row,
+                                 GeneralScratch& scratch, Plane<Sample> out);
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_CPU_BOKEH_RESIZE_GENERAL_H_

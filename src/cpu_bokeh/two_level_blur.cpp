@@ -1,0 +1,49 @@
+// Blurs at full and at half size, and mixes by a mask.
+#include "cpu_bokeh/two_level_blur.h"
+
+#include <cstddef>
+
+#include "cpu_bokeh/box_blur.h"
+
+namespace zuqel {
+namespace {
+
+// floor(value / 255) for what two bytes can be multiplied to: 257 / 65536 is
+// 1 / 255 but for a part in 65536, which the 1 makes up for.
+inline uint8_t DivideBy255(uint16_t value) {
+  const auto next = static_cast<uint16_t>(value + 1U);
+  return static_cast<uint8_t>(next * 257U >> 16);
+}
+
+}  // namespace
+
+bool TwoLevelBlur(Plane<const uint8_t> in, int32_t scale, int32_t strength,
+                  BlurScratch& scratch, Plane<uint8_t> out) {
+  if (scale == 1) return BoxGaussianBlur(in, strength, scratch.box, out);
+  const int32_t width = in.width / scale;
+  const int32_t height = in.height / scale;
+  const auto bytes = ByteCount(width, height, 1);
+  if (!scratch.reduced.Reserve(bytes) || !scratch.blurred.Reserve(bytes)) {
+    return false;
+  }
+  const Plane<uint8_t> reduced = {scratch.reduced.bytes(), width, height};
+  const Plane<uint8_t> blurred = {scratch.blurred.bytes(), width, height};
+  return ResizePlane(in, scratch.resize, reduced) &&
+         BoxGaussianBlur(reduced, strength, scratch.box, blurred) &&
+         ResizePlane(Plane<const uint8_t>(blurred), scratch.resize, out);
+}
+
+void BlendByMask(Plane<const uint8_t> strong, Plane<const uint8_t> mild,
+                 Plane<const uint8_t> mask, Plane<uint8_t> sharp) {
+  const size_t count = sharp.size();
+  for (size_t i = 0; i < count; ++i) {
+    const uint8_t weight = mask.data[i];
+    const uint8_t sharp_pixel = sharp.data[i], mild_pixel = mild.data[i];
+    // At 255 the other one counts for nothing, so either will do.
+    const uint8_t other = weight == 0 ? sharp_pixel : mild_pixel;
+    const int more = weight * (strong.data[i] - other);
+    sharp.data[i] = DivideBy255(static_cast<uint16_t>(255 * other + more));
+  }
+}
+
+}  // namespace zuqel

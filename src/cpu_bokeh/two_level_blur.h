@@ -1,0 +1,36 @@
+// The two blurs of the CPU render path, and their mix.
+#ifndef ZUQEL_CPU_BOKEH_TWO_LEVEL_BLUR_H_
+#define ZUQEL_CPU_BOKEH_TWO_LEVEL_BLUR_H_
+
+#include <cstdint>
+
+#include "base/buffer.h"
+#include "base/plane.h"
+#include "cpu_bokeh/resize_plane.h"
+
+namespace zuqel {
+
+struct BlurScratch {
+  ResizeScratch resize;
+  Buffer box;
+  Buffer reduced;
+  Buffer blurred;
+};
+
+// Blurs a plane by BoxGaussianBlur of `strength` at 1 / `scale` of its size: 1
+// is the mild blur, 2 the strong one. `scale` is positive. False, with `out`
+// untouched, when there is no memory.
+[[nodiscard]] bool TwoLevelBlur(Plane<const uint8_t> in, int32_t scale,
+                                int32_t strength, BlurScratch& scratch,
+                                Plane<uint8_t> out);
+
+// Mixes `strong` into `sharp`, in place, by a mask: 0 keeps the sharp pixel and
+// 255 takes the strong blur. In between the strong blur is mixed with the mild
+// one, so that no edge of the sharp picture shines through. Truncated. All
+// planes have one size.
+void BlendByMask(Plane<const uint8_t> strong, Plane<const uint8_t> mild,
+                 Plane<const uint8_t> mask, Plane<uint8_t> sharp);
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_CPU_BOKEH_TWO_LEVEL_BLUR_H_
