@@ -59,6 +59,7 @@ TEST_F(CommandLine, TellsAboutItself) {
       {"--version", "zuqel 0.54.07\n"},
       {"render --help", "\n  zuqel render --image "},
       {"refocus-map --help", "\n  zuqel refocus-map --disparity "},
+      {"sequence --help", "\n  zuqel sequence --demo -o "},
       {"demo --help", "\n  zuqel demo -o "},
       {"raw --help", "\n  zuqel raw GLOutput_"},
       {"calibration seal --help", "\n  zuqel calibration seal "},

@@ -103,10 +103,12 @@ TEST(ReadPicture, RefusesEveryPieceOfAFileAndSurvivesDamage) {
 }
 
 TEST(ParseFocusPoint, TakesPointsOfThePictureOnly) {
-  EXPECT_EQ(ParseFocusPoint("9,7", "picture", {10, 8}).y, 7);
+  EXPECT_EQ(ParseFocusPoint("--focus", "9,7", "picture", {10, 8}).y, 7);
   for (const char* text : {"", "1", ",1", "1,2,3", "1, 2", "1,2 ", "-1,2",
                            "10,2", "2,8", "99999999999,1"}) {
-    EXPECT_THROW(ParseFocusPoint(text, "picture", {10, 8}), InputError) << text;
+    EXPECT_THROW(ParseFocusPoint("--focus", text, "picture", {10, 8}),
+                 InputError)
+        << text;
   }
 }
 

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "library_log.h"
+#include "library_output.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -42,6 +43,16 @@ void CheckSize(const char* what, int width, int height, int session_width,
   throw WorkError(std::string("the ") + what + " is not of the session's size");
 }
 
+// The library tells of its decision in print alone.
+bool RenderOnCpu(Nv21Frame& frame, DisparityMap& map, FocusPoint focus) {
+  const LibraryOutput output;
+  const uint32_t status = zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(
+      frame.luma.data(), frame.chroma.data(), map.values.data(), focus.x,
+      static_cast<uint32_t>(focus.y));
+  CheckStatus(status, "zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU");
+  return output.Text().find("Focus at BG!") == std::string::npos;
+}
+
 }  // namespace
 
 void CheckStatus(uint32_t status, const char* call) {
@@ -68,7 +79,7 @@ BokehSession::BokehSession(const SessionSetup& setup) : setup_(setup) {
   CheckStatus(zuQelRT_GLInitV1(record.data(), record.size(), nullptr, 0, &info),
               "zuQelRT_GLInitV1");
   const std::string failure = ContextFailure();
-  if (!failure.empty()) {
+  if (!failure.empty() && setup.renderer == Renderer::kGpu) {
     zuQelRT_GLClose();
     throw WorkError("no OpenGL ES 2.0 to render with: " + failure);
   }
@@ -78,17 +89,21 @@ BokehSession::~BokehSession() {
   zuQelRT_GLClose();
 }
 
-void BokehSession::Render(Nv21Frame& frame, DisparityMap& map,
+bool BokehSession::Render(Nv21Frame& frame, DisparityMap& map,
                           const Focus& focus) const {
   CheckSize("frame", frame.width, frame.height, setup_.picture_width,
             setup_.picture_height);
   CheckSize("disparity map", map.width, map.height, setup_.depth_width,
             setup_.depth_height);
+  if (setup_.renderer == Renderer::kCpu) {
+    return RenderOnCpu(frame, map, focus.point);
+  }
   const uint32_t status = zuQelRT_GLStartV1HWDepth(
       frame.luma.data(), frame.chroma.data(), map.values.data(),
       static_cast<uint32_t>(focus.point.x),
       static_cast<uint32_t>(focus.point.y), 0, kNoRect, focus.f_number);
   CheckStatus(status, "zuQelRT_GLStartV1HWDepth");
+  return true;
 }
 
 void BokehSession::Render(Nv21Frame& frame, const WeightMap& map,

@@ -9,12 +9,16 @@
 
 namespace zuqel::tools {
 
+// What renders a frame from a disparity map. The CPU has one strength of blur.
+enum class Renderer { kGpu, kCpu };
+
 // What a session is made for; sizes in pixels.
 struct SessionSetup {
   int picture_width = 0, picture_height = 0;
   int depth_width = 0, depth_height = 0;
   int work_width = 320, work_height = 240;
   bool focus_dot = false;
+  Renderer renderer = Renderer::kGpu;
 };
 
 struct Focus {
@@ -26,7 +30,8 @@ struct Focus {
 void CheckStatus(uint32_t status, const char* call);
 
 // Off screen, on the calling thread. The members throw WorkError when the
-// library refuses or there is no OpenGL ES to render with.
+// library refuses or there is no OpenGL ES to render with; Renderer::kCpu needs
+// none.
 class BokehSession {
  public:
   explicit BokehSession(const SessionSetup& setup);
@@ -35,10 +40,12 @@ class BokehSession {
   BokehSession& operator=(const BokehSession&) = delete;
 
   // Renders into `frame`; the sizes have to be those of the setup. Holes of
-  // `map` are filled in place. The work size is 320 x 240.
-  void Render(Nv21Frame& frame, DisparityMap& map, const Focus& focus) const;
+  // `map` are filled in place. The work size is 320 x 240. Returns whether the
+  // focus is sharp: Renderer::kCpu blurs the background even when that is
+  // in focus.
+  bool Render(Nv21Frame& frame, DisparityMap& map, const Focus& focus) const;
 
-  // The same from weights of the work size.
+  // The same on the GPU from weights of the work size.
   void Render(Nv21Frame& frame, const WeightMap& map, const Focus& focus) const;
 
  private:

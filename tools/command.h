@@ -15,6 +15,7 @@ struct Command {
 
 Command AddRenderCommand(CLI::App& program);
 Command AddRefocusMapCommand(CLI::App& program);
+Command AddSequenceCommand(CLI::App& program);
 Command AddDemoCommand(CLI::App& program);
 Command AddRawCommand(CLI::App& program);
 Command AddCalibrationCommand(CLI::App& program);

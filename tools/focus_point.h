@@ -9,10 +9,10 @@
 
 namespace zuqel::tools {
 
-// Reads "X,Y", which must lie inside `frame`, a word for what has this size.
-// InputError else.
-FocusPoint ParseFocusPoint(const std::string& text, const char* frame,
-                           Size size);
+// Reads "X,Y", the value of `option`, which must lie inside `frame`, a word for
+// what has this size. InputError else.
+FocusPoint ParseFocusPoint(const std::string& option, const std::string& text,
+                           const char* frame, Size size);
 
 }  // namespace zuqel::tools
 

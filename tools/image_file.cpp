@@ -135,6 +135,16 @@ Picture ReadPicture(const std::string& path) {
   Refuse(path, "is not a PNG or JPEG picture");
 }
 
+Picture ReadFramePicture(const std::string& path) {
+  Picture picture = ReadPicture(path);
+  if (picture.width % 2 != 0 || picture.height % 2 != 0) {
+    Refuse(path, "is " + std::to_string(picture.width) + " x " +
+                     std::to_string(picture.height) +
+                     " pixels; an even width and height are needed");
+  }
+  return picture;
+}
+
 DisparityMap ReadDisparity(const std::string& path) {
   DisparityMap map = ReadGreyPng<uint16_t>(path);
   const auto largest = std::max_element(map.values.begin(), map.values.end());

@@ -18,6 +18,9 @@ constexpr int kLargestSide = 8192;
 // reduced to 8.
 Picture ReadPicture(const std::string& path);
 
+// The same for a frame, whose sides are even.
+Picture ReadFramePicture(const std::string& path);
+
 // A 16-bit grey PNG with values up to 1023.
 DisparityMap ReadDisparity(const std::string& path);
 

@@ -2,11 +2,17 @@
 #include "library_output.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
+#include <iostream>
 
 #include "library_log.h"
+#include "tool_error.h"
 
 namespace zuqel::tools {
 namespace {
@@ -23,20 +29,33 @@ void PointOutputAt(int target) {
 LibraryOutput::LibraryOutput()
     : program_output_(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0)) {
   if (program_output_ < 0) return;
-  if (LibraryLogIsShown()) {
-    PointOutputAt(STDERR_FILENO);
-    return;
+  aside_ = memfd_create("library_output", MFD_CLOEXEC);
+  if (aside_ < 0) {
+    const std::string reason = std::strerror(errno);
+    close(program_output_);
+    throw WorkError("standard output cannot be turned aside: " + reason);
   }
-  const int nowhere = open("/dev/null", O_WRONLY | O_CLOEXEC);
-  if (nowhere < 0) return;
-  PointOutputAt(nowhere);
-  close(nowhere);
+  PointOutputAt(aside_);
 }
 
 LibraryOutput::~LibraryOutput() {
   if (program_output_ < 0) return;
+  if (LibraryLogIsShown()) std::cerr << Text();
   PointOutputAt(program_output_);
   close(program_output_);
+  close(aside_);
+}
+
+std::string LibraryOutput::Text() const {
+  static_cast<void>(std::fflush(stdout));
+  std::string text;
+  std::array<char, 1024> piece;
+  ssize_t size = 0;
+  while ((size = pread(aside_, piece.data(), piece.size(),
+                       static_cast<off_t>(text.size()))) > 0) {
+    text.append(piece.data(), static_cast<size_t>(size));
+  }
+  return text;
 }
 
 }  // namespace zuqel::tools

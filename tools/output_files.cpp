@@ -3,7 +3,6 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cstdio>
 #include <system_error>
 
@@ -59,36 +58,33 @@ void OutputFiles::Announce(const std::string& path) {
     throw InputError(path + ": is not a regular file");
   }
   const fs::path full = fs::canonical(folder) / fs::path(path).filename();
-  if (std::find(announced_.begin(), announced_.end(), full) !=
-      announced_.end()) {
+  if (!announced_.insert(full).second) {
     throw InputError(path + ": is given for two outputs");
   }
-  announced_.push_back(full);
 }
 
-fs::path OutputFiles::AddTemporary(const std::string& path,
-                                   const std::string& size) {
+void OutputFiles::Write(const std::string& path, const Picture& picture) {
+  WritePicture(picture, Begin(path, ToText(SizeOf(picture))));
+}
+
+void OutputFiles::Write(const std::string& path, const Map<uint8_t>& grey) {
+  WriteGrey(grey, Begin(path, ToText(SizeOf(grey))));
+}
+
+void OutputFiles::Write(const std::string& path, const DisparityMap& map) {
+  WriteDisparity(map, Begin(path, ToText(SizeOf(map))));
+}
+
+void OutputFiles::Write(const std::string& path, const Bytes& bytes) {
+  WriteFile(bytes, Begin(path, std::to_string(bytes.size()) + " bytes"));
+}
+
+fs::path OutputFiles::Begin(const std::string& path, const std::string& size) {
   const fs::path target = path;
   std::string name = ".";
   name += target.filename().string() + "." + std::to_string(getpid());
   written_.push_back({path, FolderOf(target) / name, size});
   return written_.back().temporary;
-}
-
-void OutputFiles::Write(const std::string& path, const Picture& picture) {
-  WritePicture(picture, AddTemporary(path, ToText(SizeOf(picture))));
-}
-
-void OutputFiles::Write(const std::string& path, const Map<uint8_t>& grey) {
-  WriteGrey(grey, AddTemporary(path, ToText(SizeOf(grey))));
-}
-
-void OutputFiles::Write(const std::string& path, const DisparityMap& map) {
-  WriteDisparity(map, AddTemporary(path, ToText(SizeOf(map))));
-}
-
-void OutputFiles::Write(const std::string& path, const Bytes& bytes) {
-  WriteFile(bytes, AddTemporary(path, std::to_string(bytes.size()) + " bytes"));
 }
 
 void OutputFiles::Commit() {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,10 @@ class OutputFiles {
   void Write(const std::string& path, const DisparityMap& map);
   void Write(const std::string& path, const Bytes& bytes);
 
+  // Where the caller writes the file for the announced `path`; `size` is what
+  // Commit says of it.
+  std::filesystem::path Begin(const std::string& path, const std::string& size);
+
   // Moves every written file to its place and prints a line for each.
   void Commit();
 
@@ -44,10 +49,7 @@ class OutputFiles {
     std::string size;
   };
 
-  std::filesystem::path AddTemporary(const std::string& path,
-                                     const std::string& size);
-
-  std::vector<std::filesystem::path> announced_;
+  std::set<std::filesystem::path> announced_;
   std::vector<Written> written_;
   std::filesystem::path made_folder_;
 };

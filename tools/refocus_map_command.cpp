@@ -61,8 +61,9 @@ RefocusMapInput ReadInput(const RefocusMapOptions& options) {
     input.image = ReadPicture(options.image);
     input.focus.frame = SizeOf(*input.image);
   }
-  input.focus.point = ParseFocusPoint(
-      options.focus, input.image ? "picture" : "map", input.focus.frame);
+  input.focus.point =
+      ParseFocusPoint("--focus", options.focus, input.image ? "picture" : "map",
+                      input.focus.frame);
   return input;
 }
 

@@ -11,21 +11,27 @@
 #include "command.h"
 #include "false_colour.h"
 #include "focus_point.h"
+#include "frame_difference.h"
 #include "frame_progress.h"
 #include "image_file.h"
 #include "nv21.h"
 #include "output_files.h"
 #include "panel.h"
 #include "refocus_map.h"
+#include "renderer_choice.h"
 #include "size.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
 namespace {
 
+constexpr float kWidestLens = 1.0F;
+
 struct RenderOptions {
-  std::string image, disparity, weights, map_from, focus, output, panel;
-  float f_number = 1.0F;
+  std::string image, disparity, weights, map_from, focus, output, panel,
+      compare;
+  Renderer renderer = Renderer::kGpu;
+  float f_number = kWidestLens;
   int repeat = 0;  // 0: once, without a word about the time
   bool focus_dot = false;
 };
@@ -38,7 +44,24 @@ struct RenderInput {
   Focus focus;
 };
 
-RenderInput ReadInput(const RenderOptions& options) {
+// What only the GPU can do, alone or beside what it is compared with.
+void CheckRenderer(const RenderOptions& options) {
+  const bool on_cpu = options.renderer == Renderer::kCpu;
+  if (!on_cpu && options.compare.empty()) return;
+  const std::string reason = on_cpu ? ": does not go with --renderer cpu"
+                                    : ": does not go with --compare";
+  const auto refuse = [&](bool is_given, const char* option) {
+    if (is_given) throw InputError(option + reason);
+  };
+  refuse(!options.weights.empty(), "--weights");
+  refuse(!options.map_from.empty(), "--map-from");
+  refuse(options.focus_dot, "--focus-dot");
+  refuse(on_cpu && options.f_number != kWidestLens, "--f-number");
+}
+
+// What can be said before any file is read.
+void CheckCombination(const RenderOptions& options) {
+  CheckRenderer(options);
   if (options.disparity.empty() == options.weights.empty()) {
     throw InputError("give one of --disparity and --weights");
   }
@@ -48,17 +71,15 @@ RenderInput ReadInput(const RenderOptions& options) {
   if (!(options.f_number >= 1.0F && options.f_number <= 10.0F)) {
     throw InputError("--f-number: is not between 1 and 10");
   }
+}
+
+RenderInput ReadInput(const RenderOptions& options) {
+  CheckCombination(options);
   RenderInput input;
-  input.picture = ReadPicture(options.image);
-  const int width = input.picture.width, height = input.picture.height;
-  if (width % 2 != 0 || height % 2 != 0) {
-    throw InputError(options.image + ": is " + std::to_string(width) + " x " +
-                     std::to_string(height) +
-                     " pixels; an even width and height are needed");
-  }
-  input.focus = {
-      ParseFocusPoint(options.focus, "picture", SizeOf(input.picture)),
-      options.f_number};
+  input.picture = ReadFramePicture(options.image);
+  input.focus = {ParseFocusPoint("--focus", options.focus, "picture",
+                                 SizeOf(input.picture)),
+                 options.f_number};
   if (options.weights.empty()) {
     input.disparity = ReadDisparity(options.disparity);
   } else {
@@ -76,7 +97,7 @@ void MakeWeights(const Generator& generator, RenderInput& input) {
   input.disparity.reset();
 }
 
-SessionSetup SetupFor(const RenderInput& input, bool focus_dot) {
+SessionSetup SetupFor(const RenderInput& input, const RenderOptions& options) {
   SessionSetup setup;
   setup.picture_width = input.picture.width;
   setup.picture_height = input.picture.height;
@@ -87,38 +108,46 @@ SessionSetup SetupFor(const RenderInput& input, bool focus_dot) {
     setup.work_width = input.weights->width;
     setup.work_height = input.weights->height;
   }
-  setup.focus_dot = focus_dot;
+  setup.renderer = options.renderer;
+  setup.focus_dot = options.focus_dot;
   return setup;
 }
 
-// Renders a copy of the input into `frame` and returns the call's time in ms.
-double RenderFrame(const BokehSession& session, const Nv21Frame& source,
-                   const RenderInput& input, Nv21Frame& frame) {
+struct Rendered {
+  Nv21Frame frame;  // the last one
+  bool is_focus_sharp = true;
+  std::vector<double> times_ms;  // of the calls
+};
+
+// Renders a copy of the input.
+void RenderFrame(const BokehSession& session, const Nv21Frame& source,
+                 const RenderInput& input, Rendered& rendered) {
   using Clock = std::chrono::steady_clock;
-  frame = source;
+  rendered.frame = source;
   std::optional<DisparityMap> disparity = input.disparity;
   const Clock::time_point start = Clock::now();
   if (disparity) {
-    session.Render(frame, *disparity, input.focus);
+    rendered.is_focus_sharp =
+        session.Render(rendered.frame, *disparity, input.focus);
   } else {
-    session.Render(frame, *input.weights, input.focus);
+    session.Render(rendered.frame, *input.weights, input.focus);
   }
-  return std::chrono::duration<double, std::milli>(Clock::now() - start)
-      .count();
+  rendered.times_ms.push_back(
+      std::chrono::duration<double, std::milli>(Clock::now() - start).count());
 }
 
-Picture RenderFrames(const RenderInput& input, const RenderOptions& options,
-                     std::vector<double>& times_ms) {
-  const BokehSession session(SetupFor(input, options.focus_dot));
+// In a session of its own; none may run.
+Rendered RenderFrames(const RenderInput& input, const SessionSetup& setup,
+                      int count) {
+  const BokehSession session(setup);
   const Nv21Frame source = ToNv21(input.picture);
-  Nv21Frame frame;
-  const int count = std::max(options.repeat, 1);
+  Rendered rendered;
   const ProgressBar bar(count);
   for (int i = 0; i < count; ++i) {
-    times_ms.push_back(RenderFrame(session, source, input, frame));
+    RenderFrame(session, source, input, rendered);
     bar.Show(i + 1);
   }
-  return ToPicture(frame);
+  return rendered;
 }
 
 void PrintTimes(const std::vector<double>& times_ms) {
@@ -127,25 +156,54 @@ void PrintTimes(const std::vector<double>& times_ms) {
               times.median_ms, times.worst_ms, times_ms.size());
 }
 
+void PrintDifferences(const Nv21Frame& a, const Nv21Frame& b) {
+  for (const PlaneDifference& difference : Compare(a, b)) {
+    std::printf("%s: PSNR %.2f dB, largest difference %d\n", difference.plane,
+                difference.psnr_db, difference.largest);
+  }
+}
+
+SessionSetup WithOtherRenderer(SessionSetup setup) {
+  const bool on_gpu = setup.renderer == Renderer::kGpu;
+  setup.renderer = on_gpu ? Renderer::kCpu : Renderer::kGpu;
+  return setup;
+}
+
+Picture Panel(const RenderInput& input, const Picture& result) {
+  const Picture map = input.disparity ? FalseColour(*input.disparity)
+                                      : FalseColour(*input.weights);
+  return MakePanel({input.picture, map, result});
+}
+
 void Run(const RenderOptions& options) {
   RenderInput input = ReadInput(options);
   OutputFiles outputs;
   outputs.Announce(options.output);
-  if (!options.panel.empty()) outputs.Announce(options.panel);
+  for (const std::string& path : {options.panel, options.compare}) {
+    if (!path.empty()) outputs.Announce(path);
+  }
 
   if (!options.map_from.empty()) {
     MakeWeights(*GeneratorNamed(options.map_from), input);
   }
-  std::vector<double> times_ms;
-  const Picture result = RenderFrames(input, options, times_ms);
+  const SessionSetup setup = SetupFor(input, options);
+  const Rendered one = RenderFrames(input, setup, std::max(options.repeat, 1));
+  std::optional<Rendered> other;
+  if (!options.compare.empty()) {
+    other = RenderFrames(input, WithOtherRenderer(setup), 1);
+    outputs.Write(options.compare, ShowDifference(one.frame, other->frame));
+  }
+  const Picture result = ToPicture(one.frame);
   outputs.Write(options.output, result);
   if (!options.panel.empty()) {
-    const Picture map = input.disparity ? FalseColour(*input.disparity)
-                                        : FalseColour(*input.weights);
-    outputs.Write(options.panel, MakePanel({input.picture, map, result}));
+    outputs.Write(options.panel, Panel(input, result));
   }
   outputs.Commit();
-  if (options.repeat > 0) PrintTimes(times_ms);
+  const bool is_focus_sharp =
+      one.is_focus_sharp && (!other || other->is_focus_sharp);
+  TellOfBlurredFocus(is_focus_sharp ? 0 : 1, 1);
+  if (other) PrintDifferences(one.frame, other->frame);
+  if (options.repeat > 0) PrintTimes(one.times_ms);
 }
 
 }  // namespace
@@ -177,6 +235,7 @@ Command AddRenderCommand(CLI::App& program) {
   app->add_option("--f-number", options->f_number,
                   "1 (strongest blur, the default) to 10 (hardly any)")
       ->type_name("N");
+  AddRendererOption(*app, options->renderer);
   app->add_flag("--focus-dot", options->focus_dot,
                 "Mark the focus point in the result");
   app->add_option("-o,--output", options->output, "The result, PNG")
@@ -190,6 +249,12 @@ Command AddRenderCommand(CLI::App& program) {
                   "Render this many frames and print the frame time")
       ->type_name("N")
       ->check(CLI::Range(1, 100000));
+  app->add_option("--compare", options->compare,
+                  "Also render with the other renderer, print how far the\n"
+                  "results are apart, and write the difference, " +
+                      std::to_string(kDifferenceGain) +
+                      " times\nas strong, PNG")
+      ->type_name("FILE");
   app->footer(
       "Example:\n"
       "  zuqel render --image photo.jpg --disparity disparity.png \\\n"

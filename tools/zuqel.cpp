@@ -49,6 +49,7 @@ int Run(int argc, char** argv) {
   const std::array commands = {
       zuqel::tools::AddRenderCommand(program),
       zuqel::tools::AddRefocusMapCommand(program),
+      zuqel::tools::AddSequenceCommand(program),
       zuqel::tools::AddDemoCommand(program),
       zuqel::tools::AddRawCommand(program),
       zuqel::tools::AddCalibrationCommand(program),

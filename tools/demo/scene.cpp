@@ -22,6 +22,11 @@ constexpr float kStereoShift = 8;  // map pixels
 
 class Painter {
  public:
+  Painter() : oranges_(kOranges.begin(), kOranges.end()) {}
+  explicit Painter(const Orange& nearest) : Painter() {
+    oranges_.insert(oranges_.begin(), nearest);
+  }
+
   [[nodiscard]] Surface At(float x, float y) const {
     Surface surface;
     if (PaintThings(x, y, surface)) return surface;
@@ -30,7 +35,7 @@ class Painter {
     for (const Pot& pot : pots_) {
       surface.colour = surface.colour * PotShadow(pot, x, y);
     }
-    for (const Orange& orange : kOranges) {
+    for (const Orange& orange : oranges_) {
       surface.colour = surface.colour * OrangeShadow(orange, x, y);
     }
     return surface;
@@ -40,7 +45,7 @@ class Painter {
   // What stands on the table, nearest first.
   bool PaintThings(float x, float y, Surface& surface) const {
     return bouquet_.Paint(x, y, surface) ||
-           std::any_of(kOranges.begin(), kOranges.end(),
+           std::any_of(oranges_.begin(), oranges_.end(),
                        [&](const Orange& orange) {
                          return PaintOrange(orange, x, y, surface);
                        }) ||
@@ -49,6 +54,7 @@ class Painter {
            });
   }
 
+  std::vector<Orange> oranges_;
   Bouquet bouquet_;
   std::vector<Pot> pots_ = MakePots();
 };
@@ -75,6 +81,16 @@ void PaintPixel(const Painter& painter, int x, int y, uint8_t* rgb) {
   rgb[2] = ToByte(sum.b / 4);
 }
 
+// Paints the columns from `left` to before `right`, the rows from `top` on.
+void PaintPart(const Painter& painter, int left, int top, int right,
+               Picture& picture) {
+  for (int y = top; y < kHeight; ++y) {
+    for (int x = left; x < right; ++x) {
+      PaintPixel(painter, x, y, picture.Pixel(x, y));
+    }
+  }
+}
+
 DisparityMap PaintDisparity(const Painter& painter) {
   DisparityMap map(kWidth / kMapScale, kHeight / kMapScale);
   for (int y = 0; y < map.height; ++y) {
@@ -98,11 +114,21 @@ Scene MakeScene() {
                  PaintDisparity(painter),
                  {330, 300},
                  {900, 380}};
-  for (int y = 0; y < kHeight; ++y) {
-    for (int x = 0; x < kWidth; ++x) {
-      PaintPixel(painter, x, y, scene.picture.Pixel(x, y));
-    }
-  }
+  PaintPart(painter, 0, 0, kWidth, scene.picture);
+  return scene;
+}
+
+MovingScene::MovingScene() : still_(MakeScene()) {}
+
+Scene MovingScene::At(float part) const {
+  const Orange orange = {Mix(1130, 640, part), 815, 82};
+  const Painter painter(orange);
+  Scene scene = still_;
+  scene.disparity = PaintDisparity(painter);
+  scene.near_focus = {static_cast<int>(orange.x), static_cast<int>(orange.y)};
+  // The orange and its shadow, which falls to the right.
+  PaintPart(painter, scene.near_focus.x - 90, 700,
+            std::min(scene.near_focus.x + 180, kWidth), scene.picture);
   return scene;
 }
 

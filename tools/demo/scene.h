@@ -16,6 +16,18 @@ struct Scene {
 
 Scene MakeScene();
 
+// The scene while one more orange crosses the table from right to left.
+class MovingScene {
+ public:
+  MovingScene();
+
+  // 0 is the start, 1 the end; `near_focus` is the orange.
+  [[nodiscard]] Scene At(float part) const;
+
+ private:
+  Scene still_;  // without the orange
+};
+
 }  // namespace zuqel::tools
 
 #endif  // ZUQEL_TOOLS_DEMO_SCENE_H_

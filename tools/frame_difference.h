@@ -1,0 +1,30 @@
+// How far two frames are from one another.
+#ifndef ZUQEL_TOOLS_FRAME_DIFFERENCE_H_
+#define ZUQEL_TOOLS_FRAME_DIFFERENCE_H_
+
+#include <array>
+
+#include "image.h"
+#include "nv21.h"
+
+namespace zuqel::tools {
+
+struct PlaneDifference {
+  const char* plane;
+  double psnr_db;  // infinite when there is no difference
+  int largest;
+};
+
+// Of the planes Y, U and V. Both frames have the same size.
+std::array<PlaneDifference, 3> Compare(const Nv21Frame& a, const Nv21Frame& b);
+
+// What the difference picture shows of each step.
+constexpr int kDifferenceGain = 4;
+
+// The absolute difference of each colour, amplified. Both frames have the same
+// size.
+Picture ShowDifference(const Nv21Frame& a, const Nv21Frame& b);
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_FRAME_DIFFERENCE_H_

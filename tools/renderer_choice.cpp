@@ -1,0 +1,36 @@
+// The choice between the renderers, as people make it and hear of it.
+#include "renderer_choice.h"
+
+#include <cstdio>
+#include <string>
+
+namespace zuqel::tools {
+
+void AddRendererOption(CLI::App& app, Renderer& renderer) {
+  const std::string fallback = renderer == Renderer::kGpu ? "gpu" : "cpu";
+  app.add_option_function<std::string>(
+         "--renderer",
+         [&renderer](const std::string& name) {
+           renderer = name == "gpu" ? Renderer::kGpu : Renderer::kCpu;
+         },
+         "gpu or cpu (" + fallback +
+             " by default). The one on the CPU takes a\n"
+             "disparity, has one strength of blur and smooths its mask over\n"
+             "the frames; it blurs the background even when that is in focus")
+      ->type_name("NAME")
+      ->check(CLI::IsMember({"gpu", "cpu"}));
+}
+
+void TellOfBlurredFocus(int blurred, int count) {
+  if (blurred == 0) return;
+  const std::string frames = count == 1
+                                 ? std::string()
+                                 : " in " + std::to_string(blurred) + " of " +
+                                       std::to_string(count) + " frames";
+  std::printf(
+      "the background is in focus%s: the CPU renderer blurs it all the same; "
+      "--renderer gpu keeps it sharp\n",
+      frames.c_str());
+}
+
+}  // namespace zuqel::tools

@@ -1,0 +1,210 @@
+// zuqel sequence: a series of frames through one session.
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "bokeh_session.h"
+#include "command.h"
+#include "demo/scene.h"
+#include "file_series.h"
+#include "focus_point.h"
+#include "frame_progress.h"
+#include "image_file.h"
+#include "nv21.h"
+#include "renderer_choice.h"
+#include "sequence_writer.h"
+#include "size.h"
+#include "tool_error.h"
+
+namespace zuqel::tools {
+namespace {
+
+constexpr int kDemoFrames = 50;
+
+struct SequenceOptions {
+  std::string images, disparities, focus, focus_to;
+  SequenceTarget target;  // numbers the files that are read as well
+  bool is_demo = false;
+  Renderer renderer = Renderer::kCpu;
+};
+
+struct SourceFrame {
+  Picture picture;
+  DisparityMap disparity;
+  FocusPoint focus;  // unless one is given
+};
+
+// By the place in the series, in order.
+using FrameSource = std::function<SourceFrame(int index)>;
+
+// The first of a kind sets the size of the others.
+void CheckSameSize(const std::string& name, Size size, Size& expected) {
+  if (expected == Size{}) expected = size;
+  if (size == expected) return;
+  throw InputError(name + ": is " + ToText(size) + "; the series began with " +
+                   ToText(expected));
+}
+
+FrameSource FilesOf(const SequenceOptions& options) {
+  if (options.images.empty()) {
+    throw InputError("give one of --images and --demo");
+  }
+  if (options.target.count == 0) throw InputError("--images needs --count");
+  if (options.focus.empty()) throw InputError("--images needs --focus");
+  const FileSeries images("--images", options.images);
+  const FileSeries disparities("--disparities", options.disparities);
+  return [=, first = options.target.first, picture_size = Size{},
+          map_size = Size{}](int index) mutable {
+    const std::string image = images.Name(first + index);
+    const std::string disparity = disparities.Name(first + index);
+    SourceFrame frame = {ReadFramePicture(image), ReadDisparity(disparity), {}};
+    CheckSameSize(image, SizeOf(frame.picture), picture_size);
+    CheckSameSize(disparity, SizeOf(frame.disparity), map_size);
+    return frame;
+  };
+}
+
+FrameSource DemoOf(int count) {
+  return [count, scene = MovingScene()](int index) {
+    const float part =
+        count < 2 ? 0.0F
+                  : static_cast<float>(index) / static_cast<float>(count - 1);
+    Scene now = scene.At(part);
+    return SourceFrame{std::move(now.picture), std::move(now.disparity),
+                       now.near_focus};
+  };
+}
+
+// From one point to another over the frames, or the source's own.
+class FocusPath {
+ public:
+  FocusPath(const SequenceOptions& options, Size frame)
+      : steps_(options.target.count - 1) {
+    if (options.focus.empty()) return;
+    from_ = ParseFocusPoint("--focus", options.focus, "picture", frame);
+    to_ =
+        options.focus_to.empty()
+            ? *from_
+            : ParseFocusPoint("--focus-to", options.focus_to, "picture", frame);
+  }
+
+  [[nodiscard]] FocusPoint At(int index, FocusPoint own) const {
+    if (!from_) return own;
+    if (steps_ == 0) return *from_;
+    return {from_->x + (to_.x - from_->x) * index / steps_,
+            from_->y + (to_.y - from_->y) * index / steps_};
+  }
+
+ private:
+  int steps_;
+  std::optional<FocusPoint> from_;
+  FocusPoint to_;
+};
+
+SessionSetup SetupFor(const SourceFrame& frame, Renderer renderer) {
+  SessionSetup setup;
+  setup.picture_width = frame.picture.width;
+  setup.picture_height = frame.picture.height;
+  setup.depth_width = frame.disparity.width;
+  setup.depth_height = frame.disparity.height;
+  setup.renderer = renderer;
+  return setup;
+}
+
+// Returns in how many frames the focus was blurred.
+int RenderFrames(const SequenceOptions& options, const FrameSource& source,
+                 SequenceWriter& writer) {
+  const int count = options.target.count;
+  SourceFrame next = source(0);
+  const FocusPath path(options, SizeOf(next.picture));
+  const BokehSession session(SetupFor(next, options.renderer));
+  const ProgressBar bar(count);
+  int blurred = 0;
+  for (int i = 0; i < count; ++i) {
+    if (i > 0) next = source(i);
+    Nv21Frame frame = ToNv21(next.picture);
+    const Focus focus = {path.At(i, next.focus)};
+    if (!session.Render(frame, next.disparity, focus)) ++blurred;
+    writer.Add(frame);
+    bar.Show(i + 1);
+  }
+  return blurred;
+}
+
+void Run(SequenceOptions options) {
+  int& count = options.target.count;
+  if (options.is_demo && count == 0) count = kDemoFrames;
+  SequenceWriter writer(options.target);
+  const FrameSource source = options.is_demo ? DemoOf(count) : FilesOf(options);
+  const int blurred = RenderFrames(options, source, writer);
+  writer.Commit();
+  TellOfBlurredFocus(blurred, count);
+}
+
+void AddSourceOptions(CLI::App& app, SequenceOptions& options) {
+  CLI::Option* images =
+      app.add_option("--images", options.images,
+                     "The pictures, PNG or JPEG, with even sides; one %d or\n"
+                     "%04d stands for the number")
+          ->type_name("PATTERN");
+  CLI::Option* disparities =
+      app.add_option("--disparities", options.disparities,
+                     "Their disparities, 16-bit grey PNG: 0..1022, larger is\n"
+                     "nearer, 1023 is unknown")
+          ->type_name("PATTERN");
+  images->needs(disparities);
+  disparities->needs(images);
+  CLI::Option* first =
+      app.add_option("--first", options.target.first,
+                     "The first number (0), of what is read and written")
+          ->type_name("N")
+          ->check(CLI::Range(0, 1000000000));
+  app.add_flag("--demo", options.is_demo,
+               "In their place, a built-in scene that an orange crosses")
+      ->excludes(images)
+      ->excludes(first);
+  app.add_option("--count", options.target.count,
+                 "How many frames; of the demo " + std::to_string(kDemoFrames) +
+                     " by default")
+      ->type_name("N")
+      ->check(CLI::Range(1, 100000));
+}
+
+}  // namespace
+
+Command AddSequenceCommand(CLI::App& program) {
+  CLI::App* app = program.add_subcommand(
+      "sequence", "Render a series of frames as the camera would");
+  auto options = std::make_shared<SequenceOptions>();
+  AddSourceOptions(*app, *options);
+  CLI::Option* focus =
+      app->add_option("--focus", options->focus,
+                      "What is sharp, in picture pixels; of the demo the\n"
+                      "orange by default")
+          ->type_name("X,Y");
+  app->add_option("--focus-to", options->focus_to,
+                  "Where the focus moves to over the frames")
+      ->type_name("X,Y")
+      ->needs(focus);
+  AddRendererOption(*app, options->renderer);
+  app->add_option("-o,--output", options->target.path,
+                  "One video when it ends with .y4m, else a pattern for\n"
+                  "numbered PNG")
+      ->type_name("FILE")
+      ->required();
+  app->add_option("--fps", options->target.frames_per_second,
+                  "Frames a second of the video, 25 by default")
+      ->type_name("N")
+      ->check(CLI::Range(1, 1000));
+  app->footer(
+      "Examples:\n"
+      "  zuqel sequence --demo -o moving.y4m\n"
+      "  zuqel sequence --images in_%04d.png --disparities depth_%04d.png \\\n"
+      "    --first 1 --count 100 --focus 640,480 --focus-to 200,480 \\\n"
+      "    -o out_%04d.png");
+  return {app, [options] { Run(*options); }};
+}
+
+}  // namespace zuqel::tools

@@ -1,0 +1,46 @@
+// Where a series of frames goes: numbered pictures or one video.
+#ifndef ZUQEL_TOOLS_SEQUENCE_WRITER_H_
+#define ZUQEL_TOOLS_SEQUENCE_WRITER_H_
+
+#include <optional>
+#include <string>
+
+#include "file_series.h"
+#include "nv21.h"
+#include "output_files.h"
+#include "y4m_file.h"
+
+namespace zuqel::tools {
+
+struct SequenceTarget {
+  std::string path;  // a video when it ends with .y4m, else a file series
+  int first = 0;     // number of the first picture
+  int count = 0;     // of frames
+  std::optional<int> frames_per_second;  // of a video
+};
+
+// Keeps no frame. The files appear in Commit, or not at all.
+class SequenceWriter {
+ public:
+  // InputError when the files cannot be written.
+  explicit SequenceWriter(const SequenceTarget& target);
+
+  // The next frame; all have the same size.
+  void Add(const Nv21Frame& frame);
+
+  // After the last frame. Prints a line for each file.
+  void Commit();
+
+ private:
+  void AddToVideo(const Nv21Frame& frame);
+
+  SequenceTarget target_;
+  OutputFiles outputs_;
+  std::optional<FileSeries> pictures_;  // else a video
+  std::optional<Y4mFile> video_;        // from the first frame on
+  int added_ = 0;
+};
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_SEQUENCE_WRITER_H_

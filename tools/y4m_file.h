@@ -1,0 +1,33 @@
+// Uncompressed video that any player opens.
+#ifndef ZUQEL_TOOLS_Y4M_FILE_H_
+#define ZUQEL_TOOLS_Y4M_FILE_H_
+
+#include <filesystem>
+#include <fstream>
+
+#include "nv21.h"
+#include "size.h"
+
+namespace zuqel::tools {
+
+// YUV4MPEG2: a line on the video, then each frame's planes Y, U, V. The members
+// throw WorkError when not all of it could be written.
+class Y4mFile {
+ public:
+  Y4mFile(const std::filesystem::path& path, Size size, int frames_per_second);
+
+  // `frame` has the video's size.
+  void Add(const Nv21Frame& frame);
+
+  void Close();
+
+ private:
+  void Check() const;
+
+  std::filesystem::path path_;
+  std::ofstream file_;
+};
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_Y4M_FILE_H_
