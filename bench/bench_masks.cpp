@@ -1,11 +1,10 @@
-// Makes masks, reads one, and times copies.
+// Makes masks and reads one.
 #include "bench_masks.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <fstream>
 #include <random>
 #include <string>
@@ -116,25 +115,6 @@ Image Checkerboard() {
       [](int32_t x, int32_t y) { return (x + y) % 2 == 0 ? kSet : 0; });
   ClearRing(image);
   return image;
-}
-
-Image GreyNoise() {
-  std::seed_seq seed = {5};
-  std::mt19937 random(seed);
-  return MakeImage([&random](int32_t, int32_t) { return random() >> 24; });
-}
-
-double CopySeconds(size_t bytes) {
-  constexpr int kRounds = 1000;
-  const std::vector<uint8_t> source(bytes / 2, 1);
-  std::vector<uint8_t> copy(bytes / 2, 2);
-  const std::clock_t start = std::clock();
-  for (int i = 0; i < kRounds; ++i) {
-    std::memcpy(copy.data(), source.data(), copy.size());
-    benchmark::ClobberMemory();
-  }
-  const auto ticks = static_cast<double>(std::clock() - start);
-  return ticks / CLOCKS_PER_SEC / kRounds;
 }
 
 }  // namespace zuqel::bench

@@ -14,7 +14,7 @@ namespace {
 using Filter = bool (*)(Plane<const uint8_t>, uint8_t, Buffer&, Plane<uint8_t>);
 
 void SquareFilter(benchmark::State& state, Filter filter) {
-  const Image image = GreyNoise();
+  const Image image = GreyNoise(640, 480);
   const auto radius = static_cast<uint8_t>(state.range(0));
   Image filtered = image;
   Buffer scratch;

@@ -14,23 +14,13 @@
 
 #include "base/buffer.h"
 #include "bench_masks.h"
+#include "compare_images.h"
 #include "depth/components.h"
 #include "depth/morphology.h"
+#include "opencv_images.h"
 
 namespace zuqel::bench {
 namespace {
-
-void Expect(bool is_equal, const char* what) {
-  if (is_equal) return;
-  static_cast<void>(std::fprintf(stderr, "OpenCV differs: %s\n", what));
-  std::abort();
-}
-
-// A header on pixels that it neither owns nor writes.
-cv::Mat MatOf(const Image& image) {
-  return {image.height, image.width, CV_8UC1,
-          const_cast<uint8_t*>(image.pixels.data())};
-}
 
 cv::Mat SquareOf(int32_t radius) {
   const int32_t side = 2 * radius + 1;
@@ -55,18 +45,18 @@ void CompareComponents(const Image& mask, const char* name) {
     int32_t& theirs_here = their_label[ours[i]];
     const int32_t label = theirs.at<int32_t>(static_cast<int32_t>(i));
     int64_t& ours_here = our_label[static_cast<size_t>(label)];
-    Expect((theirs_here < 0) == (ours_here < 0), name);
+    ExpectTrue((theirs_here < 0) == (ours_here < 0), name);
     theirs_here = theirs_here < 0 ? label : theirs_here;
     ours_here = ours_here < 0 ? ours[i] : ours_here;
-    Expect(theirs_here == label && ours_here == ours[i], name);
+    ExpectTrue(theirs_here == label && ours_here == ours[i], name);
   }
-  Expect(their_label[0] == 0, name);
+  ExpectTrue(their_label[0] == 0, name);
   for (int32_t label = 1; label < count; ++label) {
     const uint32_t area =
         areas[static_cast<size_t>(our_label[static_cast<size_t>(label)])];
-    Expect(statistics.at<int32_t>(label, cv::CC_STAT_AREA) ==
-               static_cast<int32_t>(area),
-           name);
+    ExpectTrue(statistics.at<int32_t>(label, cv::CC_STAT_AREA) ==
+                   static_cast<int32_t>(area),
+               name);
   }
 }
 
@@ -75,9 +65,9 @@ void CompareFilters(const Image& image, const Image& mask, int32_t radius) {
   Image ours = image;
   cv::Mat theirs;
   const auto expect_equal = [&ours, &theirs](bool is_done, const char* name) {
-    Expect(is_done && std::equal(ours.pixels.begin(), ours.pixels.end(),
-                                 theirs.datastart),
-           name);
+    ExpectTrue(is_done && std::equal(ours.pixels.begin(), ours.pixels.end(),
+                                     theirs.datastart),
+               name);
   };
   const auto reach = static_cast<uint8_t>(radius);
   cv::erode(MatOf(image), theirs, SquareOf(radius));
@@ -99,7 +89,7 @@ bool CompareAll() noexcept {
   CompareComponents(DenseNoise(), "components of dense noise");
   CompareComponents(Checkerboard(), "components of a checkerboard");
   for (const int32_t radius : {2, 4, 32}) {
-    CompareFilters(GreyNoise(), SceneMask(), radius);
+    CompareFilters(GreyNoise(640, 480), SceneMask(), radius);
   }
   return true;
 }
@@ -118,7 +108,7 @@ using CvFilter = void (*)(cv::InputArray, cv::OutputArray, cv::InputArray,
                           cv::Point, int, int, const cv::Scalar&);
 
 void CvSquareFilter(benchmark::State& state, CvFilter filter) {
-  const Image image = GreyNoise();
+  const Image image = GreyNoise(640, 480);
   const cv::Mat square = SquareOf(static_cast<int32_t>(state.range(0)));
   cv::Mat filtered;
   TimeRounds(state, 2 * image.pixels.size(), [&] {
