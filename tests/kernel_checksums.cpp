@@ -17,12 +17,14 @@
 
 #include "base/plane.h"
 #include "calib/calibration.h"
+#include "cpu_bokeh/box_blur.h"
 #include "cpu_bokeh/expansion.h"
 #include "cpu_bokeh/resize_plane.h"
 #include "depth/disparity_range.h"
 #include "depth/focus_disparity.h"
 #include "depth/focus_mask.h"
 #include "depth/hole_filling.h"
+#include "depth/morphology.h"
 #include "depth/quantised_distance.h"
 #include "depth/refocus_refinement.h"
 #include "render/focus_dot.h"
@@ -160,6 +162,19 @@ void SumDisparity(Size size, Trial& trial) {
   }
 }
 
+bool Box(Plane<const uint8_t> in, uint8_t radius, Buffer& scratch,
+         Plane<uint8_t> out) {
+  return BoxBlur(in, radius, scratch, out);
+}
+
+template <auto kFilter>
+void SumFilter(Size size, Trial& trial) {
+  auto plane = trial.Noise<uint8_t>(size.size());
+  Buffer scratch;
+  EXPECT_TRUE(kFilter(View(plane, size), 4, scratch, View(plane, size)));
+  trial.Add(plane);
+}
+
 void SumResizePlane(Size size, Trial& trial) {
   ResizeScratch scratch;
   auto plane = trial.Noise<uint8_t>(size.size());
@@ -246,6 +261,9 @@ constexpr auto kKernels = std::to_array<Kernel>({
     {"FocusMaskDist", SumDisparity<FocusMaskDist>},
     {"FocusMaskExpansion", SumDisparity<Grow>},
     {"RefineRefocusMap", SumDisparity<Refine>},
+    {"ErodeMin", SumFilter<ErodeMin>},
+    {"DilateMax", SumFilter<DilateMax>},
+    {"BoxBlur", SumFilter<Box>},
     {"ResizePlane", SumResizePlane},
     {"RenderExpansion", SumRenderExpansion},
     {"DecodeCalibration", SumDecodeCalibration},
