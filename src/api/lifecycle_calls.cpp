@@ -89,11 +89,8 @@ void CreateGlObjects(Session& session, const StartCall& call) {
   }
 }
 
-// Names can be given back only where they live.
 void DeleteGlObjects(FrameSession& frame) {
-  const bool is_current = frame.render_context != EGL_NO_CONTEXT &&
-                          eglGetCurrentContext() == frame.render_context;
-  if (is_current) {
+  if (zuqel::IsCurrent(frame.render_context)) {
     zuqel::DeleteRenderState(frame.render);
   } else {
     zuqel::ForgetRenderState(frame.render);

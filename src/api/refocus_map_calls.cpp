@@ -1,5 +1,4 @@
 // Makes refocus maps: on the GPU, and on the CPU from disparity and distance.
-#include <EGL/egl.h>
 #include <zuQelRT_GL.h>
 
 #include <algorithm>
@@ -113,8 +112,7 @@ void WriteStatistics(const DisparityStatistics& statistics,
 class DrawScope {
  public:
   explicit DrawScope(const Session& session) {
-    EGLContext home = session.refocus_map.render_context;
-    if (home != EGL_NO_CONTEXT && eglGetCurrentContext() == home) {
+    if (zuqel::IsCurrent(session.refocus_map.render_context)) {
       plain_state_.emplace();
     }
   }

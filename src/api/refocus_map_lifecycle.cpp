@@ -44,11 +44,8 @@ void CreateGlObjects(Session& session) {
                                    refocus_map.render.programs);
 }
 
-// Names can be given back only where they live.
 void DeleteGlObjects(RefocusMapSession& refocus_map) {
-  const bool is_current = refocus_map.render_context != EGL_NO_CONTEXT &&
-                          eglGetCurrentContext() == refocus_map.render_context;
-  if (is_current) {
+  if (zuqel::IsCurrent(refocus_map.render_context)) {
     zuqel::DeleteRefocusMapState(refocus_map.render);
   } else {
     zuqel::ForgetRefocusMapState(refocus_map.render);

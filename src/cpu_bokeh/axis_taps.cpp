@@ -60,6 +60,8 @@ void AxisTaps::Grow(int64_t source, int64_t target) {
   const int64_t start = (source - target) * (kOne / 2);
   int64_t position = start / target;
   int64_t carried = start % target;
+  const int64_t step = source * kOne / target;
+  const int64_t remainder = source * kOne % target;
   for (int64_t t = 0; t < target; ++t) {
     const int64_t current = std::max<int64_t>(position, 0) / kOne;
     const int64_t share = std::max<int64_t>(position, 0) % kOne;
@@ -71,8 +73,8 @@ void AxisTaps::Grow(int64_t source, int64_t target) {
       Add(share);
     }
     End();
-    position += source * kOne / target;
-    carried += source * kOne % target;
+    position += step;
+    carried += remainder;
     if (carried < target) continue;
     carried -= target;
     ++position;
@@ -83,10 +85,12 @@ void AxisTaps::Shrink(int64_t source, int64_t target) {
   int64_t left = target * kOne;  // to be covered
   int64_t carried = 0;
   int64_t missing = kOne;  // of the current target sample
+  const int64_t step = target * kOne / source;
+  const int64_t remainder = target * kOne % source;
   Begin(0);
   for (int64_t s = 0; s < source; ++s) {
-    int64_t cover = target * kOne / source;
-    if (s > 0) carried += target * kOne % source;
+    int64_t cover = step;
+    if (s > 0) carried += remainder;
     if (carried >= source) {
       carried -= source;
       ++cover;

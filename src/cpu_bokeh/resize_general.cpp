@@ -115,15 +115,18 @@ void ResizeRow(const Lane<Sample>* row, const AxisTaps& columns, int32_t width,
 template <typename Sample>
 bool ResizeGeneral(Plane<const Sample> in, RowFunction<Sample> resize_row,
                    GeneralScratch& scratch, Plane<Sample> out) {
-  const auto row_bytes = ByteCount(in.width, 1, sizeof(Lane<Sample>));
-  constexpr size_t kBehind = AxisTaps::kPadded * sizeof(Lane<Sample>);
-  if (!row_bytes || !scratch.rows.Walk(in.height, out.height) ||
-      !scratch.columns.Walk(in.width, out.width) ||
-      !scratch.row.Reserve(*row_bytes + kBehind)) {
-    return false;
-  }
   if constexpr (sizeof(Sample) == 1) {
     if (resize_row == nullptr) resize_row = RowOfWalk(in.width, out.width);
+  }
+  const auto row_bytes = ByteCount(in.width, 1, sizeof(Lane<Sample>));
+  constexpr size_t kBehind = AxisTaps::kPadded * sizeof(Lane<Sample>);
+  if (!row_bytes || !scratch.row.Reserve(*row_bytes + kBehind) ||
+      !scratch.rows.Walk(in.height, out.height)) {
+    return false;
+  }
+  // Fixed weights need no walk along the columns.
+  if (resize_row == nullptr && !scratch.columns.Walk(in.width, out.width)) {
+    return false;
   }
   auto* row = reinterpret_cast<Lane<Sample>*>(scratch.row.bytes());
   for (int32_t y = 0; y < out.height; ++y) {

@@ -1,4 +1,4 @@
-// Cleans masks: one pass builds a table of what to keep, a second applies it.
+// Cleans masks: what to keep is decided by label, and one pass applies it.
 #include "depth/component_cleanup.h"
 
 #include <algorithm>

@@ -118,4 +118,8 @@ void DeleteContext(ContextSlot& slot, int index) {
   if (deleted) slot = {};
 }
 
+bool IsCurrent(EGLContext home) {
+  return home != EGL_NO_CONTEXT && eglGetCurrentContext() == home;
+}
+
 }  // namespace zuqel

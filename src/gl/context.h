@@ -23,6 +23,10 @@ void CreateContext(ContextSlot& slot);
 // slot's number in the log.
 void DeleteContext(ContextSlot& slot, int index);
 
+// Whether `home`, the context that GL names live in, is this thread's; never of
+// EGL_NO_CONTEXT. Names can be used and given back only there.
+bool IsCurrent(EGLContext home);
+
 }  // namespace zuqel
 
 #endif  // ZUQEL_GL_CONTEXT_H_
