@@ -27,7 +27,7 @@
 #include "depth/morphology.h"
 #include "depth/quantised_distance.h"
 #include "depth/refocus_refinement.h"
-#include "render/focus_dot.h"
+#include "frame/focus_dot.h"
 #include "render/plane_conversion.h"
 
 namespace zuqel {

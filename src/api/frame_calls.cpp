@@ -13,8 +13,8 @@
 #include "depth/hole_filling.h"
 #include "gl/frame_dump.h"
 #include "gl/gl_state.h"
-#include "render/focus_dot.h"
-#include "render/frame_upload.h"
+#include "frame/focus_dot.h"
+#include "frame/frame_upload.h"
 
 namespace {
 

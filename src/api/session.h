@@ -18,8 +18,8 @@
 #include "gl/graphic_buffer.h"
 #include "gl/program_cache.h"
 #include "render/debug_pictures.h"
-#include "render/frame_renderer.h"
-#include "render/refocus_map_renderer.h"
+#include "frame/frame_renderer.h"
+#include "refocus/refocus_map_renderer.h"
 
 namespace zuqel {
 

@@ -9,12 +9,9 @@
 #include <optional>
 #include <span>
 
-namespace zuqel {
+#include "base/image_size.h"
 
-// A size as given by a caller: negative counts as 0.
-inline int32_t NonNegative(int32_t size) {
-  return size < 0 ? 0 : size;
-}
+namespace zuqel {
 
 // Bytes of width x height samples, or nothing when they pass 2^31 - 1, which
 // counts as out of memory.

@@ -6,7 +6,7 @@
 
 #include <array>
 
-#include "render/passes.h"
+#include "frame/passes.h"
 
 namespace zuqel {
 

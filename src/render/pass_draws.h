@@ -9,14 +9,10 @@
 
 #include <cstdint>
 
+#include "base/image_size.h"
 #include "render/quad.h"
 
 namespace zuqel {
-
-struct ImageSize {
-  int32_t width = 0;
-  int32_t height = 0;
-};
 
 // A region of the output in pixels, from the lower left.
 struct DrawRegion {

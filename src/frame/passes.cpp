@@ -1,5 +1,5 @@
 // Draws the passes.
-#include "render/passes.h"
+#include "frame/passes.h"
 
 namespace zuqel {
 namespace {

@@ -1,5 +1,5 @@
 // Targets and passes of the refocus maps.
-#include "render/refocus_map_renderer.h"
+#include "refocus/refocus_map_renderer.h"
 
 #include <GLES2/gl2ext.h>
 

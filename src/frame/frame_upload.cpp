@@ -1,5 +1,5 @@
 // Uploads textures.
-#include "render/frame_upload.h"
+#include "frame/frame_upload.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,12 +1,12 @@
 // Renders one uploaded frame on the GPU.
-#ifndef ZUQEL_RENDER_FRAME_RENDERER_H_
-#define ZUQEL_RENDER_FRAME_RENDERER_H_
+#ifndef ZUQEL_FRAME_RENDERER_H_
+#define ZUQEL_FRAME_RENDERER_H_
 
 #include <cstdint>
 
+#include "frame/passes.h"
 #include "gl/frame_dump.h"
 #include "render/debug_pictures.h"
-#include "render/passes.h"
 
 namespace zuqel {
 
@@ -54,4 +54,4 @@ void RenderFrame(const RenderState* state, const FrameJob& job);
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_RENDER_FRAME_RENDERER_H_
+#endif  // ZUQEL_FRAME_RENDERER_H_

@@ -11,8 +11,8 @@
 //   Pick3x3          a texture                 a target             work
 //   Composite        image, target 2, weights  13 or default        output
 //   DebugPicture     a debug texture           target 13            as given
-#ifndef ZUQEL_RENDER_PASSES_H_
-#define ZUQEL_RENDER_PASSES_H_
+#ifndef ZUQEL_FRAME_PASSES_H_
+#define ZUQEL_FRAME_PASSES_H_
 
 #include <array>
 #include <cstddef>
@@ -81,4 +81,4 @@ void PassComposite(const RenderState& state, const CompositeInputs& inputs,
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_RENDER_PASSES_H_
+#endif  // ZUQEL_FRAME_PASSES_H_

@@ -1,5 +1,5 @@
 // The order of passes of a frame.
-#include "render/frame_renderer.h"
+#include "frame/frame_renderer.h"
 
 #include <array>
 

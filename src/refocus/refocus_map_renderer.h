@@ -1,7 +1,7 @@
 // Draws refocus maps on the GPU: weights from disparity, and the softening of a
 // map that the CPU has cleaned in between.
-#ifndef ZUQEL_RENDER_REFOCUS_MAP_RENDERER_H_
-#define ZUQEL_RENDER_REFOCUS_MAP_RENDERER_H_
+#ifndef ZUQEL_REFOCUS_REFOCUS_MAP_RENDERER_H_
+#define ZUQEL_REFOCUS_REFOCUS_MAP_RENDERER_H_
 
 #include <array>
 #include <cstdint>
@@ -58,4 +58,4 @@ void ReadRefocusMap(ImageSize map_size, std::span<uint32_t> rgba);
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_RENDER_REFOCUS_MAP_RENDERER_H_
+#endif  // ZUQEL_REFOCUS_REFOCUS_MAP_RENDERER_H_

@@ -1,11 +1,11 @@
 // Moves a frame and its weights or depth into textures.
-#ifndef ZUQEL_RENDER_FRAME_UPLOAD_H_
-#define ZUQEL_RENDER_FRAME_UPLOAD_H_
+#ifndef ZUQEL_FRAME_UPLOAD_H_
+#define ZUQEL_FRAME_UPLOAD_H_
 
 #include <cstdint>
 
 #include "base/buffer.h"
-#include "render/passes.h"
+#include "frame/passes.h"
 #include "render/plane_conversion.h"
 
 namespace zuqel {
@@ -38,4 +38,4 @@ void UploadPacked(const RenderState& state, ImageSize size,
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_RENDER_FRAME_UPLOAD_H_
+#endif  // ZUQEL_FRAME_UPLOAD_H_

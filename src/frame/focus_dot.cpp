@@ -1,5 +1,5 @@
 // Finds the centre of focus and draws the dot.
-#include "render/focus_dot.h"
+#include "frame/focus_dot.h"
 
 namespace zuqel {
 namespace {
