@@ -1,6 +1,6 @@
 // Pictures for the tests, the same in every run.
-#ifndef TESTS_TEST_SCENE_H_
-#define TESTS_TEST_SCENE_H_
+#ifndef ZUQEL_TESTING_TEST_SCENE_H_
+#define ZUQEL_TESTING_TEST_SCENE_H_
 
 #include <cstdint>
 #include <vector>
@@ -67,4 +67,4 @@ inline std::vector<uint16_t> DisparityScene(int width, int height, int low,
 
 }  // namespace zuqel
 
-#endif  // TESTS_TEST_SCENE_H_
+#endif  // ZUQEL_TESTING_TEST_SCENE_H_

@@ -1,6 +1,6 @@
 // Memory whose end is the end of what may be touched.
-#ifndef ZUQEL_GUARDED_MEMORY_H_
-#define ZUQEL_GUARDED_MEMORY_H_
+#ifndef ZUQEL_TESTING_GUARDED_MEMORY_H_
+#define ZUQEL_TESTING_GUARDED_MEMORY_H_
 
 #include <sys/mman.h>
 #include <unistd.h>
@@ -57,4 +57,4 @@ class GuardedMemory {
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_GUARDED_MEMORY_H_
+#endif  // ZUQEL_TESTING_GUARDED_MEMORY_H_

@@ -1,6 +1,6 @@
 // Compares what the GPU made with what plain arithmetic makes.
-#ifndef TESTS_COMPARE_H_
-#define TESTS_COMPARE_H_
+#ifndef ZUQEL_TESTING_COMPARE_H_
+#define ZUQEL_TESTING_COMPARE_H_
 
 #include <GLES2/gl2.h>
 #include <gtest/gtest.h>
@@ -63,4 +63,4 @@ inline reference::Image ReadPixels(GLuint framebuffer, reference::Size size) {
 
 }  // namespace zuqel
 
-#endif  // TESTS_COMPARE_H_
+#endif  // ZUQEL_TESTING_COMPARE_H_

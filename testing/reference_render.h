@@ -1,7 +1,7 @@
 // The rendering written down plainly for the tests: one pixel at a time, in
 // floating point, every stage rounded to eight bits as a target holds it.
-#ifndef TESTS_REFERENCE_RENDER_H_
-#define TESTS_REFERENCE_RENDER_H_
+#ifndef ZUQEL_TESTING_REFERENCE_RENDER_H_
+#define ZUQEL_TESTING_REFERENCE_RENDER_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -85,4 +85,4 @@ void WriteBack(const Image& image, int format, Planes& planes);
 
 }  // namespace zuqel::reference
 
-#endif  // TESTS_REFERENCE_RENDER_H_
+#endif  // ZUQEL_TESTING_REFERENCE_RENDER_H_
