@@ -218,5 +218,24 @@ TEST_F(ProgramCacheTest, BuilderStaysInsideTheCache) {
       std::equal(expected.cache.begin(), expected.cache.end(), cache.data()));
 }
 
+// As on a driver that links programs but keeps no binaries.
+TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {
+  const ScopedSession session(SmallInfo(), nullptr);
+  const std::array<CacheStep, 2> steps = {
+      {{&SourceOf(CopyProgram), 2}, {&SourceOf(Nv21ToRgbProgram), 6}}};
+  Bytes expected(kCacheBytes);
+  SetEntry(expected, 2, {kHeadBytes, 0});
+  SetEntry(expected, 6, {kHeadBytes, 0});
+  SetWord(expected, kValidWord, 1);
+  Cache cache(kCacheBytes);
+  log_.Take();
+  driver::SetFailing(driver::Call::kProgramBinaryLength, true);
+  BuildProgramCache(steps, cache.span().first<kCacheBytes>());
+  driver::SetFailing(driver::Call::kProgramBinaryLength, false);
+  EXPECT_EQ(log_.Take(), (Lines{"binaryLength = 0", "dst_offset = 92",
+                                "binaryLength = 0", "dst_offset = 92"}));
+  EXPECT_TRUE(std::equal(expected.begin(), expected.end(), cache.data()));
+}
+
 }  // namespace
 }  // namespace zuqel

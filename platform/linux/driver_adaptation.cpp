@@ -6,6 +6,7 @@
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 #include <GLES2/gl2.h>
+#include <GLES2/gl2ext.h>
 
 #include <array>
 #include <atomic>
@@ -157,6 +158,15 @@ void __wrap_glCompileShader(GLuint shader) {
 
 void __wrap_glLinkProgram(GLuint program) {
   if (!Fails(Call::kLinkProgram)) glLinkProgram(program);
+}
+
+void __wrap_glGetProgramiv(GLuint program, GLenum name, GLint* value) {
+  if (name == GL_PROGRAM_BINARY_LENGTH_OES &&
+      Fails(Call::kProgramBinaryLength)) {
+    *value = 0;
+    return;
+  }
+  glGetProgramiv(program, name, value);
 }
 
 EGLint __wrap_eglGetError() {

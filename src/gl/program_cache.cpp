@@ -49,14 +49,16 @@ void LogLinkStatus(GLint status) {
   }
 }
 
-// Writes a linked program's binary to `destination`; its length, or nothing
-// when it does not fit.
+// Writes a linked program's binary to `destination` and returns its length, or
+// nothing when it does not fit. A driver may keep no binaries: the length is 0
+// then, and there is nothing to write.
 std::optional<GLint> WriteBinary(const Program& program,
                                  std::span<uint8_t> destination) {
   GLint length = 0;
   glGetProgramiv(program.get(), GL_PROGRAM_BINARY_LENGTH_OES, &length);
+  if (length == 0) return 0;
   const auto get_binary = GetExtensions().GetProgramBinary;
-  if (get_binary == nullptr || length <= 0 ||
+  if (get_binary == nullptr || length < 0 ||
       static_cast<size_t>(length) > destination.size()) {
     return std::nullopt;
   }

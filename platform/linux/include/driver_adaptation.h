@@ -16,6 +16,7 @@ enum class Call {
   kInitialize,
   kLinkProgram,
   kMakeCurrent,
+  kProgramBinaryLength,  // when it fails, a program has no binary
   kTerminate,
   kCount,
 };
