@@ -82,35 +82,32 @@ void AxisTaps::Grow(int64_t source, int64_t target) {
 }
 
 void AxisTaps::Shrink(int64_t source, int64_t target) {
-  int64_t left = target * kOne;  // to be covered
-  int64_t carried = 0;
-  int64_t missing = kOne;  // of the current target sample
   const int64_t step = target * kOne / source;
   const int64_t remainder = target * kOne % source;
+  int64_t carried = 0;
+  int64_t missing = kOne;  // of the current target sample
   Begin(0);
   for (int64_t s = 0; s < source; ++s) {
     int64_t cover = step;
-    if (s > 0) carried += remainder;
+    carried += remainder;
     if (carried >= source) {
       carried -= source;
       ++cover;
     }
-    if (s == source - 1) cover = left;
-    left -= cover;
     if (cover < missing) {
       Add(cover);
       missing -= cover;
       continue;
     }
-    for (; cover >= missing; missing = kOne) {
-      Add(missing);
-      End();
-      if (entry_count_ == static_cast<size_t>(target)) return;
-      cover -= missing;
-      Begin(cover > 0 ? s : s + 1);
-    }
+    Add(missing);
+    End();
+    cover -= missing;
+    // The coverages add up to `target` whole samples: the last source sample
+    // completes the last target sample, and nothing is left of it.
+    if (s == source - 1) return;
+    Begin(cover > 0 ? s : s + 1);
     if (cover > 0) Add(cover);
-    missing -= cover;
+    missing = kOne - cover;
   }
 }
 

@@ -36,7 +36,8 @@ class AxisTaps {
   // in 1/256 of a source sample, cut, between two samples; before the first and
   // past the last there is that one alone. Where it shrinks, every source
   // sample covers target / source of a target sample, cut to 1/256; what is cut
-  // off is carried along the axis, and the last sample covers what is left.
+  // off is carried along the axis, so that source sample s ends at
+  // floor((s + 1) * target * 256 / source).
   [[nodiscard]] bool Walk(int32_t source, int32_t target);
 
   [[nodiscard]] Taps operator[](int32_t target) const {
