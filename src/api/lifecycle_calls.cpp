@@ -145,7 +145,7 @@ uint32_t Initialise(const StartCall& call) {
   if (call.start == Start::kCached) {
     LogRefocusMapBuffers(session, "Init pointer status");
     ForEachSharedBuffer([&](const zuqel::NamedBuffer& buffer) {
-      session.buffers.Abandon(buffer.role);
+      session.buffers[buffer.role].Release();
     });
   }
 

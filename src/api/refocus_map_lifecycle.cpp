@@ -66,7 +66,7 @@ uint32_t zuQelRT_GenRefocusMap_init() {
   Session& session = zuqel::TheSession();
   zuqel::LogBuffer(session.buffers, kBoundaryBlur,
                    "Refocus init pointer status");
-  session.buffers.Abandon(BufferRole::kBoundaryBlur);
+  session.buffers[BufferRole::kBoundaryBlur].Release();
   if (session.gInfo.offmode != 0) PrepareContext(session);
   CreateGlObjects(session);
   // Without memory now, the maps try again.

@@ -1,16 +1,12 @@
 // Holds the session.
 #include "api/session.h"
 
-#include <array>
-#include <cstddef>
-#include <new>
+#include "base/never_destroyed.h"
 
 namespace zuqel {
 
 Session& TheSession() {
-  alignas(Session) static std::array<std::byte, sizeof(Session)> storage;
-  static auto* session = new (storage.data()) Session;
-  return *session;
+  return NeverDestroyed<Session>();
 }
 
 }  // namespace zuqel

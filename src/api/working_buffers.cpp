@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <optional>
-#include <utility>
 
 #include "base/log.h"
 
@@ -83,13 +82,7 @@ bool WorkingBuffers::Reserve(BufferRole role, const GLInitInfo& info) {
   return (*this)[role].Reserve(BytesOf(kRows[static_cast<size_t>(role)], info));
 }
 
-void WorkingBuffers::Abandon(BufferRole role) {
-  Buffer& buffer = (*this)[role];
-  if (buffer.exists()) abandoned_.push_back(std::exchange(buffer, Buffer()));
-}
-
 void WorkingBuffers::Release(FreedBy by) {
-  abandoned_.clear();
   for (size_t i = 0; i < kRows.size(); ++i) {
     if (kRows[i].freed_by == by) buffers_[i].Release();
   }

@@ -6,7 +6,6 @@
 
 #include <array>
 #include <cstddef>
-#include <vector>
 
 #include "base/buffer.h"
 
@@ -59,11 +58,7 @@ class WorkingBuffers {
   // suffice; then it is as it was.
   [[nodiscard]] bool Reserve(BufferRole role, const GLInitInfo& info);
 
-  // Takes a buffer out of use, so that it is made afresh, and keeps its memory
-  // until close or the end of the refocus maps.
-  void Abandon(BufferRole role);
-
-  // Frees what was abandoned, and the buffers that are freed by this.
+  // Frees the buffers that are freed by this.
   void Release(FreedBy by);
 
   Buffer& operator[](BufferRole role) {
@@ -72,7 +67,6 @@ class WorkingBuffers {
 
  private:
   std::array<Buffer, static_cast<size_t>(BufferRole::kCount)> buffers_;
-  std::vector<Buffer> abandoned_;
 };
 
 // Logs where a buffer is, behind what happens to it.

@@ -6,7 +6,6 @@
 #include <array>
 #include <cstdio>
 #include <memory>
-#include <string>
 
 #include "base/log.h"
 #include "base/property.h"
@@ -15,17 +14,18 @@
 namespace zuqel {
 namespace {
 
-constexpr size_t kLongestName = 256;
+// The name alone has fewer than 256 characters: a short tag and numbers.
+using DumpPath = std::array<char, PROP_VALUE_MAX + 256>;
 
-std::string DumpPath(const DumpImage& image, const DumpName& name) {
+DumpPath PathOf(const DumpImage& image, const DumpName& name) {
   std::array<char, PROP_VALUE_MAX> directory = {};
   __system_property_get("persist.zu.LVGLbokeh.fileDir", directory.data());
-  std::array<char, kLongestName> file = {};
+  DumpPath path = {};
   static_cast<void>(std::snprintf(
-      file.data(), file.size(), "GL%s_%dx%d_v%s_%04d_%d_%d.raw", image.tag,
-      image.width, image.height, kVersion.data(),
+      path.data(), path.size(), "%sGL%s_%dx%d_v%s_%04d_%d_%d.raw",
+      directory.data(), image.tag, image.width, image.height, kVersion.data(),
       static_cast<int>(name.sequence_number), name.focus_x, name.focus_y));
-  return std::string(directory.data()) + file.data();
+  return path;
 }
 
 }  // namespace
@@ -46,7 +46,7 @@ void DumpFrame(const DumpImage& image, const DumpName& name) {
     }
   };
   const std::unique_ptr<std::FILE, Close> file(
-      std::fopen(DumpPath(image, name).c_str(), "wb"));
+      std::fopen(PathOf(image, name).data(), "wb"));
   if (file == nullptr) {
     ZUQEL_LOG("*VX* WriteRAW Image Failed!!!");
     return;

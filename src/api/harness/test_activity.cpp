@@ -14,6 +14,7 @@
 #include "base/buffer.h"
 #include "base/clock.h"
 #include "base/log.h"
+#include "base/never_destroyed.h"
 
 namespace {
 
@@ -38,8 +39,7 @@ struct Harness {
 };
 
 Harness& TheHarness() {
-  static auto* harness = new Harness;  // calls may come while the process exits
-  return *harness;
+  return zuqel::NeverDestroyed<Harness>();
 }
 
 // Bytes of a file, 0 of a missing one. Nothing for one past 2^31 - 1 bytes,

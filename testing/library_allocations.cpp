@@ -1,0 +1,119 @@
+// Stands between the program's objects and the allocator, by the linker's
+// --wrap. Of all that is linked only the library's buffers call calloc.
+#include "library_allocations.h"
+
+#include <array>
+#include <cstdlib>
+#include <mutex>
+#include <new>
+
+extern "C" {
+void* __real_calloc(size_t count, size_t size);
+void __real_free(void* block);
+void* __real__Znwm(size_t size);
+void* __wrap_calloc(size_t count, size_t size);
+void __wrap_free(void* block);
+void* __wrap__Znwm(size_t size);
+}
+
+namespace zuqel::library_allocations {
+namespace {
+
+struct Block {
+  const void* begin = nullptr;
+  size_t bytes = 0;
+};
+
+// Takes no memory itself: that would come back here.
+struct State {
+  std::mutex mutex;
+  std::array<Block, 1024> blocks;  // unused ones begin nowhere
+  size_t bytes_held = 0;
+  int count = 0;
+  int failing = 0;  // the number of the block that fails, 0 for none
+  bool new_fails = false;
+};
+
+State& TheState() {
+  static State state;
+  return state;
+}
+
+Block& UnusedBlock() {
+  for (Block& block : TheState().blocks) {
+    if (block.begin == nullptr) return block;
+  }
+  std::abort();
+}
+
+}  // namespace
+
+size_t BytesHeld() {
+  const std::lock_guard lock(TheState().mutex);
+  return TheState().bytes_held;
+}
+
+int Count() {
+  const std::lock_guard lock(TheState().mutex);
+  return TheState().count;
+}
+
+FailingBlock::FailingBlock(int number) {
+  const std::lock_guard lock(TheState().mutex);
+  TheState().failing = TheState().count + number;
+}
+
+FailingBlock::~FailingBlock() {
+  const std::lock_guard lock(TheState().mutex);
+  TheState().failing = 0;
+}
+
+FailingNew::FailingNew() {
+  TheState().new_fails = true;
+}
+
+FailingNew::~FailingNew() {
+  TheState().new_fails = false;
+}
+
+namespace {
+
+void* Take(size_t count, size_t size) {
+  State& state = TheState();
+  const std::lock_guard lock(state.mutex);
+  if (++state.count == state.failing) return nullptr;
+  void* block = __real_calloc(count, size);
+  if (block == nullptr) return nullptr;
+  UnusedBlock() = {block, count * size};
+  state.bytes_held += count * size;
+  return block;
+}
+
+void GiveBack(void* block) {
+  State& state = TheState();
+  {
+    const std::lock_guard lock(state.mutex);
+    for (Block& known : state.blocks) {
+      if (block == nullptr || known.begin != block) continue;
+      state.bytes_held -= known.bytes;
+      known = {};
+    }
+  }
+  __real_free(block);
+}
+
+}  // namespace
+}  // namespace zuqel::library_allocations
+
+void* __wrap_calloc(size_t count, size_t size) {
+  return zuqel::library_allocations::Take(count, size);
+}
+
+void __wrap_free(void* block) {
+  zuqel::library_allocations::GiveBack(block);
+}
+
+void* __wrap__Znwm(size_t size) {
+  if (zuqel::library_allocations::TheState().new_fails) throw std::bad_alloc();
+  return __real__Znwm(size);
+}

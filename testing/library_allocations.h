@@ -1,0 +1,37 @@
+// The memory that the library's objects take, apart from the driver's and from
+// what the standard library takes for a test.
+#ifndef TESTING_LIBRARY_ALLOCATIONS_H_
+#define TESTING_LIBRARY_ALLOCATIONS_H_
+
+#include <cstddef>
+
+namespace zuqel::library_allocations {
+
+// Bytes that the library holds now.
+size_t BytesHeld();
+
+// Blocks taken since the process began, failed ones included.
+int Count();
+
+// While it lives, the `number`-th block taken, from 1 on, is not to be had.
+class FailingBlock {
+ public:
+  explicit FailingBlock(int number);
+  ~FailingBlock();
+  FailingBlock(const FailingBlock&) = delete;
+  FailingBlock& operator=(const FailingBlock&) = delete;
+};
+
+// While it lives, operator new throws std::bad_alloc in this program's own
+// objects: nothing but the library may use it then.
+class FailingNew {
+ public:
+  FailingNew();
+  ~FailingNew();
+  FailingNew(const FailingNew&) = delete;
+  FailingNew& operator=(const FailingNew&) = delete;
+};
+
+}  // namespace zuqel::library_allocations
+
+#endif  // TESTING_LIBRARY_ALLOCATIONS_H_
