@@ -52,5 +52,38 @@ TEST(OutOfMemory, NoExceptionLeavesACall) {
   }
 }
 
+// Every block that an initialisation takes, in turn.
+TEST(OutOfMemory, ARefusedInitialisationKeepsNothing) {
+  const GLInitInfo info = SmallInfo();
+  std::vector<uint8_t> cache(kProgramCacheBytes);
+  const auto initialise = [&](bool cached) {
+    return cached ? InitCachedSession(info, cache.data()) : InitSession(info);
+  };
+  for (const bool cached : {false, true}) {
+    ResetSession();
+    const int before = library_allocations::Count();
+    EXPECT_EQ(initialise(cached), 0U);
+    const int blocks = library_allocations::Count() - before;
+    EXPECT_GT(blocks, 0);
+    zuQelRT_GLClose();
+    zuQelRT_GenRefocusMap_Deinit();
+    for (int number = 1; number <= blocks; ++number) {
+      SCOPED_TRACE(testing::Message() << "block " << number << " of " << blocks
+                                      << ", cached " << cached);
+      {
+        const FailingBlock failing(number);
+        EXPECT_EQ(initialise(cached), 0x200EU);
+      }
+      EXPECT_EQ(BytesHeld(), 0U);
+      EXPECT_EQ(TheSession().QelMode, kModeClosed);
+      const CallerFrame frame(info);
+      const auto contents = frame.Contents();
+      EXPECT_EQ(frame.Render({}), 0U);
+      EXPECT_EQ(frame.Contents(), contents);
+      EXPECT_EQ(BytesHeld(), 0U);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace zuqel

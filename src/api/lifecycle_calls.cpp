@@ -112,11 +112,17 @@ void LogRefocusMapBuffers(Session& session, const char* event) {
   });
 }
 
-// Makes the buffers, before anything that would have to be taken back.
+// Makes the buffers, before anything that would have to be taken back, or keeps
+// none.
 bool ReserveBuffers(Session& session, Start start) {
-  return session.buffers.Reserve(session.gInfo, start) &&
-         (start == Start::kCompiled ||
-          session.program_cache.copy.Reserve(zuqel::kProgramCacheBytes));
+  if (session.buffers.Reserve(session.gInfo, start) &&
+      (start == Start::kCompiled ||
+       session.program_cache.copy.Reserve(zuqel::kProgramCacheBytes))) {
+    return true;
+  }
+  session.buffers.Release(zuqel::FreedBy::kClose);
+  session.buffers.Release(zuqel::FreedBy::kRefocusMapDeinit);
+  return false;
 }
 
 // Gives the session what its record asks for, in the order of the log.

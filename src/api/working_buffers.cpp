@@ -71,9 +71,7 @@ bool IsMadeAt(const BufferRow& row, Start start) {
 bool WorkingBuffers::Reserve(const GLInitInfo& info, Start start) {
   for (size_t i = 0; i < kRows.size(); ++i) {
     if (!IsMadeAt(kRows[i], start)) continue;
-    if (buffers_[i].Reserve(BytesOf(kRows[i], info))) continue;
-    Release(FreedBy::kClose);
-    return false;
+    if (!buffers_[i].Reserve(BytesOf(kRows[i], info))) return false;
   }
   return true;
 }

@@ -51,7 +51,7 @@ inline constexpr std::array<NamedBuffer, 5> kRefocusMapBuffers = {{
 class WorkingBuffers {
  public:
   // Makes what this start needs and is missing or too small. False when memory
-  // does not suffice; then what close frees has been freed.
+  // does not suffice; then some have been made.
   [[nodiscard]] bool Reserve(const GLInitInfo& info, Start start);
 
   // Makes one buffer that is missing or too small. False when memory does not
