@@ -1,7 +1,6 @@
 // Calls that find no memory: no exception leaves them, and what they are given
 // stays as it is.
 #include <gtest/gtest.h>
-#include <sys/system_properties.h>
 
 #include <array>
 #include <string>
@@ -9,7 +8,7 @@
 
 #include "fresh_session.h"
 #include "library_allocations.h"
-#include "test_scene.h"
+#include "scoped_property.h"
 
 namespace zuqel {
 namespace {
@@ -20,15 +19,12 @@ using library_allocations::FailingNew;
 
 void RenderDumped(const GLInitInfo& info) {
   const std::string folder = testing::TempDir();
-  __system_property_set("persist.zu.VLGLbokeh.readfile", "1");
-  __system_property_set("persist.zu.LVGLbokeh.fileDir", folder.c_str());
+  const ScopedProperty dumps("persist.zu.VLGLbokeh.readfile", "1");
+  const ScopedProperty directory("persist.zu.LVGLbokeh.fileDir",
+                                 folder.c_str());
   const CallerFrame frame(info);
-  {
-    const FailingNew failing;
-    EXPECT_EQ(frame.Render({}), 0U);
-  }
-  __system_property_set("persist.zu.VLGLbokeh.readfile", "");
-  __system_property_set("persist.zu.LVGLbokeh.fileDir", "");
+  const FailingNew failing;
+  EXPECT_EQ(frame.Render({}), 0U);
 }
 
 TEST(OutOfMemory, NoExceptionLeavesACall) {

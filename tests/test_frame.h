@@ -1,32 +1,18 @@
-// A frame with its maps, and properties for the length of a scope.
+// A frame with its maps.
 #ifndef ZUQEL_TESTS_TEST_FRAME_H_
 #define ZUQEL_TESTS_TEST_FRAME_H_
 
-#include <sys/system_properties.h>
 #include <zuQelRT_GL.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "scoped_property.h"
 #include "test_scene.h"
 #include "test_session.h"
 
 namespace zuqel {
-
-// Sets a property and empties it at the end of its scope, which reads as unset.
-class ScopedProperty {
- public:
-  ScopedProperty(const char* name, const char* value) : name_(name) {
-    __system_property_set(name, value);
-  }
-  ~ScopedProperty() { __system_property_set(name_, ""); }
-  ScopedProperty(const ScopedProperty&) = delete;
-  ScopedProperty& operator=(const ScopedProperty&) = delete;
-
- private:
-  const char* name_;
-};
 
 // Frames of 64 x 48, or as wide as given, shown in their own size.
 inline GLInitInfo SmallInfo(int32_t off_screen = 1, int32_t width = 64) {

@@ -11,10 +11,10 @@
 #include "base/log.h"
 #include "depth/disparity_range.h"
 #include "depth/hole_filling.h"
-#include "gl/frame_dump.h"
-#include "gl/gl_state.h"
 #include "frame/focus_dot.h"
 #include "frame/frame_upload.h"
+#include "gl/frame_dump.h"
+#include "gl/gl_state.h"
 
 namespace {
 

@@ -210,6 +210,7 @@ uint32_t zuQelRT_GLClose() {
   session.frame.graphic_buffer.Release();
   session.buffers.Release(zuqel::FreedBy::kClose);
   session.expansion.Release();
+  session.refocus_map.scratch = {};
   session.frame.weight_rgba.Release();
   session.frame.depth_rgba.Release();
   session.frame.chroma_scratch.Release();

@@ -171,7 +171,7 @@ zuqel::MaskPoint ScaleToMap(const Session& session, uint32_t x, int32_t y) {
 // Removes narrow regions of 255 from a mask. `eroded` may be the mask itself.
 bool OpenMask(Session& session, Plane<const uint8_t> mask,
               Plane<uint8_t> eroded, uint8_t* map) {
-  Buffer& scratch = session.refocus_map.filter_scratch;
+  Buffer& scratch = session.refocus_map.scratch.filter;
   return zuqel::ErodeMin(mask, kOpeningRadius, scratch, eroded) &&
          zuqel::DilateMax(eroded, kOpeningRadius, scratch,
                           {map, mask.width, mask.height});
@@ -204,7 +204,7 @@ void GenerateRefined(Session& session, const DisparityCall& call) {
           weights,
           ScaleToMap(session, static_cast<uint32_t>(call.x),
                      static_cast<int32_t>(call.y)),
-          session.refocus_map.refinement, map)) {
+          session.refocus_map.scratch.refinement, map)) {
     return;
   }
   ZUQEL_LOG("CCL takes %d ms", zuqel::ElapsedSince(clean_up_start));
@@ -246,7 +246,7 @@ void GenerateDisparityBase(Session& session, const DisparityCall& call) {
 
 void GenerateDisparityBaseCpu(Session& session, const DisparityCall& call) {
   const Plane<uint16_t> disparity = DepthPlane(session, call.disparity);
-  Buffer& mask_buffer = session.refocus_map.mask;
+  Buffer& mask_buffer = session.refocus_map.scratch.mask;
   if (!Reserve(session, {BufferRole::kBoundaryBlur}) ||
       !mask_buffer.Reserve(
           zuqel::ByteCount(disparity.width, disparity.height, 1))) {
@@ -293,8 +293,8 @@ void MaskOnDistance(const DistanceCall& call, Plane<const uint16_t> distance,
 
 void GenerateFromDistance(Session& session, const DistanceCall& call) {
   const Plane<uint16_t> distance = DepthPlane(session, call.distance);
-  Buffer& masks = session.refocus_map.mask;
-  Buffer& quantised = session.refocus_map.quantised;
+  Buffer& masks = session.refocus_map.scratch.mask;
+  Buffer& quantised = session.refocus_map.scratch.quantised;
   if (!masks.Reserve(zuqel::ByteCount(distance.width, distance.height, 1)) ||
       !quantised.Reserve(
           zuqel::ByteCount(distance.width, distance.height, 2))) {

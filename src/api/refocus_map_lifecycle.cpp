@@ -85,9 +85,7 @@ uint32_t zuQelRT_GenRefocusMap_Deinit() {
   session.frame.counters.frame_index = 0;
   LogBuffers(session, "deinit");
   session.buffers.Release(zuqel::FreedBy::kRefocusMapDeinit);
-  refocus_map.mask.Release();
-  refocus_map.quantised.Release();
-  refocus_map.filter_scratch.Release();
+  refocus_map.scratch = {};
   LogBuffers(session, "deinit after");
   if (session.gInfo.offmode != 0) {
     zuqel::DeleteContext(refocus_map.context, kRefocusMapContextIndex);

@@ -51,15 +51,21 @@ struct FrameSession {
   FrameCounters counters;
 };
 
-// What the refocus-map calls keep, beside the named working buffers.
+// What the generators make when they first need it. The end of the session and
+// that of the refocus maps free it by making it afresh.
+struct GeneratorScratch {
+  RefinementScratch refinement;
+  Buffer mask;
+  Buffer quantised;
+  Buffer filter;
+};
+
+// What the refocus-map calls keep, besides the named working buffers.
 struct RefocusMapSession {
   RefocusMapState render;
   EGLContext render_context = EGL_NO_CONTEXT;  // where its names live
   ContextSlot context;
-  RefinementScratch refinement;
-  Buffer mask;
-  Buffer quantised;
-  Buffer filter_scratch;
+  GeneratorScratch scratch;
 };
 
 struct Session {
