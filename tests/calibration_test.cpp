@@ -2,6 +2,7 @@
 #include "calib/calibration.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 #include <zuQelRT_GL.h>
 
 #include <algorithm>
@@ -9,9 +10,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <functional>
 #include <limits>
 #include <optional>
+#include <random>
 #include <span>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -375,6 +379,129 @@ TEST(Calibration, LensPositionChoosesAmongThree) {
       EXPECT_EQ(decoded.status, ZUQEL_SUCCESS);
       EXPECT_EQ(decoded.record.index, row.index)
           << row.name << " in " << form.length;
+    }
+  }
+}
+
+// Runs `action` on a thread with the given stack and waits for its end.
+void RunOnStack(std::span<uint8_t> stack, std::function<void()> action) {
+  pthread_attr_t attributes;
+  pthread_t thread = {};
+  ASSERT_EQ(pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(pthread_attr_setstack(&attributes, stack.data(), stack.size()), 0);
+  const auto run = [](void* argument) -> void* {
+    (*static_cast<std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, run, &action), 0);
+  ASSERT_EQ(pthread_join(thread, nullptr), 0);
+  ASSERT_EQ(pthread_attr_destroy(&attributes), 0);
+}
+
+// True if memory holds eight consecutive bytes of a secret.
+bool Holds(std::span<const uint8_t> memory, std::span<const uint8_t> secret) {
+  const auto sequence_at = [](std::span<const uint8_t> bytes, size_t i) {
+    uint64_t sequence = 0;
+    std::memcpy(&sequence, &bytes[i], sizeof(sequence));
+    return sequence;
+  };
+  std::unordered_set<uint64_t> sequences;
+  for (size_t i = 0; i + 8 <= secret.size(); ++i) {
+    sequences.insert(sequence_at(secret, i));
+  }
+  for (size_t i = 0; i + 8 <= memory.size(); ++i) {
+    if (sequences.contains(sequence_at(memory, i))) return true;
+  }
+  return false;
+}
+
+Bytes Noise(size_t size, uint32_t seed) {
+  std::mt19937 random(seed);
+  Bytes bytes(size);
+  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
+  return bytes;
+}
+
+struct Secret {
+  const char* name;
+  Bytes bytes;
+};
+
+// A key and what is computed from it alone.
+std::vector<Secret> SecretsOfKey(const Bytes& key) {
+  const Aes256 cipher{AesKey(key)};
+  const auto* const expanded = reinterpret_cast<const uint8_t*>(&cipher);
+  // The two words of the authentication key, in the processor's byte order.
+  Bytes hash_key(kAesBlockSize);
+  cipher.Encrypt(AesBlock(hash_key));
+  std::reverse(hash_key.begin(), hash_key.begin() + 8);
+  std::reverse(hash_key.begin() + 8, hash_key.end());
+  return {{"key", key},
+          {"expanded key", Bytes(expanded, expanded + sizeof(cipher))},
+          {"hash key", hash_key}};
+}
+
+TEST(Calibration, StackKeepsNoSecrets) {
+  const DefaultKeys keys = BuiltInKeys();
+  const Bytes wrapping_key(keys.general->begin(), keys.general->end());
+  const Bytes wrapped = Wrap(wrapping_key, RecordKey());
+  const GuardedMemory<uint8_t> memory(size_t{256} << 10);
+  const std::span<uint8_t> stack = memory.span();
+  for (const Form& form : kForms) {
+    if (!form.sealed) continue;
+    std::vector<Bytes> units = MakeUnits(form);
+    std::vector<Secret> secrets = SecretsOfKey(RecordKey());
+    for (const Secret& secret : SecretsOfKey(wrapping_key)) {
+      secrets.push_back(secret);
+    }
+    for (Bytes& unit : units) {
+      // No eight bytes past the header occur anywhere else.
+      const auto seed = static_cast<uint32_t>(secrets.size());
+      secrets.push_back({"unit", Noise(form.unit_size - 248, seed)});
+      std::ranges::copy(secrets.back().bytes, unit.begin() + 248);
+    }
+    const Bytes container = MakeContainer(form, units);
+    const CalibrationInput input = {
+        .block_a = container.data(),
+        .block_a_size = static_cast<uint32_t>(container.size()),
+        .block_b = wrapped.data(),
+        .block_b_size = static_cast<uint32_t>(wrapped.size()),
+        .selector = 1,
+        .default_keys = keys};
+    // A picture of this size is refused, once the calibration has been taken.
+    GLInitInfo info = {};
+    info.PreviewWidth = info.PreviewHeight = 1 << 20;
+    uint32_t status = 0;
+    const auto decode = [&] {
+      CalibrationRecord record;
+      status = DecodeCalibration(input, record);
+      if (!TakeCameraValues(record)) ADD_FAILURE();
+    };
+    const auto initialise = [&] {
+      status = zuQelRT_GLInitV1(input.block_a, input.block_a_size,
+                                input.block_b, input.block_b_size, &info);
+    };
+    const auto keep_unit = [&] {
+      std::array<uint8_t, 512> kept = {};
+      std::copy_n(units.back().end() - 200, 200, kept.begin());
+      // The compiler has to take it that something reads them.
+      asm volatile("" : : "r"(kept.data()) : "memory");
+    };
+
+    RunOnStack(stack, keep_unit);
+    EXPECT_TRUE(Holds(stack, secrets.back().bytes));
+    std::ranges::fill(stack, 0);
+    RunOnStack(stack, decode);
+    EXPECT_EQ(status, ZUQEL_SUCCESS);
+    for (const auto& [name, bytes] : secrets) {
+      EXPECT_FALSE(Holds(stack, bytes)) << name << " of " << form.length;
+    }
+    std::ranges::fill(stack, 0);
+    RunOnStack(stack, initialise);
+    EXPECT_EQ(status, ZUQEL_INIT_REFUSED);
+    for (const auto& [name, bytes] : secrets) {
+      EXPECT_FALSE(Holds(stack, bytes))
+          << name << " of " << form.length << " in the initialisation";
     }
   }
 }

@@ -4,6 +4,7 @@
 #include <zuQelRT_GL.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -22,20 +23,19 @@ namespace {
 static_assert(std::endian::native == std::endian::little,
               "records hold little-endian floats");
 
-// The optical values as a record holds them. The lens-position line and the
-// selection distance mean nothing in a record of kind 4.
-struct Optics {
-  float third;
-  float focal_length_divisor;
-  float slope;
-  float offset;
-  float focal_length;
-  float distance;
-};
+// Places of the optical values, from the first of them. The lens-position line
+// and the selection distance mean nothing in a record of kind 4.
+constexpr size_t kThirdAt = 0;
+constexpr size_t kFocalLengthDivisorAt = 4;
+constexpr size_t kSlopeAt = 8;
+constexpr size_t kOffsetAt = 12;
+constexpr size_t kFocalLengthAt = 16;
+constexpr size_t kDistanceAt = 20;
+constexpr size_t kOpticsSize = 24;
 
 static_assert(std::all_of(kRecordKinds.begin(), kRecordKinds.end(),
                           [](const RecordKind& kind) {
-                            return kind.optics_at + sizeof(Optics) <= kind.size;
+                            return kind.optics_at + kOpticsSize <= kind.size;
                           }));
 
 // The units of a container when they are plain.
@@ -44,10 +44,10 @@ struct Units {
   size_t stride;
 };
 
-Optics ReadOptics(const uint8_t* record, const RecordKind& kind) {
-  Optics optics;
-  std::memcpy(&optics, record + kind.optics_at, sizeof(optics));
-  return optics;
+float ReadFloat(const uint8_t* bytes) {
+  float value = 0;
+  std::memcpy(&value, bytes, sizeof(value));
+  return value;
 }
 
 // Cuts toward zero; saturates, and makes 0 of a NaN.
@@ -60,23 +60,24 @@ int32_t ToInteger(float value) {
 
 // How far the lens is from where a record taken at `distance` expects it. The
 // thin lens and the line from image distance to lens position are record 0's.
-int64_t LensError(const Optics& lens, float distance, int32_t lens_position) {
-  const float f = lens.focal_length;
+int64_t LensError(const uint8_t* lens, float distance, int32_t lens_position) {
+  const float f = ReadFloat(lens + kFocalLengthAt);
   const float image_distance = distance * f / (distance - f);
   const int32_t expected =
-      ToInteger((image_distance - f) * lens.slope + lens.offset);
+      ToInteger((image_distance - f) * ReadFloat(lens + kSlopeAt) +
+                ReadFloat(lens + kOffsetAt));
   return std::abs(int64_t{lens_position} - expected);
 }
 
 // The best of the first three records, the earlier of two that are as good.
 uint32_t ChooseByLensPosition(Units units, const Container& container,
                               const RecordKind& kind, int32_t lens_position) {
-  const Optics lens = ReadOptics(units.first, kind);
+  const uint8_t* const lens = units.first + kind.optics_at;
   uint32_t best = 0;
   int64_t smallest = INT64_MAX;
   for (uint32_t k = 0; k < std::min(container.count, size_t{3}); ++k) {
-    const Optics optics = ReadOptics(units.first + k * units.stride, kind);
-    const int64_t error = LensError(lens, optics.distance, lens_position);
+    const float distance = ReadFloat(lens + k * units.stride + kDistanceAt);
+    const int64_t error = LensError(lens, distance, lens_position);
     if (error >= smallest) continue;
     smallest = error;
     best = k;
@@ -182,10 +183,9 @@ bool TakeRecord(const CalibrationInput& input, Units units,
   return true;
 }
 
-}  // namespace
-
-uint32_t DecodeCalibration(const CalibrationInput& input,
-                           CalibrationRecord& record) {
+// Its frame, and those of what it calls, lie where WipeStack() writes.
+[[gnu::noinline]] uint32_t Decode(const CalibrationInput& input,
+                                  CalibrationRecord& record) {
   record = {};
   if (input.block_a == nullptr && input.block_b == nullptr) {
     return ZUQEL_CALIB_NO_BLOCK;
@@ -220,13 +220,33 @@ uint32_t DecodeCalibration(const CalibrationInput& input,
   return ZUQEL_SUCCESS;
 }
 
+// More than Decode() needs without optimisation.
+constexpr size_t kDecodeStackWords = 2048;
+
+// Wipes the stack below the caller's frame: secrets that the compiler spilled
+// there from registers belong to no object that could do it.
+[[gnu::noinline]] void WipeStack() {
+  std::array<volatile uint64_t, kDecodeStackWords> words;
+  for (volatile uint64_t& word : words) word = 0;
+}
+
+}  // namespace
+
+uint32_t DecodeCalibration(const CalibrationInput& input,
+                           CalibrationRecord& record) {
+  const uint32_t status = Decode(input, record);
+  WipeStack();
+  return status;
+}
+
 std::optional<CameraValues> TakeCameraValues(const CalibrationRecord& record) {
   const std::optional<RecordKind> kind = FindKind(record.kind);
   if (!kind) return std::nullopt;
-  const Optics optics = ReadOptics(record.bytes.data(), *kind);
-  return CameraValues{.focal_length = optics.focal_length,
-                      .focal_length_divisor = optics.focal_length_divisor,
-                      .third = optics.third};
+  const uint8_t* const optics = record.bytes.data() + kind->optics_at;
+  return CameraValues{
+      .focal_length = ReadFloat(optics + kFocalLengthAt),
+      .focal_length_divisor = ReadFloat(optics + kFocalLengthDivisorAt),
+      .third = ReadFloat(optics + kThirdAt)};
 }
 
 }  // namespace zuqel::calib

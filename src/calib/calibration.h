@@ -5,6 +5,9 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <span>
+
+#include "calib/secret.h"
 
 namespace zuqel::calib {
 
@@ -42,7 +45,13 @@ struct CalibrationInput {
   DefaultKeys default_keys = {};
 };
 
+// Wiped when it dies, as every copy of it is.
 struct CalibrationRecord {
+  CalibrationRecord() = default;
+  CalibrationRecord(const CalibrationRecord&) = default;
+  CalibrationRecord& operator=(const CalibrationRecord&) = default;
+  ~CalibrationRecord() { Wipe(std::span(bytes)); }
+
   std::array<uint8_t, 512> bytes = {};  // zero from `size` on
   uint32_t size = 0;                    // 464 or 512
   int32_t kind = 0;                     // 1, 3 or 4
