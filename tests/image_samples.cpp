@@ -1,6 +1,8 @@
 // Small picture files of every kind for the tests of the tools.
 #include "image_samples.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -15,6 +17,19 @@
 #include <jpeglib.h>
 
 namespace zuqel::tools {
+namespace {
+
+void Append(const std::vector<uint8_t>& more, std::vector<uint8_t>& bytes) {
+  bytes.insert(bytes.end(), more.begin(), more.end());
+}
+
+std::vector<uint8_t> BigEndian(png_uint_32 value) {
+  std::vector<uint8_t> bytes(4);
+  png_save_uint_32(bytes.data(), value);
+  return bytes;
+}
+
+}  // namespace
 
 TemporaryFolder::TemporaryFolder()
     : path_(std::filesystem::temp_directory_path() / "zuqel_test_XXXXXX") {
@@ -76,6 +91,42 @@ void WriteSampleJpeg(const std::string& path, int width, int height,
   }
   jpeg_finish_compress(&compress);
   jpeg_destroy_compress(&compress);
+}
+
+std::vector<uint8_t> PngFile(
+    std::initializer_list<std::vector<uint8_t>> chunks) {
+  std::vector<uint8_t> file = {0x89, 'P', 'N', 'G', '\r', '\n', 0x1a, '\n'};
+  for (const std::vector<uint8_t>& chunk : chunks) Append(chunk, file);
+  return file;
+}
+
+std::vector<uint8_t> PngChunk(const std::string& type,
+                              const std::vector<uint8_t>& data) {
+  std::vector<uint8_t> checked(type.begin(), type.end());
+  Append(data, checked);
+  const auto size = static_cast<uInt>(checked.size());
+  const uLong checksum = crc32(0, checked.data(), size);
+  std::vector<uint8_t> chunk = BigEndian(static_cast<png_uint_32>(data.size()));
+  Append(checked, chunk);
+  Append(BigEndian(static_cast<png_uint_32>(checksum)), chunk);
+  return chunk;
+}
+
+std::vector<uint8_t> PngHeaderChunk(png_uint_32 width, png_uint_32 height,
+                                    uint8_t bit_depth, uint8_t colour_type,
+                                    uint8_t interlace) {
+  std::vector<uint8_t> data = BigEndian(width);
+  Append(BigEndian(height), data);
+  Append({bit_depth, colour_type, 0, 0, interlace}, data);
+  return PngChunk("IHDR", data);
+}
+
+std::vector<uint8_t> PngDataChunk(const std::vector<uint8_t>& filtered_rows) {
+  uLongf size = compressBound(filtered_rows.size());
+  std::vector<uint8_t> data(size);
+  compress(data.data(), &size, filtered_rows.data(), filtered_rows.size());
+  data.resize(size);
+  return PngChunk("IDAT", data);
 }
 
 std::vector<uint8_t> ReadBytes(const std::string& path) {

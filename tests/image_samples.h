@@ -5,6 +5,7 @@
 #include <png.h>
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -38,6 +39,17 @@ void WriteSamplePng(const std::string& path, int width, int height,
 // `channels` is 1 (grey) or 3 (RGB).
 void WriteSampleJpeg(const std::string& path, int width, int height,
                      int channels, std::vector<uint8_t> pixels);
+
+// The parts of a PNG file, for files that no encoder writes. A chunk comes with
+// its length and checksum.
+std::vector<uint8_t> PngFile(
+    std::initializer_list<std::vector<uint8_t>> chunks);
+std::vector<uint8_t> PngChunk(const std::string& type,
+                              const std::vector<uint8_t>& data);
+std::vector<uint8_t> PngHeaderChunk(png_uint_32 width, png_uint_32 height,
+                                    uint8_t bit_depth, uint8_t colour_type,
+                                    uint8_t interlace = PNG_INTERLACE_NONE);
+std::vector<uint8_t> PngDataChunk(const std::vector<uint8_t>& filtered_rows);
 
 std::vector<uint8_t> ReadBytes(const std::string& path);
 void WriteBytes(const std::string& path, const std::vector<uint8_t>& bytes);

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <vector>
 
 #include "decode/jpeg_decode.h"
 #include "decode/png_decode.h"
@@ -29,7 +30,7 @@ void CheckDecoded(const std::string& path, DecodeStatus status,
   }
 }
 
-void CheckSize(const std::string& path, int64_t width, int64_t height) {
+void CheckSize(const std::string& path, int width, int height) {
   if (width >= 1 && height >= 1 && width <= kLargestSide &&
       height <= kLargestSide) {
     return;
@@ -48,31 +49,31 @@ bool IsJpeg(const Bytes& bytes) {
          bytes[2] == 0xff;
 }
 
-// The first chunk of a PNG file, which stands at a fixed place.
-struct PngHeader {
-  int width, height;
-  int bit_depth;
-  bool grey;
-};
+PngHeader ReadHeader(const std::string& path, const Bytes& bytes) {
+  Reason reason = {};
+  PngHeader header = {};
+  CheckDecoded(
+      path, ReadPngHeader(bytes.data(), bytes.size(), &header, reason.data()),
+      reason);
+  CheckSize(path, header.width, header.height);
+  return header;
+}
 
-PngHeader ReadPngHeader(const std::string& path, const Bytes& bytes) {
-  constexpr size_t kHeaderEnd = 33;
-  if (bytes.size() < kHeaderEnd) Refuse(path, "is truncated");
-  const uint32_t width = png_get_uint_32(&bytes[16]);
-  const uint32_t height = png_get_uint_32(&bytes[20]);
-  CheckSize(path, width, height);
-  return {static_cast<int>(width), static_cast<int>(height), bytes[24],
-          bytes[25] == PNG_COLOR_TYPE_GRAY};
+// Decodes into pixels that are as many as the file's header says.
+template <typename Value>
+void DecodePngInto(const std::string& path, const Bytes& bytes,
+                   PngLayout layout, std::vector<Value>& pixels) {
+  Reason reason = {};
+  CheckDecoded(path,
+               DecodePng(bytes.data(), bytes.size(), layout, pixels.data(),
+                         pixels.size() * sizeof(Value), reason.data()),
+               reason);
 }
 
 Picture DecodePngPicture(const std::string& path, const Bytes& bytes) {
-  const PngHeader header = ReadPngHeader(path, bytes);
+  const PngHeader header = ReadHeader(path, bytes);
   Picture picture(header.width, header.height);
-  Reason reason = {};
-  CheckDecoded(path,
-               DecodePng(bytes.data(), bytes.size(), kPngRgb8,
-                         picture.rgb.data(), reason.data()),
-               reason);
+  DecodePngInto(path, bytes, kPngRgb8, picture.rgb);
   return picture;
 }
 
@@ -85,10 +86,10 @@ Picture DecodeJpegPicture(const std::string& path, const Bytes& bytes) {
       reason);
   CheckSize(path, width, height);
   Picture picture(width, height);
-  CheckDecoded(
-      path,
-      DecodeJpeg(bytes.data(), bytes.size(), picture.rgb.data(), reason.data()),
-      reason);
+  CheckDecoded(path,
+               DecodeJpeg(bytes.data(), bytes.size(), picture.rgb.data(),
+                          picture.rgb.size(), reason.data()),
+               reason);
   return picture;
 }
 
@@ -96,20 +97,16 @@ template <typename Value>
 Map<Value> ReadGreyPng(const std::string& path) {
   const Bytes bytes = ReadFile(path);
   if (!IsPng(bytes)) Refuse(path, "is not a PNG picture");
-  const PngHeader header = ReadPngHeader(path, bytes);
+  const PngHeader header = ReadHeader(path, bytes);
   constexpr int kBits = 8 * sizeof(Value);
-  if (!header.grey || header.bit_depth != kBits) {
+  const bool is_grey = header.is_grey != 0;
+  if (!is_grey || header.bit_depth != kBits) {
     Refuse(path, "is " + std::to_string(header.bit_depth) + "-bit " +
-                     (header.grey ? "grey" : "colour") + "; " +
+                     (is_grey ? "grey" : "colour") + "; " +
                      std::to_string(kBits) + "-bit grey is needed");
   }
   Map<Value> map(header.width, header.height);
-  Reason reason = {};
-  const PngLayout layout = kBits == 8 ? kPngGrey8 : kPngGrey16;
-  CheckDecoded(path,
-               DecodePng(bytes.data(), bytes.size(), layout, map.values.data(),
-                         reason.data()),
-               reason);
+  DecodePngInto(path, bytes, kBits == 8 ? kPngGrey8 : kPngGrey16, map.values);
   return map;
 }
 

@@ -17,13 +17,17 @@ struct JpegDecoder {
   char* reason;
 };
 
-static void Fail(j_common_ptr common, enum DecodeStatus status) {
-  struct JpegDecoder* decoder = common->client_data;
-  char message[JMSG_LENGTH_MAX];
-  common->err->format_message(common, message);
+static void Leave(struct JpegDecoder* decoder, enum DecodeStatus status,
+                  const char* message) {
   snprintf(decoder->reason, kDecodeReasonSize, "%s", message);
   decoder->status = status;
   longjmp(decoder->failed, 1);
+}
+
+static void Fail(j_common_ptr common, enum DecodeStatus status) {
+  char message[JMSG_LENGTH_MAX];
+  common->err->format_message(common, message);
+  Leave(common->client_data, status, message);
 }
 
 static void OnError(j_common_ptr common) {
@@ -51,13 +55,18 @@ static void Open(struct JpegDecoder* decoder, const uint8_t* bytes,
   jpeg_read_header(&decoder->decompress, TRUE);
 }
 
-static void ReadRows(struct JpegDecoder* decoder, uint8_t* rgb) {
+static void ReadRows(struct JpegDecoder* decoder, uint8_t* rgb,
+                     size_t rgb_size) {
   struct jpeg_decompress_struct* decompress = &decoder->decompress;
   decompress->out_color_space = JCS_RGB;
   jpeg_start_decompress(decompress);
+  const size_t row_bytes = (size_t)decompress->output_width * 3;
+  if (row_bytes * decompress->output_height != rgb_size) {
+    Leave(decoder, kDecodeDamaged,
+          "the pixels have another size than the header says");
+  }
   while (decompress->output_scanline < decompress->output_height) {
-    JSAMPROW row = rgb + (size_t)decompress->output_scanline *
-                             decompress->output_width * 3;
+    JSAMPROW row = rgb + decompress->output_scanline * row_bytes;
     jpeg_read_scanlines(decompress, &row, 1);
   }
   jpeg_finish_decompress(decompress);
@@ -66,16 +75,16 @@ static void ReadRows(struct JpegDecoder* decoder, uint8_t* rgb) {
 /* Errors come back to here; the caller owns what has changed by then. Without
  * `rgb` only the header is read. */
 static void Decode(struct JpegDecoder* decoder, const uint8_t* bytes,
-                   size_t size, uint8_t* rgb) {
+                   size_t size, uint8_t* rgb, size_t rgb_size) {
   if (setjmp(decoder->failed) != 0) return;
   Open(decoder, bytes, size);
-  if (rgb != NULL) ReadRows(decoder, rgb);
+  if (rgb != NULL) ReadRows(decoder, rgb, rgb_size);
 }
 
 enum DecodeStatus ReadJpegSize(const uint8_t* bytes, size_t size, int* width,
                                int* height, char* reason) {
   struct JpegDecoder decoder = {.status = kDecodeDone, .reason = reason};
-  Decode(&decoder, bytes, size, NULL);
+  Decode(&decoder, bytes, size, NULL, 0);
   *width = (int)decoder.decompress.image_width;
   *height = (int)decoder.decompress.image_height;
   jpeg_destroy_decompress(&decoder.decompress);
@@ -83,9 +92,9 @@ enum DecodeStatus ReadJpegSize(const uint8_t* bytes, size_t size, int* width,
 }
 
 enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size, uint8_t* rgb,
-                             char* reason) {
+                             size_t rgb_size, char* reason) {
   struct JpegDecoder decoder = {.status = kDecodeDone, .reason = reason};
-  Decode(&decoder, bytes, size, rgb);
+  Decode(&decoder, bytes, size, rgb, rgb_size);
   jpeg_destroy_decompress(&decoder.decompress);
   return decoder.status;
 }

@@ -15,10 +15,11 @@ extern "C" {
 enum DecodeStatus ReadJpegSize(const uint8_t* bytes, size_t size, int* width,
                                int* height, char* reason);
 
-/* Writes width x height x 3 bytes, red, green, blue, to `rgb`, with the size
- * that ReadJpegSize gave for the same bytes. Partly written on failure. */
+/* Writes width x height x 3 bytes, red, green, blue, with the size that
+ * ReadJpegSize gives for the same bytes, to the `rgb_size` bytes at `rgb`;
+ * fails where that is not their size. `rgb` is partly written on failure. */
 enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size, uint8_t* rgb,
-                             char* reason);
+                             size_t rgb_size, char* reason);
 
 #ifdef __cplusplus
 }

@@ -47,41 +47,76 @@ static void SetTransforms(png_structp png, enum PngLayout layout) {
   png_set_gray_to_rgb(png);
 }
 
-static void ReadRows(png_structp png, png_infop info, uint8_t* pixels) {
+struct PngTarget {
+  enum PngLayout layout;
+  uint8_t* pixels;
+  size_t size;
+};
+
+static void ReadRows(png_structp png, png_infop info,
+                     const struct PngTarget* target) {
+  SetTransforms(png, target->layout);
   const int passes = png_set_interlace_handling(png);
   png_read_update_info(png, info);
   const size_t row_bytes = png_get_rowbytes(png, info);
   const png_uint_32 height = png_get_image_height(png, info);
+  if (row_bytes * height != target->size) {
+    png_error(png, "the pixels have another size than the header says");
+  }
   for (int pass = 0; pass < passes; ++pass) {
     for (png_uint_32 y = 0; y < height; ++y) {
-      png_read_row(png, pixels + y * row_bytes, NULL);
+      png_read_row(png, target->pixels + y * row_bytes, NULL);
     }
   }
   png_read_end(png, NULL);
 }
 
-/* Errors come back to here; the caller owns what has changed by then. */
-static void Decode(png_structp png, png_infop info, enum PngLayout layout,
-                   uint8_t* pixels) {
-  if (setjmp(png_jmpbuf(png)) != 0) return;
-  png_set_read_fn(png, png_get_error_ptr(png), ReadBytes);
-  png_read_info(png, info);
-  SetTransforms(png, layout);
-  ReadRows(png, info, pixels);
+static void CopyHeader(png_structp png, png_infop info,
+                       struct PngHeader* header) {
+  header->width = (int)png_get_image_width(png, info);
+  header->height = (int)png_get_image_height(png, info);
+  header->bit_depth = png_get_bit_depth(png, info);
+  header->is_grey = png_get_color_type(png, info) == PNG_COLOR_TYPE_GRAY;
 }
 
-enum DecodeStatus DecodePng(const uint8_t* bytes, size_t size,
-                            enum PngLayout layout, void* pixels, char* reason) {
-  struct PngSource source = {bytes, size, kDecodeDone, reason};
+/* Errors come back to here; the caller owns what has changed by then. One of
+ * `header` and `target` is null. */
+static void Decode(png_structp png, png_infop info, struct PngHeader* header,
+                   const struct PngTarget* target) {
+  if (setjmp(png_jmpbuf(png)) != 0) return;
+  png_set_read_fn(png, png_get_error_ptr(png), ReadBytes);
+  /* The caller limits the size, and says so in its own words. */
+  png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+  png_read_info(png, info);
+  if (header != NULL) CopyHeader(png, info, header);
+  if (target != NULL) ReadRows(png, info, target);
+}
+
+static enum DecodeStatus Read(struct PngSource source, struct PngHeader* header,
+                              const struct PngTarget* target) {
   png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &source,
                                            OnError, OnWarning);
   png_infop info = png != NULL ? png_create_info_struct(png) : NULL;
   if (info != NULL) {
-    Decode(png, info, layout, pixels);
+    Decode(png, info, header, target);
   } else {
     source.status = kDecodeDamaged;
-    snprintf(reason, kDecodeReasonSize, "out of memory");
+    snprintf(source.reason, kDecodeReasonSize, "out of memory");
   }
   png_destroy_read_struct(&png, &info, NULL);
   return source.status;
+}
+
+enum DecodeStatus ReadPngHeader(const uint8_t* bytes, size_t size,
+                                struct PngHeader* header, char* reason) {
+  const struct PngSource source = {bytes, size, kDecodeDone, reason};
+  return Read(source, header, NULL);
+}
+
+enum DecodeStatus DecodePng(const uint8_t* bytes, size_t size,
+                            enum PngLayout layout, void* pixels,
+                            size_t pixels_size, char* reason) {
+  const struct PngSource source = {bytes, size, kDecodeDone, reason};
+  const struct PngTarget target = {layout, pixels, pixels_size};
+  return Read(source, NULL, &target);
 }

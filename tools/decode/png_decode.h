@@ -11,6 +11,17 @@
 extern "C" {
 #endif
 
+/* What the file's header says. */
+struct PngHeader {
+  int width, height;
+  int bit_depth; /* of a channel */
+  int is_grey;   /* without alpha */
+};
+
+/* On failure `reason` (kDecodeReasonSize bytes) says why. */
+enum DecodeStatus ReadPngHeader(const uint8_t* bytes, size_t size,
+                                struct PngHeader* header, char* reason);
+
 /* How a pixel leaves the decoder. Grey is for files that are just that. */
 enum PngLayout {
   kPngRgb8,  /* any file: 3 bytes; alpha dropped, palette and grey expanded */
@@ -18,11 +29,12 @@ enum PngLayout {
   kPngGrey16 /* one uint16_t of this machine's byte order */
 };
 
-/* Writes width x height pixels, as the file's header gives them, to `pixels`.
- * On failure `reason` (kDecodeReasonSize bytes) says why; `pixels` is then
- * partly written. */
+/* Writes width x height pixels, as ReadPngHeader gives them for the same bytes,
+ * to the `pixels_size` bytes at `pixels`; fails where that is not their size.
+ * On failure `reason` says why; `pixels` is then partly written. */
 enum DecodeStatus DecodePng(const uint8_t* bytes, size_t size,
-                            enum PngLayout layout, void* pixels, char* reason);
+                            enum PngLayout layout, void* pixels,
+                            size_t pixels_size, char* reason);
 
 #ifdef __cplusplus
 }
