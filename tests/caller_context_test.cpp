@@ -53,10 +53,34 @@ constexpr auto kOthers = std::to_array<GLenum>(
      GL_PIXEL_UNPACK_BUFFER_BINDING, GL_VERTEX_ARRAY_BINDING, GL_SCISSOR_BOX,
      GL_COLOR_WRITEMASK});
 
+constexpr auto kAttribute = std::to_array<GLenum>(
+    {GL_VERTEX_ATTRIB_ARRAY_ENABLED, GL_VERTEX_ATTRIB_ARRAY_SIZE,
+     GL_VERTEX_ATTRIB_ARRAY_TYPE, GL_VERTEX_ATTRIB_ARRAY_NORMALIZED,
+     GL_VERTEX_ATTRIB_ARRAY_STRIDE, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING,
+     GL_VERTEX_ATTRIB_ARRAY_INTEGER, GL_VERTEX_ATTRIB_ARRAY_DIVISOR});
+
+// Both attributes of the bound vertex array, fed from the bound buffer and from
+// client memory.
+void SetAttributes() {
+  static constexpr std::array<uint8_t, 64> kBytes = {};
+  glVertexAttribPointer(0, 3, GL_SHORT, GL_TRUE, 24,
+                        reinterpret_cast<const void*>(8));
+  glVertexAttribDivisor(0, 2);
+  glEnableVertexAttribArray(0);
+  GLint vertex_array = 0;
+  glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertex_array);
+  if (vertex_array == 0) glBindBuffer(GL_ARRAY_BUFFER, 0);
+  glVertexAttribIPointer(1, 2, GL_UNSIGNED_BYTE, 4,
+                         vertex_array == 0 ? kBytes.data() : nullptr);
+}
+
 // All of it different from what a new context has. The buffers are too small
 // for a frame.
 void SetState() {
   GLuint name = 0;
+  glGenBuffers(1, &name);
+  glBindBuffer(GL_ARRAY_BUFFER, name);
+  SetAttributes();
   glGenVertexArrays(1, &name);
   glBindVertexArray(name);
   for (const GLenum target : kBuffers) {
@@ -64,13 +88,25 @@ void SetState() {
     glBindBuffer(target, name);
     glBufferData(target, 64, nullptr, GL_STATIC_DRAW);
   }
-  glVertexAttribPointer(0, 4, GL_FLOAT, GL_FALSE, 16, nullptr);
-  glEnableVertexAttribArray(0);
+  SetAttributes();
   for (const GLenum store : kPixelStore) glPixelStorei(store, 8);
   for (const GLenum test : kSwitches) glEnable(test);
   glScissor(3, 4, 5, 6);
   glDepthFunc(GL_NEVER);
   glColorMask(GL_FALSE, GL_TRUE, GL_FALSE, GL_TRUE);
+}
+
+void ReadAttributes(std::vector<GLint>& state) {
+  for (const GLuint index : {0U, 1U}) {
+    for (const GLenum name : kAttribute) {
+      glGetVertexAttribiv(index, name, &state.emplace_back());
+    }
+    void* pointer = nullptr;
+    glGetVertexAttribPointerv(index, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer);
+    const auto address = reinterpret_cast<uintptr_t>(pointer);
+    state.push_back(static_cast<GLint>(address));
+    state.push_back(static_cast<GLint>(address >> 32));
+  }
 }
 
 std::vector<GLint> ReadState() {
@@ -83,7 +119,12 @@ std::vector<GLint> ReadState() {
   std::ranges::for_each(kPixelStore, read);
   std::ranges::for_each(kSwitches, read);
   std::ranges::for_each(kOthers, read);
-  glGetVertexAttribiv(0, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &state.emplace_back());
+  GLint vertex_array = 0;
+  glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertex_array);
+  ReadAttributes(state);
+  glBindVertexArray(0);
+  ReadAttributes(state);
+  glBindVertexArray(static_cast<GLuint>(vertex_array));
   return state;
 }
 

@@ -15,6 +15,7 @@
 #include "guarded_memory.h"
 #include "log_capture.h"
 #include "render/cached_programs.h"
+#include "render/quad.h"
 #include "test_frame.h"
 
 namespace zuqel {
@@ -212,10 +213,40 @@ TEST_F(ProgramCacheTest, BuilderStaysInsideTheCache) {
   }
   Cache cache(kCacheBytes);
   log_.Take();
-  BuildProgramCache(steps, cache.span().first<kCacheBytes>());
+  BuildProgramCache(steps, kQuadAttributes, cache.span().first<kCacheBytes>());
   EXPECT_EQ(log_.Take(), expected.log);
   EXPECT_TRUE(
       std::equal(expected.cache.begin(), expected.cache.end(), cache.data()));
+}
+
+TEST_F(ProgramCacheTest, BinariesMayPlaceTheirAttributes) {
+  const Bytes none(kCacheBytes);
+  const Bytes compiled = Start(nullptr, 22, All(), none);
+  std::vector<CacheStep> steps;
+  for (size_t i = 0; i < kEntries; ++i) {
+    steps.push_back({&SourceOf(kRoles.at(i)), i});
+  }
+  constexpr std::array kElsewhere = {"a", "b", "inputTextureCoordinate", "c",
+                                     "position"};
+  Cache cache(kCacheBytes);
+  BuildProgramCache(steps, kElsewhere, cache.span().first<kCacheBytes>());
+  for (const GLuint location : {2U, 4U}) {
+    glVertexAttribPointer(location, 3, GL_SHORT, GL_TRUE, 8, cache.data());
+    glEnableVertexAttribArray(location);
+  }
+  const Bytes kept(cache.data(), cache.data() + kCacheBytes);
+  EXPECT_EQ(Start(cache.data(), 0, All(), kept), compiled);
+  for (const GLuint location : {2U, 4U}) {
+    void* pointer = nullptr;
+    GLint type = 0, is_enabled = 0;
+    glGetVertexAttribPointerv(location, GL_VERTEX_ATTRIB_ARRAY_POINTER,
+                              &pointer);
+    glGetVertexAttribiv(location, GL_VERTEX_ATTRIB_ARRAY_TYPE, &type);
+    glGetVertexAttribiv(location, GL_VERTEX_ATTRIB_ARRAY_ENABLED, &is_enabled);
+    EXPECT_EQ(pointer, cache.data());
+    EXPECT_EQ(type, GL_SHORT);
+    EXPECT_EQ(is_enabled, GL_TRUE);
+  }
 }
 
 // As on a driver that links programs but keeps no binaries.
@@ -230,7 +261,7 @@ TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {
   Cache cache(kCacheBytes);
   log_.Take();
   driver::SetFailing(driver::Call::kProgramBinaryLength, true);
-  BuildProgramCache(steps, cache.span().first<kCacheBytes>());
+  BuildProgramCache(steps, kQuadAttributes, cache.span().first<kCacheBytes>());
   driver::SetFailing(driver::Call::kProgramBinaryLength, false);
   EXPECT_EQ(log_.Take(), (Lines{"binaryLength = 0", "dst_offset = 92",
                                 "binaryLength = 0", "dst_offset = 92"}));

@@ -1,5 +1,7 @@
-// Looks the extension functions up.
+// Looks up functions and the context's version.
 #include "gl/extensions.h"
+
+#include <string_view>
 
 namespace zuqel {
 namespace {
@@ -19,8 +21,22 @@ const Extensions& GetExtensions() {
           "glEGLImageTargetTexture2DOES"),
       LookUp<PFNEGLCREATEIMAGEKHRPROC>("eglCreateImageKHR"),
       LookUp<PFNEGLDESTROYIMAGEKHRPROC>("eglDestroyImageKHR"),
+      LookUp<decltype(Extensions::BindVertexArray)>("glBindVertexArray"),
+      LookUp<decltype(Extensions::VertexAttribDivisor)>(
+          "glVertexAttribDivisor"),
+      LookUp<decltype(Extensions::VertexAttribIPointer)>(
+          "glVertexAttribIPointer"),
   };
   return extensions;
+}
+
+bool IsEs3() {
+  constexpr std::string_view kPrefix = "OpenGL ES ";
+  const auto* version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
+  if (version == nullptr) return false;
+  const std::string_view text(version);
+  return text.starts_with(kPrefix) && text.size() > kPrefix.size() &&
+         text[kPrefix.size()] >= '3';
 }
 
 }  // namespace zuqel

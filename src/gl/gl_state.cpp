@@ -1,9 +1,7 @@
-// Saves, plains and restores the caller's GL state.
+// Saves GL state, sets defaults, restores on exit.
 #include "gl/gl_state.h"
 
-#include <EGL/egl.h>
-
-#include <string_view>
+#include "gl/extensions.h"
 
 namespace zuqel {
 namespace {
@@ -35,7 +33,7 @@ constexpr size_t kEs2Buffers = 2;
 
 struct PixelStoreValue {
   GLenum name;
-  GLint plain;
+  GLint set;
 };
 constexpr std::array<PixelStoreValue, 8> kPixelStore = {{
     {GL_PACK_ALIGNMENT, 1},
@@ -52,19 +50,8 @@ constexpr size_t kEs2PixelStore = 2;
 constexpr std::array<GLenum, 3> kSwitches = {GL_SCISSOR_TEST, GL_DEPTH_TEST,
                                              GL_CULL_FACE};
 
-bool IsEs3() {
-  constexpr std::string_view kPrefix = "OpenGL ES ";
-  const auto* version = reinterpret_cast<const char*>(glGetString(GL_VERSION));
-  if (version == nullptr) return false;
-  const std::string_view text(version);
-  return text.starts_with(kPrefix) && text.size() > kPrefix.size() &&
-         text[kPrefix.size()] >= '3';
-}
-
 void BindVertexArray(GLint name) {
-  using Function = void(GL_APIENTRY*)(GLuint);
-  const auto bind =
-      reinterpret_cast<Function>(eglGetProcAddress("glBindVertexArray"));
+  const auto bind = GetExtensions().BindVertexArray;
   if (bind != nullptr) bind(static_cast<GLuint>(name));
 }
 
@@ -79,9 +66,10 @@ PlainGlState::PlainGlState() : is_es3_(IsEs3()) {
     glGetIntegerv(kBuffers[i].binding, &buffers_[i]);
     glBindBuffer(kBuffers[i].target, 0);
   }
+  for (GLuint i = 0; i < kDrawnAttributeCount; ++i) attributes_[i].emplace(i);
   for (size_t i = 0; i < (is_es3_ ? kPixelStore.size() : kEs2PixelStore); ++i) {
     glGetIntegerv(kPixelStore[i].name, &pixel_store_[i]);
-    glPixelStorei(kPixelStore[i].name, kPixelStore[i].plain);
+    glPixelStorei(kPixelStore[i].name, kPixelStore[i].set);
   }
   for (size_t i = 0; i < kSwitches.size(); ++i) {
     switches_[i] = glIsEnabled(kSwitches[i]);
@@ -100,6 +88,7 @@ PlainGlState::~PlainGlState() {
   for (size_t i = 0; i < (is_es3_ ? kPixelStore.size() : kEs2PixelStore); ++i) {
     glPixelStorei(kPixelStore[i].name, pixel_store_[i]);
   }
+  for (auto& attribute : attributes_) attribute.reset();
   for (size_t i = 0; i < (is_es3_ ? kBuffers.size() : kEs2Buffers); ++i) {
     glBindBuffer(kBuffers[i].target, static_cast<GLuint>(buffers_[i]));
   }

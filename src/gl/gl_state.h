@@ -1,4 +1,4 @@
-// Caller's GL state that would bend the library's draws and transfers.
+// The caller's GL state that would affect the library's draws and transfers.
 #ifndef ZUQEL_GL_GL_STATE_H_
 #define ZUQEL_GL_GL_STATE_H_
 
@@ -6,14 +6,21 @@
 
 #include <array>
 #include <cstddef>
+#include <optional>
+
+#include "gl/vertex_attribute.h"
 
 namespace zuqel {
+
+// Vertex attributes that programs are linked to use: 0 and 1.
+inline constexpr GLuint kDrawnAttributeCount = 2;
 
 // While it lives, draws take their vertices from client memory and fill whole
 // viewports, and transfers move rows without padding from and to client memory:
 // no buffer objects (nor, in an ES 3 context, a vertex array or pixel buffers),
-// pixel-store values at their plainest, scissor, depth test and face culling
-// off, all colours written. Its end puts everything back.
+// pixel-store values for packed rows, scissor, depth test and face culling off,
+// all colours written. Restores everything on exit, attributes 0 and 1 too: an
+// array that the caller has enabled must not be left pointing into the library.
 // Blending, clear colour, viewport, and bindings of framebuffer, program and
 // textures are not touched.
 class PlainGlState {
@@ -30,6 +37,8 @@ class PlainGlState {
 
   bool is_es3_;
   GLint vertex_array_ = 0;
+  std::array<std::optional<SavedVertexAttribute>, kDrawnAttributeCount>
+      attributes_;
   std::array<GLint, kBufferCount> buffers_ = {};
   std::array<GLint, kPixelStoreCount> pixel_store_ = {};
   std::array<GLboolean, kSwitchCount> switches_ = {};

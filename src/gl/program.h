@@ -2,6 +2,8 @@
 #ifndef ZUQEL_GL_PROGRAM_H_
 #define ZUQEL_GL_PROGRAM_H_
 
+#include <span>
+
 #include "gl/gl_handle.h"
 
 namespace zuqel {
@@ -12,9 +14,12 @@ struct ProgramSource {
   const char* fragment = nullptr;
 };
 
+// Vertex attributes by name; linking gives them locations 0, 1 and so on.
+using AttributeNames = std::span<const char* const>;
+
 // Compiles and links. Whether that went well is not looked at: a program that
 // did not link draws nothing.
-Program BuildProgram(const ProgramSource& source);
+Program BuildProgram(const ProgramSource& source, AttributeNames attributes);
 
 }  // namespace zuqel
 

@@ -84,11 +84,12 @@ GLint LoadProgramBinary(ProgramCacheBytes cache, const BinaryInfo::Entry& entry,
 }
 
 void BuildProgramCache(std::span<const CacheStep> steps,
+                       AttributeNames attributes,
                        std::span<uint8_t, kProgramCacheBytes> cache) {
   BinaryInfo info;
   auto offset = static_cast<int32_t>(sizeof(BinaryInfo));
   for (const CacheStep& step : steps) {
-    const Program program = BuildProgram(*step.source);
+    const Program program = BuildProgram(*step.source, attributes);
     const auto length =
         LinkStatus(program) == GL_TRUE
             ? WriteBinary(program, cache.subspan(static_cast<size_t>(offset)))

@@ -55,6 +55,7 @@ GLint LoadProgramBinary(ProgramCacheBytes cache, const BinaryInfo::Entry& entry,
 // at the end the head, `isValid` set. A step that does not link, or whose
 // binary does not fit, is logged and leaves its entry as it is.
 void BuildProgramCache(std::span<const CacheStep> steps,
+                       AttributeNames attributes,
                        std::span<uint8_t, kProgramCacheBytes> cache);
 
 }  // namespace zuqel

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "base/log.h"
+#include "render/quad.h"
 
 namespace zuqel {
 namespace {
@@ -73,7 +74,7 @@ void Rebuild(std::span<uint8_t, kProgramCacheBytes> cache) {
                  [](const BuildStep& step) {
                    return CacheStep{&SourceOf(step.role), step.entry};
                  });
-  BuildProgramCache(steps, cache);
+  BuildProgramCache(steps, kQuadAttributes, cache);
 }
 
 }  // namespace

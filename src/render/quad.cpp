@@ -1,6 +1,10 @@
 // Draws the quad.
 #include "render/quad.h"
 
+#include <optional>
+
+#include "gl/vertex_attribute.h"
+
 namespace zuqel {
 namespace {
 
@@ -9,14 +13,18 @@ constexpr std::array<GLushort, kVertexCount> kIndices = {0, 1, 2, 3};
 constexpr std::array<GLfloat, 16> kIdentity = {1, 0, 0, 0, 0, 1, 0, 0,
                                                0, 0, 1, 0, 0, 0, 0, 1};
 
-// A vertex attribute fed from client memory while it lives: an array left
-// enabled would point into this library when the caller draws next.
+// A vertex attribute fed from client memory while it lives. A program from a
+// binary has its attributes where they were when the binary was made; one that
+// PlainGlState does not cover is restored here.
 class ClientAttribute {
  public:
   ClientAttribute(GLuint program, const char* name,
                   const std::array<GLfloat, 8>& values)
       : location_(glGetAttribLocation(program, name)) {
     if (location_ < 0) return;  // the program did not link
+    if (location_ >= GLint{kDrawnAttributeCount}) {
+      saved_.emplace(static_cast<GLuint>(location_));
+    }
     glEnableVertexAttribArray(static_cast<GLuint>(location_));
     glVertexAttribPointer(static_cast<GLuint>(location_), 2, GL_FLOAT, GL_FALSE,
                           0, values.data());
@@ -30,13 +38,14 @@ class ClientAttribute {
 
  private:
   GLint location_;
+  std::optional<SavedVertexAttribute> saved_;
 };
 
 }  // namespace
 
 void DrawQuad(GLuint program, const Quad& quad) {
-  const ClientAttribute positions(program, "position", quad.positions);
-  const ClientAttribute coordinates(program, "inputTextureCoordinate",
+  const ClientAttribute positions(program, kQuadAttributes[0], quad.positions);
+  const ClientAttribute coordinates(program, kQuadAttributes[1],
                                     quad.texture_coordinates);
   glUniformMatrix4fv(glGetUniformLocation(program, "projection"), 1, GL_FALSE,
                      kIdentity.data());

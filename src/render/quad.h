@@ -6,7 +6,14 @@
 
 #include <array>
 
+#include "gl/gl_state.h"
+
 namespace zuqel {
+
+// Attributes of the vertices, in the order of `Quad`. Programs are linked with
+// them at 0 and 1, which PlainGlState restores.
+inline constexpr std::array<const char*, kDrawnAttributeCount> kQuadAttributes =
+    {"position", "inputTextureCoordinate"};
 
 // Four vertices in the order of a triangle fan: x, y and s, t of each.
 struct Quad {

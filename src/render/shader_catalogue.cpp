@@ -1,6 +1,7 @@
 // Pairs the embedded shaders into programs.
 #include "render/shader_catalogue.h"
 
+#include "render/quad.h"
 #include "shader_sources.h"
 
 namespace zuqel {
@@ -26,9 +27,13 @@ const ProgramSource& SourceOf(ProgramRole role) {
   return kSources[static_cast<size_t>(role)];
 }
 
+void ProgramTable::Build(ProgramRole role) {
+  Set(role, BuildProgram(SourceOf(role), kQuadAttributes));
+}
+
 void ProgramTable::BuildAll() {
   for (size_t i = 0; i < kProgramCount; ++i) {
-    programs_[i] = BuildProgram(kSources[i]);
+    Build(static_cast<ProgramRole>(i));
   }
 }
 

@@ -32,7 +32,7 @@ const ProgramSource& SourceOf(ProgramRole role);
 class ProgramTable {
  public:
   void BuildAll();
-  void Build(ProgramRole role) { Set(role, BuildProgram(SourceOf(role))); }
+  void Build(ProgramRole role);
   void Set(ProgramRole role, Program program) {
     programs_[static_cast<size_t>(role)] = std::move(program);
   }
