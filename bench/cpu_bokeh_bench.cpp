@@ -49,10 +49,12 @@ void Blend(benchmark::State& state) {
 void WholeCall(benchmark::State& state) {
   const Silence silence;
   BokehFrame frame;
-  ExpansionState expansion;
+  ExpansionBuffers buffers;
+  int32_t frame_counter = 0;
   TimeRounds(state, 2 * (frame.luma.pixels.size() * 3 / 2), [&] {
     frame.Restore();
-    RenderExpansion(frame.View(), expansion);
+    benchmark::DoNotOptimize(
+        RenderExpansion(frame.View(), buffers, frame_counter));
   });
 }
 

@@ -53,9 +53,10 @@ void CompareBlur() {
 void CompareFrames() {
   const Silence silence;
   BokehFrame ours, theirs;
-  ExpansionState state;
+  ExpansionBuffers buffers;
+  int32_t frame_counter = 0;
   OpenCvBokeh opencv;
-  ExpectTrue(RenderExpansion(ours.View(), state), "memory");
+  ExpectTrue(RenderExpansion(ours.View(), buffers, frame_counter), "memory");
   ExpectTrue(ShareWithin(0, ours.luma.pixels, theirs.luma.pixels) < 0.9,
              "nothing is blurred");
   opencv.Render(theirs.View());

@@ -369,8 +369,8 @@ TEST(RenderExpansion, IsItsStepsInPlainForm) {
     const auto map = Resized<uint16_t>({}, kSides[i + 2], kSides[i + 3]);
     PlainExpansion plain = {width, height, map, counter};
     plain.history.fill(Bytes(map.values.size()));
-    if (counter != 0) session.expansion.Release();
-    session.expansion.expansionFrameCounter = counter;
+    if (counter != 0) session.expansion = {};
+    session.expansionFrameCounter = counter;
     session.gInfo = {width, height, map.width, map.height, 0, 0,
                      0,     0,      0,         0,          0, 0};
     const std::array xs = {width / 2, 0, width - 1, -1, INT32_MIN};

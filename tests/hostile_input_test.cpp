@@ -145,7 +145,7 @@ TEST(HostileInput, CpuBokehNeedsASessionAndPlanes) {
   EXPECT_EQ(kCpuBokeh(luma, nullptr, depth, 3, 4), 0U);
   EXPECT_EQ(kCpuBokeh(luma, chroma, nullptr, 3, 4), 0U);
   EXPECT_EQ(frame.Contents(), before);
-  EXPECT_EQ(TheSession().expansion.expansionFrameCounter, 0);
+  EXPECT_EQ(TheSession().expansionFrameCounter, 0);
   zuQelRT_GLClose();
   EXPECT_EQ(kCpuBokeh(luma, chroma, depth, 3, 4), 0U);
 }

@@ -188,7 +188,8 @@ void SumResizePlane(Size size, Trial& trial) {
 }
 
 void SumRenderExpansion(Size size, Trial& trial) {
-  ExpansionState state;
+  ExpansionBuffers buffers;
+  int32_t counter = 0;
   const Size chroma_size = {nullptr, size.width, size.height / 2};
   const Size small = {nullptr, (size.width + 1) / 2, (size.height + 2) / 3};
   auto luma = trial.Noise<uint8_t>(size.size());
@@ -196,7 +197,7 @@ void SumRenderExpansion(Size size, Trial& trial) {
   for (int32_t x = 0; x < 5; ++x) {
     auto map = trial.Noise<uint16_t>(small.size());
     EXPECT_TRUE(RenderExpansion(
-        {View(luma, size), chroma, View(map, small), x, x}, state));
+        {View(luma, size), chroma, View(map, small), x, x}, buffers, counter));
     trial.Add(luma);
     trial.Add(chroma);
   }

@@ -29,7 +29,7 @@ uint32_t zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(uint8_t* yPlane,
                      zuqel::NonNegative(info.DepthHeight)},
        .focus_x = a_dReX,
        .focus_y = static_cast<int32_t>(a_dReY)},
-      session.expansion);
+      session.expansion, session.expansionFrameCounter);
   if (rendered) {
     ZUQEL_LOG("Bokeh_ZU4410_DisparityBase_Expansion take %d ms",
               zuqel::ElapsedSince(start));

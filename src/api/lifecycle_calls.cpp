@@ -135,7 +135,7 @@ void SetUp(Session& session, const StartCall& call) {
   if (!isValidGBWrapper()) session.gInfo.GraphicBufferFlag = 0;
   ZUQEL_LOG("Graphics buffer flag = %d", session.gInfo.GraphicBufferFlag);
   CreateGlObjects(session, call);
-  session.expansion.expansionFrameCounter = 0;
+  session.expansionFrameCounter = 0;
   session.PortraitFlag = session.gInfo.PortraitMode != 0;
 }
 
@@ -209,7 +209,7 @@ uint32_t zuQelRT_GLClose() {
   DeleteGlObjects(session.frame);
   session.frame.graphic_buffer.Release();
   session.buffers.Release(zuqel::FreedBy::kClose);
-  session.expansion.Release();
+  session.expansion = {};
   session.refocus_map.scratch = {};
   session.frame.weight_rgba.Release();
   session.frame.depth_rgba.Release();

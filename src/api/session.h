@@ -89,7 +89,8 @@ struct Session {
   ProgramCache program_cache;
   FrameSession frame;
   RefocusMapSession refocus_map;
-  ExpansionState expansion;
+  ExpansionBuffers expansion;
+  int32_t expansionFrameCounter = 0;  // reset by initialisation only
 
   // Taken by zuQelRT_SetParameter only.
   std::mutex mutex;

@@ -36,26 +36,27 @@ MaskPoint MapFocus(const ExpansionFrame& frame) {
 
 class Expansion {
  public:
-  Expansion(const ExpansionFrame& frame, ExpansionState& state)
-      : frame_(frame), state_(state) {}
+  Expansion(const ExpansionFrame& frame, ExpansionBuffers& buffers,
+            int32_t frame_counter)
+      : frame_(frame), buffers_(buffers), frame_counter_(frame_counter) {}
 
   // False when there is no memory; then nothing has changed.
   [[nodiscard]] bool Reserve() {
     const auto frame_bytes = BytesOf(frame_.luma);
     const auto map_bytes = BytesOf(frame_.disparity);
     for (Buffer* buffer :
-         {&state_.u_region, &state_.v_region, &state_.preview_mask,
-          &state_.strong_blur, &state_.mild_blur}) {
+         {&buffers_.u_region, &buffers_.v_region, &buffers_.preview_mask,
+          &buffers_.strong_blur, &buffers_.mild_blur}) {
       if (!buffer->Reserve(frame_bytes)) return false;
     }
-    for (Buffer* buffer : {&state_.focus_mask, &state_.work_mask}) {
+    for (Buffer* buffer : {&buffers_.focus_mask, &buffers_.work_mask}) {
       if (!buffer->Reserve(map_bytes)) return false;
     }
     const int32_t three_high = frame_.disparity.height <= INT32_MAX / 3
                                    ? 3 * frame_.disparity.height
                                    : INT32_MAX;
-    return state_.history.Reserve(map_bytes) &&
-           state_.reduced_frame.Reserve(
+    return buffers_.history.Reserve(map_bytes) &&
+           buffers_.reduced_frame.Reserve(
                ByteCount(frame_.disparity.width, three_high, 1));
   }
 
@@ -82,8 +83,8 @@ class Expansion {
     return ByteCount(plane.width, plane.height, 1);
   }
   [[nodiscard]] ChromaRegions Chroma() const {
-    return {Over(state_.u_region, frame_.luma),
-            Over(state_.v_region, frame_.luma)};
+    return {Over(buffers_.u_region, frame_.luma),
+            Over(buffers_.v_region, frame_.luma)};
   }
   // A buffer as a plane of another one's size.
   static Plane<uint8_t> Over(const Buffer& buffer, const auto& size) {
@@ -93,9 +94,9 @@ class Expansion {
   // The frame at the size of the map, three planes one behind the other.
   bool ReduceFrame() {
     const auto [u, v] = Chroma();
-    Plane<uint8_t> reduced = Over(state_.reduced_frame, frame_.disparity);
+    Plane<uint8_t> reduced = Over(buffers_.reduced_frame, frame_.disparity);
     for (const Plane<uint8_t> plane : {frame_.luma, u, v}) {
-      if (!ResizePlane(Plane<const uint8_t>(plane), state_.blur.resize,
+      if (!ResizePlane(Plane<const uint8_t>(plane), buffers_.blur.resize,
                        reduced)) {
         return false;
       }
@@ -127,37 +128,37 @@ class Expansion {
   // and enlarged. The region that was grown is 255, so what comes out of the
   // inversion is 0 where it is in focus.
   bool MakeMask(const FocusRange& range) {
-    const Plane<uint8_t> mask = Over(state_.focus_mask, frame_.disparity);
-    const Plane<uint8_t> work = Over(state_.work_mask, frame_.disparity);
-    const uint8_t* reduced = state_.reduced_frame.bytes();
+    const Plane<uint8_t> mask = Over(buffers_.focus_mask, frame_.disparity);
+    const Plane<uint8_t> work = Over(buffers_.work_mask, frame_.disparity);
+    const uint8_t* reduced = buffers_.reduced_frame.bytes();
     const size_t size = mask.size();
     uint32_t FocusComponentArea = 0;
     if (!FocusMaskExpansion(frame_.disparity,
                             {reduced, reduced + size, reduced + 2 * size},
-                            range, state_.growth, mask) ||
-        !PruneComponents(mask, focus_, /*keep_only_focus=*/true, state_.cleanup,
-                         work, &FocusComponentArea)) {
+                            range, buffers_.growth, mask) ||
+        !PruneComponents(mask, focus_, /*keep_only_focus=*/true,
+                         buffers_.cleanup, work, &FocusComponentArea)) {
       return false;
     }
     for (size_t i = 0; i < size; ++i) {
       work.data[i] = static_cast<uint8_t>(~work.data[i]);
     }
     const Plane<uint8_t>& smoothed = work;
-    if (!RemoveSpecks(work, FocusComponentArea, state_.cleanup, mask) ||
-        !BoxBlur(mask, kFeatherRadius, state_.blur.box, smoothed)) {
+    if (!RemoveSpecks(work, FocusComponentArea, buffers_.cleanup, mask) ||
+        !BoxBlur(mask, kFeatherRadius, buffers_.blur.box, smoothed)) {
       return false;
     }
-    state_.history.Smooth(state_.expansionFrameCounter, smoothed);
-    return ResizePlane(Plane<const uint8_t>(smoothed), state_.blur.resize,
-                       Over(state_.preview_mask, frame_.luma));
+    buffers_.history.Smooth(frame_counter_, smoothed);
+    return ResizePlane(Plane<const uint8_t>(smoothed), buffers_.blur.resize,
+                       Over(buffers_.preview_mask, frame_.luma));
   }
 
   bool BlurAndBlend(Plane<uint8_t> plane, bool is_logged) {
-    const Plane<uint8_t> strong = Over(state_.strong_blur, plane);
-    const Plane<uint8_t> mild = Over(state_.mild_blur, plane);
+    const Plane<uint8_t> strong = Over(buffers_.strong_blur, plane);
+    const Plane<uint8_t> mild = Over(buffers_.mild_blur, plane);
     const auto blur = [&](int32_t expansionBlurScale, Plane<uint8_t> out) {
-      const bool blurred =
-          TwoLevelBlur(plane, expansionBlurScale, kStrength, state_.blur, out);
+      const bool blurred = TwoLevelBlur(plane, expansionBlurScale, kStrength,
+                                        buffers_.blur, out);
       if (blurred && is_logged) {
         ZUQEL_LOG("pindle uwScaleW = %d, uwScaleH = %d ",
                   plane.width / expansionBlurScale,
@@ -166,7 +167,7 @@ class Expansion {
       return blurred;
     };
     if (!blur(kStrongScale, strong) || !blur(kMildScale, mild)) return false;
-    BlendByMask(strong, mild, Over(state_.preview_mask, plane), plane);
+    BlendByMask(strong, mild, Over(buffers_.preview_mask, plane), plane);
     return true;
   }
 
@@ -182,23 +183,20 @@ class Expansion {
   }
 
   ExpansionFrame frame_;
-  ExpansionState& state_;
+  ExpansionBuffers& buffers_;
+  int32_t frame_counter_;
   MaskPoint focus_;
 };
 
 }  // namespace
 
-void ExpansionState::Release() {
-  const int32_t counter = expansionFrameCounter;
-  *this = {};
-  expansionFrameCounter = counter;
-}
-
-bool RenderExpansion(const ExpansionFrame& frame, ExpansionState& state) {
-  Expansion expansion(frame, state);
+bool RenderExpansion(const ExpansionFrame& frame, ExpansionBuffers& buffers,
+                     int32_t& expansionFrameCounter) {
+  Expansion expansion(frame, buffers, expansionFrameCounter);
   if (!expansion.Reserve() || !expansion.Run()) return false;
-  state.expansionFrameCounter = static_cast<int32_t>(
-      static_cast<uint32_t>(state.expansionFrameCounter) + 1);
+  // Wraps.
+  expansionFrameCounter =
+      static_cast<int32_t>(static_cast<uint32_t>(expansionFrameCounter) + 1);
   return true;
 }
 

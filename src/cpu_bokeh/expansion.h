@@ -13,9 +13,8 @@
 
 namespace zuqel {
 
-// Memory that calls use again, and what they leave for the next.
-struct ExpansionState {
-  int32_t expansionFrameCounter = 0;
+// Memory that calls use again, and the masks that they leave for the next.
+struct ExpansionBuffers {
   MaskHistory history;
 
   Buffer u_region;
@@ -29,9 +28,6 @@ struct ExpansionState {
   Buffer growth;
   CleanupScratch cleanup;
   BlurScratch blur;
-
-  // Everything goes but the counter.
-  void Release();
 };
 
 struct ExpansionFrame {
@@ -44,9 +40,12 @@ struct ExpansionFrame {
 
 // Blurs what is not in focus: a mask from the disparity and the frame, smoothed
 // over the last three calls, mixes the frame with two blurs of itself. The
-// steps log as they go. False, with the picture untouched, when there is no
-// memory.
-bool RenderExpansion(const ExpansionFrame& frame, ExpansionState& state);
+// steps log as they go. `expansionFrameCounter` counts the calls that were
+// completed; it outlives the buffers. False, with the picture untouched, when
+// there is no memory.
+[[nodiscard]] bool RenderExpansion(const ExpansionFrame& frame,
+                                   ExpansionBuffers& buffers,
+                                   int32_t& expansionFrameCounter);
 
 }  // namespace zuqel
 
