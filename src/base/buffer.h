@@ -26,6 +26,11 @@ inline std::optional<size_t> ByteCount(int32_t width, int32_t height,
   return static_cast<size_t>(samples * bytes_per_sample);
 }
 
+inline std::optional<size_t> ByteCount(ImageSize size,
+                                       int32_t bytes_per_sample) {
+  return ByteCount(size.width, size.height, bytes_per_sample);
+}
+
 class Buffer {
  public:
   // Makes sure there are at least `bytes` bytes, zeroed when newly made. False

@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <type_traits>
 
+#include "base/image_size.h"
+
 namespace zuqel {
 
 // `width` and `height` are never negative. Owns nothing.
@@ -18,6 +20,7 @@ struct Plane {
   [[nodiscard]] size_t size() const {
     return static_cast<size_t>(width) * static_cast<size_t>(height);
   }
+  [[nodiscard]] ImageSize extent() const { return {width, height}; }
   [[nodiscard]] T* row(int32_t y) const {
     return data + static_cast<size_t>(y) * static_cast<size_t>(width);
   }

@@ -28,13 +28,6 @@ struct Labelled {
   }
 };
 
-// Makes room for all that labelling a mask needs, before `out` is written.
-bool Reserve(Plane<const uint8_t> mask, CleanupScratch& scratch) {
-  return scratch.labels.Reserve(ByteCount(mask.width, mask.height, 4)) &&
-         scratch.areas.Reserve(kLabelLimit * 4) &&
-         ReserveLabelling(mask, scratch.labelling);
-}
-
 // Sets the pixels `inset` steps inside the border, all around.
 void SetRing(Plane<uint8_t> mask, int32_t inset, uint8_t value) {
   const int32_t right = mask.width - 1 - inset;
@@ -86,7 +79,7 @@ void KeepTwo(uint32_t label, uint32_t other, Plane<const uint32_t> labels,
 std::optional<Labelled> CopyAndLabel(Plane<const uint8_t> in, bool has_set_ring,
                                      CleanupScratch& scratch,
                                      Plane<uint8_t> out) {
-  if (!Reserve(in, scratch)) return std::nullopt;
+  if (!scratch.Reserve(in.extent())) return std::nullopt;
   if (in.size() > 0) std::memmove(out.data, in.data, in.size());
   SetRing(out, 0, 0);
   if (has_set_ring) SetRing(out, 1, kSet);
@@ -109,6 +102,11 @@ KeepTable KeepAbove(std::span<const uint32_t> areas, uint32_t limit) {
 }
 
 }  // namespace
+
+bool CleanupScratch::Reserve(ImageSize size) {
+  return labels.Reserve(ByteCount(size, 4)) && areas.Reserve(kLabelLimit * 4) &&
+         ReserveLabelling(size, labelling);
+}
 
 bool PruneComponents(Plane<const uint8_t> in, MaskPoint focus,
                      bool keep_only_focus, CleanupScratch& scratch,

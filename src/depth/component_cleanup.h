@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "base/buffer.h"
+#include "base/image_size.h"
 #include "base/plane.h"
 
 namespace zuqel {
@@ -22,6 +23,10 @@ struct CleanupScratch {
   Buffer labels;
   Buffer areas;
   Buffer labelling;
+
+  // Makes room for all that a clean-up of masks of this size needs, so that it
+  // cannot fail; false when there is no memory.
+  [[nodiscard]] bool Reserve(ImageSize size);
 };
 
 // All of these write a cleaned copy of `in` to `out`, of the same size, and

@@ -187,10 +187,12 @@ uint32_t LargestLabel(std::span<const uint32_t> areas) {
 struct ScratchLayout {
   size_t row_words, bit_words, most_labels;
 
-  explicit ScratchLayout(Plane<const uint8_t> mask)
-      : row_words(WordsOfRow(mask.width)),
-        bit_words(row_words * static_cast<size_t>(mask.height)),
-        most_labels(mask.size() + 2) {}
+  explicit ScratchLayout(ImageSize size)
+      : row_words(WordsOfRow(size.width)),
+        bit_words(row_words * static_cast<size_t>(size.height)),
+        most_labels(static_cast<size_t>(size.width) *
+                        static_cast<size_t>(size.height) +
+                    2) {}
 
   [[nodiscard]] size_t bit_rows() const { return 2 * bit_words + row_words; }
   [[nodiscard]] size_t words() const {
@@ -200,8 +202,8 @@ struct ScratchLayout {
 
 }  // namespace
 
-bool ReserveLabelling(Plane<const uint8_t> mask, Buffer& scratch) {
-  const size_t words = ScratchLayout(mask).words();
+bool ReserveLabelling(ImageSize size, Buffer& scratch) {
+  const size_t words = ScratchLayout(size).words();
   return words <= INT32_MAX / 4 && scratch.Reserve(words * 4);
 }
 
@@ -209,12 +211,12 @@ std::optional<uint32_t> LabelComponents(Plane<const uint8_t> mask,
                                         std::span<uint32_t> labels,
                                         std::span<uint32_t> areas,
                                         Buffer& scratch) {
-  if (!ReserveLabelling(mask, scratch)) return std::nullopt;
+  if (!ReserveLabelling(mask.extent(), scratch)) return std::nullopt;
   if (areas.empty()) {
     std::fill(labels.begin(), labels.end(), 0U);
     return 0;
   }
-  const ScratchLayout layout(mask);
+  const ScratchLayout layout(mask.extent());
   auto* bit_rows = reinterpret_cast<uint64_t*>(scratch.bytes());
   const MaskBits bits{layout.row_words, bit_rows, bit_rows + layout.bit_words};
   uint64_t* unfolded = bit_rows + 2 * layout.bit_words;

@@ -30,9 +30,9 @@ struct Largest {
 template <typename Op>
 class SquareFilter {
  public:
-  SquareFilter(int32_t width, int32_t height, uint8_t radius)
-      : width_(static_cast<size_t>(width)),
-        height_(static_cast<size_t>(height)),
+  SquareFilter(ImageSize size, uint8_t radius)
+      : width_(static_cast<size_t>(size.width)),
+        height_(static_cast<size_t>(size.height)),
         // Nothing lies further away.
         reach_x_(std::min<size_t>(radius, width_)),
         reach_y_(std::min<size_t>(radius, height_)),
@@ -163,17 +163,20 @@ class SquareFilter {
 template <typename Op>
 bool Filter(Plane<const uint8_t> in, uint8_t radius, Buffer& scratch,
             Plane<uint8_t> out) {
+  if (!ReserveSquareFilter(in.extent(), radius, scratch)) return false;
   if (in.size() == 0) return true;
-  SquareFilter<Op> filter(in.width, in.height, radius);
-  if (filter.ScratchBytes() > INT32_MAX ||
-      !scratch.Reserve(filter.ScratchBytes())) {
-    return false;
-  }
-  filter.Run(in, scratch.bytes(), out);
+  SquareFilter<Op>(in.extent(), radius).Run(in, scratch.bytes(), out);
   return true;
 }
 
 }  // namespace
+
+bool ReserveSquareFilter(ImageSize size, uint8_t radius, Buffer& scratch) {
+  if (size.width == 0 || size.height == 0) return true;
+  // The layout is the same for all operations.
+  const size_t bytes = SquareFilter<Union>(size, radius).ScratchBytes();
+  return bytes <= INT32_MAX && scratch.Reserve(bytes);
+}
 
 bool DilateMask(Plane<const uint8_t> in, uint8_t radius, Buffer& scratch,
                 Plane<uint8_t> out) {

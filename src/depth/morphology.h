@@ -6,9 +6,15 @@
 #include <cstdint>
 
 #include "base/buffer.h"
+#include "base/image_size.h"
 #include "base/plane.h"
 
 namespace zuqel {
+
+// Grows `scratch` to what a filter of images of this size needs, so that it
+// cannot fail; false when there is no memory.
+[[nodiscard]] bool ReserveSquareFilter(ImageSize size, uint8_t radius,
+                                       Buffer& scratch);
 
 // `in` and `out` have one size and may be the same. `scratch` is grown as
 // needed; false, with `out` untouched, when there is no memory.

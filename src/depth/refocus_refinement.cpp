@@ -30,13 +30,17 @@ void Complement(Plane<const uint8_t> in, Plane<uint8_t> out) {
 
 }  // namespace
 
+bool RefinementScratch::Reserve(ImageSize size) {
+  for (Buffer* buffer : {&work_a, &work_b, &changes, &dilated_changes}) {
+    if (!buffer->Reserve(ByteCount(size, 1))) return false;
+  }
+  return ReserveSquareFilter(size, kChangeRadius, dilation) &&
+         cleanup.Reserve(size);
+}
+
 bool RefineRefocusMap(Plane<const uint8_t> in, MaskPoint focus,
                       RefinementScratch& scratch, Plane<uint8_t> out) {
-  const auto bytes = ByteCount(in.width, in.height, 1);
-  for (Buffer* buffer : {&scratch.work_a, &scratch.work_b, &scratch.changes,
-                         &scratch.dilated_changes}) {
-    if (!buffer->Reserve(bytes)) return false;
-  }
+  if (!scratch.Reserve(in.extent())) return false;
   const auto plane = [&in](const Buffer& buffer) {
     return Plane<uint8_t>{buffer.bytes(), in.width, in.height};
   };

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "base/buffer.h"
+#include "base/image_size.h"
 #include "base/plane.h"
 #include "depth/component_cleanup.h"
 
@@ -18,6 +19,10 @@ struct RefinementScratch {
   Buffer dilated_changes;
   Buffer dilation;
   CleanupScratch cleanup;
+
+  // Makes room for all that refining maps of this size needs, so that it cannot
+  // fail; false when there is no memory.
+  [[nodiscard]] bool Reserve(ImageSize size);
 };
 
 // Finds the holes and islands of the sharp region around the focus point (in
