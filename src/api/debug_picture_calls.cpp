@@ -17,7 +17,11 @@ uint32_t zuQelRT_GLShowDebugPicture(int32_t isShow, int32_t isBlending) {
 uint32_t zuQelRT_GLSetDebugPicture(const DebugPicture* table) {
   if (table == nullptr) return ZUQEL_NULL_POINTER;
   zuqel::FrameSession& frame = zuqel::TheSession().frame;
-  const zuqel::PlainGlState plain_state;
-  zuqel::LoadDebugPictures(frame.render, table, frame.debug_pictures);
+  if (zuqel::IsCurrent(frame.render_context)) {
+    const zuqel::PlainGlState plain_state;
+    zuqel::LoadDebugPictures(&frame.render, table, frame.debug_pictures);
+  } else {
+    zuqel::LoadDebugPictures(nullptr, table, frame.debug_pictures);
+  }
   return ZUQEL_SUCCESS;
 }

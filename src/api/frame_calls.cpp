@@ -65,9 +65,11 @@ Plane<const uint8_t> WeightsOf(const FrameCall& call, const GLInitInfo& info) {
           NonNegative(info.WorkHeight)};
 }
 
-// A frame can be rendered where initialisation has made its buffers.
+// A frame can be rendered where initialisation has made its buffers and where
+// its GL objects live.
 bool IsReady(Session& session) {
-  return session.buffers[BufferRole::kReadBack].exists();
+  return session.buffers[BufferRole::kReadBack].exists() &&
+         zuqel::IsCurrent(session.frame.render_context);
 }
 
 FocusPoint FindFocus(const FrameCall& call, const GLInitInfo& info) {

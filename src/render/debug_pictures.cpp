@@ -18,7 +18,7 @@ bool IsInUse(const DebugPicture& picture) {
 
 }  // namespace
 
-void LoadDebugPictures(const RenderState& state, const DebugPicture* table,
+void LoadDebugPictures(const RenderState* state, const DebugPicture* table,
                        DebugPictures& pictures) {
   std::copy_n(table, pictures.table.size(), pictures.table.begin());
   for (size_t i = 0; i < pictures.table.size(); ++i) {
@@ -29,10 +29,9 @@ void LoadDebugPictures(const RenderState& state, const DebugPicture* table,
         "picture[i].iHeight = %d",
         static_cast<int>(i), Low32(picture.pData), picture.iWidth,
         picture.iHeight);
-    const GLuint texture = state.debug_pictures[i].get();
-    if (texture == 0) continue;
-    UploadTexture(texture, GL_RGBA, picture.iWidth, picture.iHeight,
-                  picture.pData, {});
+    if (state == nullptr) continue;
+    UploadTexture(state->debug_pictures[i].get(), GL_RGBA, picture.iWidth,
+                  picture.iHeight, picture.pData, {});
   }
 }
 

@@ -18,9 +18,9 @@ struct DebugPictures {
 };
 
 // Copies ten entries and uploads the pictures of those in use, which it logs;
-// the others' textures stay as they are. A texture that does not exist is not
-// uploaded. Needs PlainGlState.
-void LoadDebugPictures(const RenderState& state, const DebugPicture* table,
+// the others' textures stay as they are. With a null `state` there are no
+// textures to upload to. Needs PlainGlState.
+void LoadDebugPictures(const RenderState* state, const DebugPicture* table,
                        DebugPictures& pictures);
 
 // Draws the pictures in use over the output target, which stays bound.
