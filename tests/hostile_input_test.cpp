@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <ctime>
 #include <optional>
 #include <vector>
 
@@ -130,6 +131,31 @@ TEST(HostileInput, RefocusMapsStayInsideTheirBuffers) {
     zuQelRT_GenRefocusMap_Deinit();
     generate({1, 1}, 0);
     EXPECT_EQ(zuQelRT_GenRefocusMap_Deinit(), 0U);
+  }
+}
+
+// Two thousand million rows without a pixel in them are no work.
+TEST(HostileInput, EmptyRowsAreNotWalked) {
+  for (const Sizes& sizes :
+       {Sizes{0, kMax, 64, 64, 64, 64}, Sizes{64, 64, 0, kMax, 64, 64},
+        Sizes{64, 64, kMax, 0, 0, kMax}, Sizes{kMax, 0, 64, 64, kMax, 0}}) {
+    const std::clock_t start = std::clock();
+    const GLInitInfo info = InfoOf(sizes, 1, 2);
+    const ScopedSession session(info);
+    ASSERT_EQ(session.status(), 0U);
+    const CallerFrame frame(info);
+    const GuardedMemory<uint8_t> map(64 * 64);
+    zuQelRT_GenRefocusMap_init();
+    for (const bool from_depth : {false, true}) {
+      EXPECT_EQ(frame.Render({.from_depth = from_depth}), 0U);
+    }
+    kCpuBokeh(frame.luma.data(), frame.chroma.data(), frame.depth.data(), 1, 1);
+    zuQelRT_GenRefocusMap(map.data(), frame.depth.data(), 1, 1, nullptr,
+                          nullptr, nullptr);
+    zuQelRT_GenRefocusMap_Dist(map.data(), frame.depth.data(), 1, 1);
+    zuQelRT_GenRefocusMap_Deinit();
+    EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC)
+        << testing::PrintToString(sizes);
   }
 }
 

@@ -18,15 +18,16 @@ uint32_t zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(uint8_t* yPlane,
   }
   zuqel::Session& session = zuqel::TheSession();
   const GLInitInfo& info = session.gInfo;
-  const int32_t width = zuqel::NonNegative(info.PreviewWidth);
-  const int32_t height = zuqel::NonNegative(info.PreviewHeight);
+  const auto [width, height] =
+      zuqel::SizeFrom(info.PreviewWidth, info.PreviewHeight);
+  const auto [depth_width, depth_height] =
+      zuqel::SizeFrom(info.DepthWidth, info.DepthHeight);
   const auto chroma_bytes =
       static_cast<size_t>(width) * static_cast<size_t>(height / 2);
   const bool rendered = zuqel::RenderExpansion(
       {.luma = {yPlane, width, height},
        .chroma = {vuPlane, chroma_bytes},
-       .disparity = {disparity, zuqel::NonNegative(info.DepthWidth),
-                     zuqel::NonNegative(info.DepthHeight)},
+       .disparity = {disparity, depth_width, depth_height},
        .focus_x = a_dReX,
        .focus_y = static_cast<int32_t>(a_dReY)},
       session.expansion, session.expansionFrameCounter);

@@ -25,7 +25,6 @@ using zuqel::Frame;
 using zuqel::FrameCounters;
 using zuqel::FrameJob;
 using zuqel::ImageSize;
-using zuqel::NonNegative;
 using zuqel::Plane;
 using zuqel::Session;
 
@@ -50,7 +49,7 @@ struct FrameCall {
 };
 
 ImageSize PreviewSize(const GLInitInfo& info) {
-  return {NonNegative(info.PreviewWidth), NonNegative(info.PreviewHeight)};
+  return zuqel::SizeFrom(info.PreviewWidth, info.PreviewHeight);
 }
 
 Frame FrameOf(const FrameCall& call, const GLInitInfo& info) {
@@ -61,8 +60,8 @@ Frame FrameOf(const FrameCall& call, const GLInitInfo& info) {
 }
 
 Plane<const uint8_t> WeightsOf(const FrameCall& call, const GLInitInfo& info) {
-  return {call.weights, NonNegative(info.WorkWidth),
-          NonNegative(info.WorkHeight)};
+  const ImageSize size = zuqel::SizeFrom(info.WorkWidth, info.WorkHeight);
+  return {call.weights, size.width, size.height};
 }
 
 // A frame can be rendered where initialisation has made its buffers and where
@@ -104,9 +103,9 @@ uint16_t FocusDepth(const FrameCall& call, Plane<const uint16_t> depth,
 // map everything stays as the frame before left it.
 bool TakeDepth(Session& session, const FrameCall& call) {
   if (call.depth == nullptr) return true;
-  const Plane<uint16_t> depth = {call.depth,
-                                 NonNegative(session.gInfo.DepthWidth),
-                                 NonNegative(session.gInfo.DepthHeight)};
+  const ImageSize size =
+      zuqel::SizeFrom(session.gInfo.DepthWidth, session.gInfo.DepthHeight);
+  const Plane<uint16_t> depth = {call.depth, size.width, size.height};
   const auto range = zuqel::GetDispRange(depth, kDepthTrimPercent);
   session.frame.depth_statistics = {
       range.min, range.max,
@@ -162,21 +161,20 @@ void DumpInputs(const Session& session, const FrameCall& call,
 FrameJob JobOf(const Session& session, const FrameCall& call) {
   const GLInitInfo& info = session.gInfo;
   const auto& camera = session.camera;
-  return {
-      .image = PreviewSize(info),
-      .output = {NonNegative(info.OutputWidth), NonNegative(info.OutputHeight)},
-      .work = {NonNegative(info.WorkWidth), NonNegative(info.WorkHeight)},
-      .source_format = info.srcformat,
-      .off_screen = info.offmode != 0,
-      .portrait = session.PortraitFlag,
-      .bypass = call.bypass != 0,
-      .focus_x = call.focus_x,
-      .focus_y = call.focus_y,
-      .f_number = call.f_number,
-      .focal_length = camera.focal_length / camera.focal_length_divisor,
-      .depth = call.from_depth ? &session.frame.depth_statistics : nullptr,
-      .debug_pictures = &session.frame.debug_pictures,
-      .dump_name = DumpNameOf(session, call)};
+  return {.image = PreviewSize(info),
+          .output = zuqel::SizeFrom(info.OutputWidth, info.OutputHeight),
+          .work = zuqel::SizeFrom(info.WorkWidth, info.WorkHeight),
+          .source_format = info.srcformat,
+          .off_screen = info.offmode != 0,
+          .portrait = session.PortraitFlag,
+          .bypass = call.bypass != 0,
+          .focus_x = call.focus_x,
+          .focus_y = call.focus_y,
+          .f_number = call.f_number,
+          .focal_length = camera.focal_length / camera.focal_length_divisor,
+          .depth = call.from_depth ? &session.frame.depth_statistics : nullptr,
+          .debug_pictures = &session.frame.debug_pictures,
+          .dump_name = DumpNameOf(session, call)};
 }
 
 // Reads what was rendered and gives it to the caller: off screen, or whatever a

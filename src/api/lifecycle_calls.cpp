@@ -78,8 +78,7 @@ void CreateGlObjects(Session& session, const StartCall& call) {
   frame.render_context = eglGetCurrentContext();
   zuqel::CreateImages(
       frame.render,
-      {zuqel::NonNegative(session.gInfo.PreviewWidth),
-       zuqel::NonNegative(session.gInfo.PreviewHeight)},
+      zuqel::SizeFrom(session.gInfo.PreviewWidth, session.gInfo.PreviewHeight),
       session.gInfo.GraphicBufferFlag != 0 ? &frame.graphic_buffer : nullptr);
   if (call.start == Start::kCompiled) {
     frame.render.programs.BuildAll();

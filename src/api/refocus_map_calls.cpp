@@ -25,7 +25,6 @@ using zuqel::Buffer;
 using zuqel::BufferRole;
 using zuqel::DisparityRange;
 using zuqel::ImageSize;
-using zuqel::NonNegative;
 using zuqel::Plane;
 using zuqel::ProgramRole;
 using zuqel::Session;
@@ -63,14 +62,14 @@ bool HasMaps(const DisparityCall& call) {
 }
 
 ImageSize MapSize(const Session& session) {
-  return {NonNegative(session.gInfo.WorkWidth),
-          NonNegative(session.gInfo.WorkHeight)};
+  return zuqel::SizeFrom(session.gInfo.WorkWidth, session.gInfo.WorkHeight);
 }
 
 template <typename T>
 Plane<T> DepthPlane(const Session& session, T* data) {
-  return {data, NonNegative(session.gInfo.DepthWidth),
-          NonNegative(session.gInfo.DepthHeight)};
+  const ImageSize size =
+      zuqel::SizeFrom(session.gInfo.DepthWidth, session.gInfo.DepthHeight);
+  return {data, size.width, size.height};
 }
 
 Plane<uint8_t> MapPlane(const Session& session, uint8_t* data) {

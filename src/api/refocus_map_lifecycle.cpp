@@ -37,9 +37,9 @@ void CreateGlObjects(Session& session) {
   zuqel::ForgetRefocusMapState(refocus_map.render);
   refocus_map.render_context = eglGetCurrentContext();
   const zuqel::PlainGlState plain_state;
-  zuqel::CreateRefocusMapImages(refocus_map.render,
-                                {zuqel::NonNegative(session.gInfo.WorkWidth),
-                                 zuqel::NonNegative(session.gInfo.WorkHeight)});
+  zuqel::CreateRefocusMapImages(
+      refocus_map.render,
+      zuqel::SizeFrom(session.gInfo.WorkWidth, session.gInfo.WorkHeight));
   zuqel::PrepareRefocusMapPrograms(session.program_cache,
                                    refocus_map.render.programs);
 }
