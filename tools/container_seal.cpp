@@ -10,7 +10,9 @@
 #include <span>
 #include <string>
 
+#include "calib/aes256.h"
 #include "calib/container.h"
+#include "calib/gcm.h"
 #include "calib/sealed_record.h"
 #include "tool_error.h"
 
@@ -52,6 +54,16 @@ Container PlainForm(size_t length) {
   return *form;
 }
 
+// Encrypts `plain` into `sealed`, zero so far, which is longer by the overhead.
+void SealUnit(const calib::Aes256& cipher, const Bytes& plain,
+              std::span<uint8_t> sealed) {
+  const auto nonce = RandomNonce();
+  std::copy(nonce.begin(), nonce.end(), sealed.begin());
+  const auto data = sealed.subspan(calib::kSealedDataAt, plain.size());
+  std::copy(plain.begin(), plain.end(), data.begin());
+  calib::GcmSeal(cipher, nonce, {}, data, sealed.last<calib::kGcmTagSize>());
+}
+
 }  // namespace
 
 Bytes SealContainer(const Bytes& plain, const calib::Key& key) {
@@ -67,11 +79,10 @@ Bytes SealContainer(const Bytes& plain, const calib::Key& key) {
     // An encrypted unit may be longer; zeros fill it.
     Bytes unit(to.unit_size);
     std::copy_n(source.begin(), from.unit_size, unit.begin());
-    const Bytes stored = SealRecord(cipher, RandomNonce(), unit);
-    std::copy(stored.begin(), stored.end(), target.begin());
+    SealUnit(cipher, unit, target.first(to.StoredSize()));
     if (k + 1 == from.count) break;
     const auto gap = source.first(from.Stride()).subspan(from.StoredSize());
-    std::copy(gap.begin(), gap.end(), target.subspan(stored.size()).begin());
+    std::copy(gap.begin(), gap.end(), target.subspan(to.StoredSize()).begin());
   }
   return sealed;
 }

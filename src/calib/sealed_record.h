@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 #include "calib/aes256.h"
 #include "calib/gcm.h"
@@ -14,18 +13,14 @@
 namespace zuqel::calib {
 
 inline constexpr size_t kSealFillerSize = 4;
-inline constexpr size_t kSealOverhead =
-    kGcmNonceSize + kSealFillerSize + kGcmTagSize;
+inline constexpr size_t kSealedDataAt = kGcmNonceSize + kSealFillerSize;
+inline constexpr size_t kSealOverhead = kSealedDataAt + kGcmTagSize;
 
 // `plain` and the overhead are as large as `sealed`. False when the key is
 // another one or a bit has changed; `plain` is wiped.
 [[nodiscard]] bool OpenRecord(const Aes256& cipher,
                               std::span<const uint8_t> sealed,
                               std::span<uint8_t> plain);
-
-// A nonce must not be used twice with one key.
-std::vector<uint8_t> SealRecord(const Aes256& cipher, GcmNonce nonce,
-                                std::span<const uint8_t> plain);
 
 }  // namespace zuqel::calib
 
