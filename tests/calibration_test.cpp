@@ -2,6 +2,7 @@
 #include "calib/calibration.h"
 
 #include <gtest/gtest.h>
+#include <openssl/evp.h>
 #include <pthread.h>
 #include <zuQelRT_GL.h>
 
@@ -68,10 +69,16 @@ Bytes OtherKey() {
   return MakeKey(99);
 }
 
+// Wraps a key with another one, by libcrypto.
 Bytes Wrap(const Bytes& wrapping_key, const Bytes& key) {
   Bytes wrapped(kWrappedKeySize);
-  WrapKey(Aes256(AesKey(wrapping_key)), AesKey(key),
-          std::span<uint8_t, kWrappedKeySize>(wrapped));
+  int size = 0;
+  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
+  EVP_CIPHER_CTX_set_flags(context, EVP_CIPHER_CTX_FLAG_WRAP_ALLOW);
+  EVP_EncryptInit_ex(context, EVP_aes_256_wrap(), nullptr, wrapping_key.data(),
+                     nullptr);
+  EVP_EncryptUpdate(context, wrapped.data(), &size, key.data(), kAesKeySize);
+  EVP_CIPHER_CTX_free(context);
   return wrapped;
 }
 

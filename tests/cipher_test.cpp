@@ -109,9 +109,7 @@ TEST(Cipher, KeyWrapExampleOfTheStandard) {
       "fb988b9b7a02dd21");
   const Bytes wrapping_key = ExampleKey();
   const Aes256 cipher{AesKey(wrapping_key)};
-  Bytes made(kWrappedKeySize), key(kAesKeySize);
-  WrapKey(cipher, AesKey(plain), std::span<uint8_t, kWrappedKeySize>(made));
-  EXPECT_EQ(made, wrapped);
+  Bytes key(kAesKeySize);
   const auto unwrap = [&] {
     return UnwrapKey(cipher, std::span<const uint8_t, kWrappedKeySize>(wrapped),
                      std::span<uint8_t, kAesKeySize>(key));

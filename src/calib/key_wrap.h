@@ -12,9 +12,6 @@ namespace zuqel::calib {
 
 inline constexpr size_t kWrappedKeySize = kAesKeySize + 8;
 
-void WrapKey(const Aes256& wrapping_key, AesKey key,
-             std::span<uint8_t, kWrappedKeySize> wrapped);
-
 // False when `wrapped` was made with another key, or damaged; `key` is wiped.
 [[nodiscard]] bool UnwrapKey(const Aes256& wrapping_key,
                              std::span<const uint8_t, kWrappedKeySize> wrapped,
