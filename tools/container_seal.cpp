@@ -13,7 +13,6 @@
 #include "calib/aes256.h"
 #include "calib/container.h"
 #include "calib/gcm.h"
-#include "calib/sealed_record.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {

@@ -1,11 +1,10 @@
-// Opens calibration containers and picks a record.
+// Finds the container and its key, and picks a record.
 #include "calib/calibration.h"
 
 #include <zuQelRT_GL.h>
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
@@ -19,9 +18,6 @@
 
 namespace zuqel::calib {
 namespace {
-
-static_assert(std::endian::native == std::endian::little,
-              "records hold little-endian floats");
 
 // Places of the optical values, from the first of them. The lens-position line
 // and the selection distance mean nothing in a record of kind 4.
@@ -38,7 +34,7 @@ static_assert(std::all_of(kRecordKinds.begin(), kRecordKinds.end(),
                             return kind.optics_at + kOpticsSize <= kind.size;
                           }));
 
-// The units of a container when they are plain.
+// The plain units of a container.
 struct Units {
   const uint8_t* first;
   size_t stride;
@@ -50,7 +46,7 @@ float ReadFloat(const uint8_t* bytes) {
   return value;
 }
 
-// Cuts toward zero; saturates, and makes 0 of a NaN.
+// Truncates toward zero and saturates; 0 for NaN.
 int32_t ToInteger(float value) {
   if (std::isnan(value)) return 0;
   if (value >= 0x1p31F) return INT32_MAX;
@@ -58,8 +54,8 @@ int32_t ToInteger(float value) {
   return static_cast<int32_t>(value);
 }
 
-// How far the lens is from where a record taken at `distance` expects it. The
-// thin lens and the line from image distance to lens position are record 0's.
+// Distance of the lens from where a record made at `distance` expects it. Thin
+// lens and lens-position line are those at `lens`, the optics of record 0.
 int64_t LensError(const uint8_t* lens, float distance, int32_t lens_position) {
   const float f = ReadFloat(lens + kFocalLengthAt);
   const float image_distance = distance * f / (distance - f);
@@ -69,7 +65,7 @@ int64_t LensError(const uint8_t* lens, float distance, int32_t lens_position) {
   return std::abs(int64_t{lens_position} - expected);
 }
 
-// The best of the first three records, the earlier of two that are as good.
+// The best of the first three records, the earlier one on a tie.
 uint32_t ChooseByLensPosition(Units units, const Container& container,
                               const RecordKind& kind, int32_t lens_position) {
   const uint8_t* const lens = units.first + kind.optics_at;
@@ -85,7 +81,7 @@ uint32_t ChooseByLensPosition(Units units, const Container& container,
   return best;
 }
 
-// The number of the unit to take; it may lie past the container's last one.
+// The index of the unit to take, which may lie past the container's last one.
 uint32_t ChooseUnit(const CalibrationInput& input, Units units,
                     const Container& container, const RecordKind& kind) {
   if (container.count == 1) return 0;
@@ -93,8 +89,8 @@ uint32_t ChooseUnit(const CalibrationInput& input, Units units,
   return ChooseByLensPosition(units, container, kind, input.lens_position);
 }
 
-// Takes the key out of the second block. False when it has none.
-bool TakeKey(std::span<const uint8_t> block, const Key* wrapping_key,
+// Makes the cipher for the key in the second block. False when it holds none.
+bool ReadKey(std::span<const uint8_t> block, const Key* wrapping_key,
              std::optional<Aes256>& cipher) {
   if (block.size() == kAesKeySize) {
     cipher.emplace(block.first<kAesKeySize>());
@@ -121,60 +117,16 @@ std::span<const uint8_t> FindPayload(const CalibrationInput& input) {
   return std::span(input.block_b, input.block_b_size).subspan(kWrappedKeySize);
 }
 
-template <typename T>
-int32_t ReadInteger(std::span<const uint8_t> record, size_t at) {
-  T value = 0;
-  std::memcpy(&value, record.subspan(at, sizeof(T)).data(), sizeof(T));
-  return value;
-}
-
-// What a kind-3 record says of itself before its values.
-uint32_t CheckHeader(std::span<const uint8_t> record) {
-  const int32_t version = ReadInteger<int16_t>(record, 0);
-  const int32_t count = ReadInteger<int16_t>(record, 2);
-  const int32_t first_count = ReadInteger<int32_t>(record, 4);
-  const int32_t second_count = ReadInteger<int32_t>(record, 244);
-  if (version < 2) return ZUQEL_CALIB_BAD_VERSION;
-  if (count != first_count && count != second_count) {
-    return ZUQEL_CALIB_BAD_COUNT;
-  }
-  if (first_count < 1) return ZUQEL_CALIB_BAD_FIRST_COUNT;
-  if (second_count < 1) return ZUQEL_CALIB_BAD_SECOND_COUNT;
-  return ZUQEL_SUCCESS;
-}
-
-// Decrypts every unit of `payload` into `plain`, one behind the other.
-uint32_t OpenUnits(std::span<const uint8_t> payload, const Container& container,
-                   const Aes256& cipher, std::span<uint8_t> plain) {
-  for (size_t k = 0; k < container.count; ++k) {
-    const auto sealed = payload.subspan(
-        container.First() + k * container.Stride(), container.StoredSize());
-    const auto unit =
-        plain.subspan(k * container.unit_size, container.unit_size);
-    if (!OpenRecord(cipher, sealed, unit)) return ZUQEL_CALIB_NOT_DECRYPTED;
-    if (container.kind != 3) continue;
-    const uint32_t status = CheckHeader(unit);
-    if (status != ZUQEL_SUCCESS) return status;
-  }
-  return ZUQEL_SUCCESS;
-}
-
-// Enough for the units of every encrypted container.
-constexpr size_t kMostPlainBytes = 6 * size_t{464};
-static_assert(std::all_of(kContainers.begin(), kContainers.end(),
-                          [](const Container& row) {
-                            return row.count * row.unit_size <= kMostPlainBytes;
-                          }));
-
-// Picks a record. False when the index forced lies past the last.
-bool TakeRecord(const CalibrationInput& input, Units units,
-                const Container& container, CalibrationRecord& record) {
-  const RecordKind kind = *FindKind(container.kind);
+// Copies the record that is asked for. False when a forced index lies past the
+// last one.
+bool CopyRecord(const CalibrationInput& input, Units units,
+                const Container& container, const RecordKind& kind,
+                CalibrationRecord& record) {
   const uint32_t chosen = ChooseUnit(input, units, container, kind);
   if (chosen >= container.count) return false;
   const uint8_t* bytes = units.first + chosen * units.stride;
   const bool is_second_half = input.selector == 1 || input.selector == 3;
-  if (kind.kind == 4 && is_second_half) bytes += kSecondHalfAt;
+  if (is_second_half) bytes += kind.second_half_at;
   std::memcpy(record.bytes.data(), bytes, kind.size);
   record.size = static_cast<uint32_t>(kind.size);
   record.kind = kind.kind;
@@ -190,10 +142,10 @@ bool TakeRecord(const CalibrationInput& input, Units units,
   if (input.block_a == nullptr && input.block_b == nullptr) {
     return ZUQEL_CALIB_NO_BLOCK;
   }
-  // A second block without a key counts even when nothing is encrypted.
+  // A second block without a key is an error even when nothing is encrypted.
   std::optional<Aes256> cipher;
   if (input.block_b != nullptr &&
-      !TakeKey({input.block_b, input.block_b_size}, input.default_keys.general,
+      !ReadKey({input.block_b, input.block_b_size}, input.default_keys.general,
                cipher)) {
     return ZUQEL_CALIB_NO_KEY;
   }
@@ -201,23 +153,22 @@ bool TakeRecord(const CalibrationInput& input, Units units,
   if (payload.empty()) return ZUQEL_CALIB_NO_PAYLOAD;
   const std::optional<Container> container = FindContainer(payload.size());
   if (!container) return ZUQEL_CALIB_BAD_LENGTH;
+  const RecordKind kind = *FindKind(container->kind);
 
   Units units = {payload.data() + container->First(), container->Stride()};
-  SecretBytes<kMostPlainBytes> plain;
+  SecretBytes<MostDecryptedBytes()> plain;
   if (container->encrypted) {
-    const DefaultKeys& keys = input.default_keys;
-    const Key* key = container->kind == 4 ? keys.kind4 : keys.general;
-    if (!cipher && key != nullptr) cipher.emplace(*key);
+    const Key* const default_key = input.default_keys.*kind.default_key;
+    if (!cipher && default_key != nullptr) cipher.emplace(*default_key);
     if (!cipher) return ZUQEL_CALIB_NOT_DECRYPTED;
     const uint32_t status =
-        OpenUnits(payload, *container, *cipher, plain.values);
+        OpenUnits(payload, *container, kind, *cipher, plain.values);
     if (status != ZUQEL_SUCCESS) return status;
     units = {plain.values.data(), container->unit_size};
   }
-  if (!TakeRecord(input, units, *container, record)) {
-    return ZUQEL_CALIB_BAD_LENGTH;
-  }
-  return ZUQEL_SUCCESS;
+  return CopyRecord(input, units, *container, kind, record)
+             ? ZUQEL_SUCCESS
+             : ZUQEL_CALIB_BAD_LENGTH;
 }
 
 // More than Decode() needs without optimisation.
