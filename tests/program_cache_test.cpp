@@ -21,7 +21,6 @@
 namespace zuqel {
 namespace {
 
-using enum ProgramRole;
 using Bytes = std::vector<uint8_t>;
 using Entries = std::set<size_t>;
 // Fills whole pages: guarded on both ends.
@@ -30,16 +29,18 @@ using Cache = GuardedMemory<uint8_t>;
 constexpr size_t kCacheBytes = 262144;
 constexpr size_t kHeadBytes = 92;
 constexpr size_t kValidWord = 22;
-constexpr std::array kRoles = {BlurHProgram,        BlurVProgram,
-                               CopyProgram,         DepthWeightProgram,
-                               CompositeProgram,    Nv21PackProgram,
-                               Nv21ToRgbProgram,    Min3x3Program,
-                               Max3x3Program,       AllInFocusWeightProgram,
-                               PlanarYuvPackProgram};
-constexpr size_t kEntries = kRoles.size();
+// Shaders that a start without a usable cache compiles, and one that builds it.
+constexpr int kCompiled = 2 * kProgramCount;
+constexpr int kRebuilt = kCompiled + 2 * (kProgramCacheEntries + 1);
+constexpr size_t kEntries = kProgramCacheEntries;
 // The first binary of entry 6 lies unreferenced in front of its twin.
 constexpr std::array<size_t, 12> kBuildOrder = {0, 1, 2, 3, 4, 6,
                                                 6, 5, 7, 8, 9, 10};
+
+const ProgramRow& RowOfEntry(size_t entry) {
+  return *std::ranges::find(kPrograms, std::optional(entry),
+                            &ProgramRow::cache_entry);
+}
 
 Entries All() {
   return {kBuildOrder.begin(), kBuildOrder.end()};
@@ -57,7 +58,8 @@ void SetEntry(std::span<uint8_t> cache, size_t index,
 
 // Binary of a program of the running session.
 Bytes BinaryOf(size_t entry) {
-  const GLuint program = TheSession().frame.render.programs[kRoles.at(entry)];
+  const GLuint program =
+      TheSession().frame.render.programs[RowOfEntry(entry).role];
   GLint length = 0;
   glGetProgramiv(program, GL_PROGRAM_BINARY_LENGTH_OES, &length);
   Bytes binary(static_cast<size_t>(length));
@@ -110,7 +112,7 @@ class ProgramCacheTest : public testing::Test {
               before + shaders);
     for (size_t i = 0; i < kEntries; ++i) {
       GLint status = 0;
-      glGetProgramiv(TheSession().frame.render.programs[kRoles.at(i)],
+      glGetProgramiv(TheSession().frame.render.programs[RowOfEntry(i).role],
                      GL_LINK_STATUS, &status);
       EXPECT_EQ(status == GL_TRUE, linked.contains(i)) << i;
     }
@@ -163,13 +165,25 @@ std::vector<CacheRow> CacheRows() {
   return rows;
 }
 
+// Callers keep caches that earlier versions have built.
+TEST(ProgramCacheFormatTest, EntriesStayWhereTheyAre) {
+  using enum ProgramRole;
+  std::vector<ProgramRole> roles;
+  for (size_t i = 0; i < kEntries; ++i) roles.push_back(RowOfEntry(i).role);
+  EXPECT_EQ(roles,
+            (std::vector{BlurHProgram, BlurVProgram, CopyProgram,
+                         DepthWeightProgram, CompositeProgram, Nv21PackProgram,
+                         Nv21ToRgbProgram, Min3x3Program, Max3x3Program,
+                         AllInFocusWeightProgram, PlanarYuvPackProgram}));
+}
+
 TEST_F(ProgramCacheTest, OneGoodEntryIsEnough) {
   const Built fresh = [] {
     const ScopedSession session(SmallInfo(), nullptr);
     return Expected({kBuildOrder.begin(), kBuildOrder.end()});
   }();
   const Bytes none(kCacheBytes);
-  const Bytes compiled = Start(nullptr, 22, All(), none);
+  const Bytes compiled = Start(nullptr, kCompiled, All(), none);
   for (const CacheRow& row : CacheRows()) {
     SCOPED_TRACE(row.name);
     Cache cache(fresh.cache);
@@ -178,7 +192,7 @@ TEST_F(ProgramCacheTest, OneGoodEntryIsEnough) {
     const bool accepted = !row.loaded.empty();
     const Bytes picture = accepted
                               ? Start(cache.data(), 0, row.loaded, expected)
-                              : Start(cache.data(), 46, All(), none);
+                              : Start(cache.data(), kRebuilt, All(), none);
     if (row.loaded.size() != 1) {
       EXPECT_EQ(picture, compiled);
     }
@@ -209,7 +223,7 @@ TEST_F(ProgramCacheTest, BuilderStaysInsideTheCache) {
   std::vector<CacheStep> steps;
   steps.reserve(order.size());
   for (const size_t entry : order) {
-    steps.push_back({&SourceOf(kRoles.at(entry)), entry});
+    steps.push_back({&RowOfEntry(entry).source, entry});
   }
   Cache cache(kCacheBytes);
   log_.Take();
@@ -221,10 +235,10 @@ TEST_F(ProgramCacheTest, BuilderStaysInsideTheCache) {
 
 TEST_F(ProgramCacheTest, BinariesMayPlaceTheirAttributes) {
   const Bytes none(kCacheBytes);
-  const Bytes compiled = Start(nullptr, 22, All(), none);
+  const Bytes compiled = Start(nullptr, kCompiled, All(), none);
   std::vector<CacheStep> steps;
   for (size_t i = 0; i < kEntries; ++i) {
-    steps.push_back({&SourceOf(kRoles.at(i)), i});
+    steps.push_back({&RowOfEntry(i).source, i});
   }
   constexpr std::array kElsewhere = {"a", "b", "inputTextureCoordinate", "c",
                                      "position"};
@@ -253,7 +267,7 @@ TEST_F(ProgramCacheTest, BinariesMayPlaceTheirAttributes) {
 TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {
   const ScopedSession session(SmallInfo(), nullptr);
   const std::array<CacheStep, 2> steps = {
-      {{&SourceOf(CopyProgram), 2}, {&SourceOf(Nv21ToRgbProgram), 6}}};
+      {{&RowOfEntry(2).source, 2}, {&RowOfEntry(6).source, 6}}};
   Bytes expected(kCacheBytes);
   SetEntry(expected, 2, {kHeadBytes, 0});
   SetEntry(expected, 6, {kHeadBytes, 0});

@@ -67,14 +67,13 @@ std::string Refusal(const std::string& vertex, const std::string& fragment,
 TEST(ShaderValidationTest, ProgramsFitEs2AndOthersAreRefused) {
   if (!fs::exists(ZUQEL_GLSL_VALIDATOR)) GTEST_SKIP() << "no GLSL validator";
   const int least = Limit("MaxVaryingVectors");
-  for (size_t i = 0; i < kProgramCount; ++i) {
-    const auto role = static_cast<ProgramRole>(i);
+  for (const auto& [role, source, entry] : kPrograms) {
     const bool is_3x3 = role == ProgramRole::Max3x3Program ||
                         role == ProgramRole::Min3x3Program;
     // Nine neighbours and the texture coordinate.
-    const auto& program = SourceOf(role);
     const int allowed = is_3x3 ? 10 : least;
-    EXPECT_EQ(Refusal(program.vertex, program.fragment, allowed), "") << i;
+    EXPECT_EQ(Refusal(source.vertex, source.fragment, allowed), "")
+        << source.fragment;
   }
 
   const std::string first_line = "precision highp float;\n";

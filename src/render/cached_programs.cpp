@@ -16,45 +16,19 @@ namespace {
 
 using enum ProgramRole;
 
-constexpr std::array<ProgramRole, kProgramCacheEntries> kRoleOfEntry = {
-    BlurHProgram,        BlurVProgram,
-    CopyProgram,         DepthWeightProgram,
-    CompositeProgram,    Nv21PackProgram,
-    Nv21ToRgbProgram,    Min3x3Program,
-    Max3x3Program,       AllInFocusWeightProgram,
-    PlanarYuvPackProgram};
-
-constexpr std::array<size_t, kProgramCacheEntries> kLoadOrder = {
+// Entries in the order in which they are loaded and built.
+constexpr std::array<size_t, kProgramCacheEntries> kEntryOrder = {
     0, 1, 2, 3, 4, 6, 5, 7, 8, 9, 10};
 
-struct BuildStep {
-  ProgramRole role;
-  size_t entry;
-};
+const ProgramRow& RowOfEntry(size_t entry) {
+  return *std::ranges::find_if(kPrograms, [=](const ProgramRow& row) {
+    return row.cache_entry == entry;
+  });
+}
 
-// The conversion to RGB is built twice: its first binary's entry goes to the
-// repacking program afterwards, and its bytes stay unreferenced. Readers of old
-// caches rely on where everything lies.
-constexpr std::array<BuildStep, 12> kBuildSteps = {{
-    {BlurHProgram, 0},
-    {BlurVProgram, 1},
-    {CopyProgram, 2},
-    {DepthWeightProgram, 3},
-    {CompositeProgram, 4},
-    {Nv21ToRgbProgram, 5},
-    {Nv21ToRgbProgram, 6},
-    {Nv21PackProgram, 5},
-    {Min3x3Program, 7},
-    {Max3x3Program, 8},
-    {AllInFocusWeightProgram, 9},
-    {PlanarYuvPackProgram, 10},
-}};
-
-// The cache's entries of the programs that the map on the GPU needs.
-constexpr std::array<size_t, 3> kRefocusMapLoadOrder = {3, 0, 1};
-static_assert(kRoleOfEntry[3] == DepthWeightProgram &&
-              kRoleOfEntry[0] == BlurHProgram &&
-              kRoleOfEntry[1] == BlurVProgram);
+size_t EntryOf(ProgramRole role) {
+  return RowOf(role).cache_entry.value_or(kProgramCacheEntries);
+}
 
 // True when a single one loads.
 bool Load(ProgramCacheBytes cache, const BinaryInfo& info,
@@ -63,17 +37,23 @@ bool Load(ProgramCacheBytes cache, const BinaryInfo& info,
   for (const size_t entry : entries) {
     Program program;
     loaded |= LoadProgramBinary(cache, info.entries[entry], program);
-    programs.Set(kRoleOfEntry[entry], std::move(program));
+    programs.Set(RowOfEntry(entry).role, std::move(program));
   }
   return loaded == GL_TRUE;
 }
 
 void Rebuild(std::span<uint8_t, kProgramCacheBytes> cache) {
-  std::array<CacheStep, kBuildSteps.size()> steps;
-  std::transform(kBuildSteps.begin(), kBuildSteps.end(), steps.begin(),
-                 [](const BuildStep& step) {
-                   return CacheStep{&SourceOf(step.role), step.entry};
-                 });
+  // The conversion to RGB is built twice: the entry of its first binary goes to
+  // the repacking program afterwards, and its bytes stay unreferenced. Readers
+  // of old caches rely on where everything lies.
+  const size_t built_twice = EntryOf(Nv21ToRgbProgram);
+  std::array<CacheStep, kEntryOrder.size() + 1> steps;
+  auto step = steps.begin();
+  for (const size_t entry : kEntryOrder) {
+    const ProgramSource& source = RowOfEntry(entry).source;
+    if (entry == built_twice) *step++ = {&source, EntryOf(Nv21PackProgram)};
+    *step++ = {&source, entry};
+  }
   BuildProgramCache(steps, kQuadAttributes, cache);
 }
 
@@ -90,7 +70,12 @@ void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
   std::memcpy(&info, cache, sizeof(info));
   std::memcpy(session_cache.copy.bytes(), cache, kProgramCacheBytes);
   ZUQEL_LOG("binaryInfo isValid = %d", info.isValid);
-  if (info.isValid == 1 && Load(bytes, info, kLoadOrder, programs)) return;
+  if (info.isValid == 1 && Load(bytes, info, kEntryOrder, programs)) {
+    for (const ProgramRow& row : kPrograms) {
+      if (!row.cache_entry) programs.Build(row.role);
+    }
+    return;
+  }
 
   std::memset(session_cache.copy.bytes(), 0, kProgramCacheBytes);
   info = {};
@@ -106,7 +91,9 @@ void PrepareRefocusMapPrograms(const ProgramCache& session_cache,
   if (has_cache) {
     const ProgramCacheBytes bytes(session_cache.copy.bytes(),
                                   kProgramCacheBytes);
-    if (Load(bytes, info, kRefocusMapLoadOrder, programs)) return;
+    const std::array entries = {EntryOf(DepthWeightProgram),
+                                EntryOf(BlurHProgram), EntryOf(BlurVProgram)};
+    if (Load(bytes, info, entries, programs)) return;
     ZUQEL_LOG("load binary fail");
   } else {
     ZUQEL_LOG("create binary");

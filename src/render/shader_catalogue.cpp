@@ -1,40 +1,41 @@
 // Pairs the embedded shaders into programs.
 #include "render/shader_catalogue.h"
 
+#include <algorithm>
+
+#include "gl/program_cache.h"
 #include "render/quad.h"
 #include "shader_sources.h"
 
 namespace zuqel {
+#define ZUQEL_ROW(role, vertex, fragment, entry) \
+  ProgramRow{                                    \
+      ProgramRole::role, {shaders::k##vertex, shaders::k##fragment}, entry},
+constexpr std::array<ProgramRow, kProgramCount> kPrograms = {
+    ZUQEL_PROGRAMS(ZUQEL_ROW)};
+#undef ZUQEL_ROW
+
 namespace {
 
-constexpr std::array<ProgramSource, kProgramCount> kSources = {{
-    {shaders::kBlurHorizontalVert, shaders::kGaussian5Frag},
-    {shaders::kBlurVerticalVert, shaders::kGaussian5Frag},
-    {shaders::kPassThroughVert, shaders::kCopyFrag},
-    {shaders::kPassThroughVert, shaders::kDepthWeightFrag},
-    {shaders::kPassThroughVert, shaders::kLayerMixFrag},
-    {shaders::kPassThroughVert, shaders::kNv21ToRgbFrag},
-    {shaders::kPassThroughVert, shaders::kNv21PackFrag},
-    {shaders::kPassThroughVert, shaders::kPlanarYuvPackFrag},
-    {shaders::kNeighbourhood3x3Vert, shaders::kMax3x3Frag},
-    {shaders::kNeighbourhood3x3Vert, shaders::kMin3x3Frag},
-    {shaders::kPassThroughVert, shaders::kAllInFocusWeightFrag},
-}};
+constexpr bool EachEntryHasOneProgram() {
+  for (size_t entry = 0; entry < kProgramCacheEntries; ++entry) {
+    const auto is_entry = [=](const ProgramRow& row) {
+      return row.cache_entry == entry;
+    };
+    if (std::ranges::count_if(kPrograms, is_entry) != 1) return false;
+  }
+  return true;
+}
+static_assert(EachEntryHasOneProgram());
 
 }  // namespace
 
-const ProgramSource& SourceOf(ProgramRole role) {
-  return kSources[static_cast<size_t>(role)];
-}
-
 void ProgramTable::Build(ProgramRole role) {
-  Set(role, BuildProgram(SourceOf(role), kQuadAttributes));
+  Set(role, BuildProgram(RowOf(role).source, kQuadAttributes));
 }
 
 void ProgramTable::BuildAll() {
-  for (size_t i = 0; i < kProgramCount; ++i) {
-    Build(static_cast<ProgramRole>(i));
-  }
+  for (const ProgramRow& row : kPrograms) Build(row.role);
 }
 
 void ProgramTable::DeleteAll() {
