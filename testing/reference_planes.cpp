@@ -1,0 +1,166 @@
+// Resizes and blurs planes.
+#include "reference_planes.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace zuqel::reference {
+namespace {
+
+// What a target sample is made of: source samples and their weights.
+using Parts = std::vector<std::pair<int64_t, int64_t>>;
+using Axis = std::vector<Parts>;
+
+auto& Nth(auto& values, int64_t i) {
+  return values[static_cast<size_t>(i)];
+}
+
+// A position between samples, in 1/256.
+Parts Interpolated(int64_t position, int64_t source) {
+  if (position < 0) return {{0, 256}};
+  const int64_t first = position / 256, share = position % 256;
+  return {{first, 256 - share}, {std::min(first + 1, source - 1), share}};
+}
+
+// Both the start and the step are cut to 1/256, apart from each other; what is
+// cut off adds up along the axis.
+Axis Enlarged(int64_t source, int64_t target) {
+  Axis axis;
+  const int64_t start = (source - target) * 128, step = source * 256;
+  for (int64_t t = 0; t < target; ++t) {
+    const int64_t carried = (start % target + t * (step % target)) / target;
+    axis.push_back(
+        Interpolated(start / target + t * (step / target) + carried, source));
+  }
+  return axis;
+}
+
+// Up to sample s, the axis covers floor((s + 1) * target / source), in 1/256:
+// 85, 85, 86 and 42, 43, 43, 42, 43, 43 where 3 or 6 become 1.
+Axis Reduced(int64_t source, int64_t target) {
+  Axis axis(static_cast<size_t>(target));
+  for (int64_t s = 0, at = 0; s < source; ++s) {
+    const int64_t end = (s + 1) * target * 256 / source;
+    for (int64_t next = 0; at < end; at = next) {
+      next = std::min(at / 256 * 256 + 256, end);
+      Nth(axis, at / 256).emplace_back(s, next - at);
+    }
+  }
+  return axis;
+}
+
+Axis Resized(int64_t source, int64_t target) {
+  return source > target ? Reduced(source, target) : Enlarged(source, target);
+}
+
+// The last sample at either end stands for those outside.
+Axis Boxed(int64_t length, int64_t radius) {
+  Axis axis(static_cast<size_t>(length));
+  for (int64_t i = 0; i < length; ++i) {
+    for (int64_t s = i - radius; s <= i + radius; ++s) {
+      Nth(axis, i).emplace_back(std::clamp<int64_t>(s, 0, length - 1), 1);
+    }
+  }
+  return axis;
+}
+
+struct Division {
+  int64_t divisor, bias;
+};
+constexpr Division kNearest = {256, 128};
+
+template <typename T>
+Image<T> SumColumns(const Image<T>& in, const Axis& axis, Division division) {
+  Image<T> out = {in.width, static_cast<int32_t>(axis.size())};
+  out.Visit([&](int32_t x, int32_t y, T& value) {
+    int64_t sum = division.bias;
+    for (const auto& [s, weight] : Nth(axis, y)) {
+      sum += weight * Nth(in.values, s * in.width + x);
+    }
+    value = static_cast<T>(sum / division.divisor);
+  });
+  return out;
+}
+
+template <typename T>
+Image<T> SumRows(const Image<T>& in, const Axis& axis, Division division) {
+  Image<T> out = {static_cast<int32_t>(axis.size()), in.height};
+  out.Visit([&](int32_t x, int32_t y, T& value) {
+    int64_t sum = division.bias;
+    for (const auto& [s, weight] : Nth(axis, x)) {
+      sum += weight * Nth(in.values, int64_t{y} * in.width + s);
+    }
+    value = static_cast<T>(sum / division.divisor);
+  });
+  return out;
+}
+
+struct Chain {
+  int32_t factor;
+  std::vector<int32_t> steps;  // as an image grows
+};
+
+// The steps of an exact factor, or none. Only bytes grow in steps.
+template <typename T>
+std::vector<int32_t> StepsOf(const Image<T>& in, int32_t width,
+                             int32_t height) {
+  static const std::vector<Chain> kChains = {
+      {2, {2}},       {3, {3}},    {4, {4}},    {6, {6}},
+      {8, {2, 2, 2}}, {9, {3, 3}}, {12, {2, 6}}};
+  for (const auto& [factor, steps] : kChains) {
+    const bool shrinks =
+        in.width == width * factor && in.height == height * factor;
+    if (shrinks) return {steps.rbegin(), steps.rend()};
+    const bool grows =
+        width == in.width * factor && height == in.height * factor;
+    if (grows && sizeof(T) == 1) return steps;
+  }
+  return {};
+}
+
+// From 1280 x 720 to 1920 x 1080, 16 bits have weights rounded to nearest
+// across.
+Axis ThreeHalves() {
+  Axis axis;
+  for (int32_t t = 0; t < 1920; ++t) {
+    axis.push_back(Interpolated(std::lround((t + 0.5) * 512 / 3 - 128), 1280));
+  }
+  return axis;
+}
+
+}  // namespace
+
+template <typename T>
+Image<T> ResizePlane(Image<T> in, int32_t width, int32_t height) {
+  if (in.values.empty()) return {width, height};
+  if (in.width == width && in.height == height) return in;
+  const bool grows = width > in.width;
+  for (const int32_t step : StepsOf(in, width, height)) {
+    const auto length = [=](int32_t old) {
+      return grows ? old * step : old / step;
+    };
+    in = SumColumns(in, Resized(in.height, length(in.height)), kNearest);
+    in = SumRows(in, Resized(in.width, length(in.width)), kNearest);
+  }
+  if (in.width == width && in.height == height) return in;
+  const bool is_three_halves = sizeof(T) == 2 && in.width == 1280 &&
+                               in.height == 720 && width == 1920 &&
+                               height == 1080;
+  const Axis columns =
+      is_three_halves ? ThreeHalves() : Resized(in.width, width);
+  return SumRows(SumColumns(in, Resized(in.height, height), kNearest), columns,
+                 kNearest);
+}
+template Image<uint8_t> ResizePlane(Image<uint8_t>, int32_t, int32_t);
+template Image<uint16_t> ResizePlane(Image<uint16_t>, int32_t, int32_t);
+
+Image<uint8_t> BoxBlur(const Image<uint8_t>& in, int32_t radius) {
+  const Division mean = {2 * int64_t{radius} + 1, 0};
+  return SumColumns(SumRows(in, Boxed(in.width, radius), mean),
+                    Boxed(in.height, radius), mean);
+}
+
+}  // namespace zuqel::reference
