@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 #include <utility>
@@ -119,6 +120,71 @@ TEST_F(CommandLine, RefusesBadInputInOneLineAndTouchesNothing) {
     EXPECT_THAT(outcome.out, IsEmpty());
     EXPECT_EQ(FilesIn(File("")), before);
     EXPECT_EQ(ReadText(File("kept.png")), "old");
+  }
+}
+
+TEST_F(CommandLine, RefusesToReplaceAnInput) {
+  namespace fs = std::filesystem;
+  const std::string dump = "GLRM_2x2_v0.raw";
+  WriteBytes(File(dump), {1, 2, 3, 4});
+  WriteBytes(File("container.bin"), std::vector<uint8_t>(464));
+  WriteBytes(File("key.bin"), std::vector<uint8_t>(32));
+  for (const std::string number : {"1", "2"}) {
+    fs::copy_file(File("photo.png"), File("in" + number));
+    fs::copy_file(File("d.png"), File("d" + number));
+  }
+  fs::create_symlink("photo.png", File("link.png"));
+  fs::create_hard_link(File("d.png"), File("hard.png"));
+  fs::create_symlink("in2", File("video.y4m"));
+  fs::create_hard_link(File("d2"), File("o1"));
+
+  const std::string render =
+      "render --renderer cpu --image photo.png --disparity d.png --focus 9,9 ";
+  const std::string refocus =
+      "refocus-map --image photo.png --disparity d.png --focus 9,9 "
+      "--generator disparity-base-cpu ";
+  const std::string sequence =
+      "sequence --images in%d --disparities d%d --first 1 --count 2 "
+      "--focus 9,9 -o ";
+  const std::string raw = "raw " + dump + " -o ";
+  const std::string seal = "calibration seal container.bin --key key.bin -o ";
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {render + "-o ", "photo.png"},
+      {render + "-o ", "../work/d.png"},
+      {render + "-o ", "link.png"},
+      {render + "-o ", "hard.png"},
+      {render + "-o o.png --panel ", "link.png"},
+      {render + "-o o.png --compare ", "hard.png"},
+      {"render --image photo.png --weights sharp.png --focus 9,9 -o ",
+       "sharp.png"},
+      {refocus + "-o ", "d.png"},
+      {refocus + "-o ", "link.png"},
+      {refocus + "-o o.png --panel ", "photo.png"},
+      {sequence, "in%d"},
+      {sequence, "d%d"},
+      {sequence, "o%d"},
+      {sequence, "video.y4m"},
+      {raw, dump},
+      {seal, "container.bin"},
+      {seal, "key.bin"},
+  };
+  const auto contents = [&] {
+    std::map<std::string, std::string> bytes;
+    for (const std::string& name : FilesIn(File(""))) {
+      bytes[name] = ReadText(File(name));
+    }
+    return bytes;
+  };
+  const auto before = contents();
+  for (const auto& [arguments, output] : cases) {
+    SCOPED_TRACE(arguments + output);
+    const Outcome outcome =
+        Run(arguments + output, {"__EGL_VENDOR_LIBRARY_FILENAMES=/none"});
+    EXPECT_EQ(outcome.exit_code, 2);
+    EXPECT_THAT(outcome.err, HasSubstr(": is one of the inputs\n"));
+    EXPECT_THAT(outcome.out, IsEmpty());
+    EXPECT_TRUE(contents() == before);
+    EXPECT_TRUE(fs::is_symlink(File("link.png")));
   }
 }
 

@@ -8,6 +8,7 @@
 #include <iterator>
 #include <system_error>
 
+#include "file_claims.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -17,6 +18,7 @@ Bytes ReadFile(const std::string& path) {
   if (std::filesystem::is_directory(path, ignored)) {
     throw InputError(path + ": is a folder");
   }
+  ClaimInput(path);
   std::ifstream file(path, std::ios::binary);
   if (!file) {
     throw InputError(path + ": cannot be opened: " + std::strerror(errno));

@@ -10,7 +10,8 @@ namespace zuqel::tools {
 
 using Bytes = std::vector<uint8_t>;
 
-// InputError when the file cannot be opened or is a folder.
+// InputError when the file cannot be opened, is a folder or is claimed as an
+// output.
 Bytes ReadFile(const std::string& path);
 
 // WorkError when not all of it could be written.

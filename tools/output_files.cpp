@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <system_error>
 
+#include "file_claims.h"
 #include "image_file.h"
 #include "size.h"
 #include "tool_error.h"
@@ -61,6 +62,7 @@ void OutputFiles::Announce(const std::string& path) {
   if (!announced_.insert(full).second) {
     throw InputError(path + ": is given for two outputs");
   }
+  ClaimOutput(path);
 }
 
 void OutputFiles::Write(const std::string& path, const Picture& picture) {

@@ -26,7 +26,8 @@ class OutputFiles {
   void MakeFolder(const std::string& path);
 
   // Says before any work that `path` will be written. InputError when its
-  // folder is missing, it is a folder itself, or it was announced before.
+  // folder is missing, it is a folder itself, it was announced before, or the
+  // file is one of the inputs, whether read already or later.
   void Announce(const std::string& path);
 
   // Writes a file for the announced `path`; pictures as PNG.

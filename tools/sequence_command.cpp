@@ -8,6 +8,7 @@
 #include "bokeh_session.h"
 #include "command.h"
 #include "demo/scene.h"
+#include "file_claims.h"
 #include "file_series.h"
 #include "focus_point.h"
 #include "frame_progress.h"
@@ -55,6 +56,11 @@ FrameSource FilesOf(const SequenceOptions& options) {
   if (options.focus.empty()) throw InputError("--images needs --focus");
   const FileSeries images("--images", options.images);
   const FileSeries disparities("--disparities", options.disparities);
+  // Before the first frame is rendered, not when the file's turn comes.
+  for (int i = 0; i < options.target.count; ++i) {
+    ClaimInput(images.Name(options.target.first + i));
+    ClaimInput(disparities.Name(options.target.first + i));
+  }
   return [=, first = options.target.first, picture_size = Size{},
           map_size = Size{}](int index) mutable {
     const std::string image = images.Name(first + index);
