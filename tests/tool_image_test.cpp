@@ -121,7 +121,7 @@ Bytes PngRows(const Bytes& rgb, bool interlaced) {
     for (int y = pass.top; y < 12; y += pass.dy) {
       rows.push_back(0);
       for (int x = pass.left; x < 16; x += pass.dx) {
-        std::copy_n(&rgb[static_cast<size_t>(3 * (16 * y + x))], 3,
+        std::copy_n(&rgb[size_t{3} * static_cast<size_t>(16 * y + x)], 3,
                     std::back_inserter(rows));
       }
     }
