@@ -9,6 +9,7 @@
 #include "image_file.h"
 #include "image_samples.h"
 #include "program_run.h"
+#include "refocus_map.h"
 
 namespace zuqel::tools {
 namespace {
@@ -50,7 +51,7 @@ TEST_F(RefocusMapCommand, IsSharpAtTheFocusAndPrintsItsOwnLinesOnly) {
   const std::string disparity = " --disparity d.png --focus ";
   const std::string cpu = "disparity-base-cpu" + disparity;
   // The step is at column 40 of the maps, 160 of the picture.
-  const std::vector<Case> cases = {
+  std::vector<Case> cases = {
       {"gpu" + disparity + "39,9", "RefocusMap -\n", true},
       {"gpu" + disparity + "40,9", "RefocusMap -\n", false},
       {"gpu --size 160x30" + disparity + "9,9", "", true, "160x30"},
@@ -62,10 +63,14 @@ TEST_F(RefocusMapCommand, IsSharpAtTheFocusAndPrintsItsOwnLinesOnly) {
       {"distance --distance d.png --focus 40,9", "\nExtremeMinDist=99\n",
        false},
   };
+  for (const Generator& generator : Generators()) {
+    cases.push_back({generator.name + disparity + "20,20", "", true});
+  }
   for (const auto& [arguments, log, near, size] : cases) {
     SCOPED_TRACE(arguments);
     std::string own = std::string("wrote map.png (") + size + ")\n";
-    if (arguments.find("distance") != 0) {
+    if (!GeneratorNamed(arguments.substr(0, arguments.find(' ')))
+             ->takes_distance) {
       own += "disparity: minimum 99, maximum 900, focus ";
       own += near ? "900\n" : "99\n";
     }
@@ -84,10 +89,9 @@ TEST_F(RefocusMapCommand, RenderTakesAMapOfEachGenerator) {
   const std::string rest = " --image photo.png --focus 90,70 --disparity d.png";
   const std::string one = "render -o 1.png --panel p1.png --map-from ";
   const std::string two = "render -o 2.png --panel p2.png --weights map.png ";
-  for (const std::string name :
-       {"gpu", "disparity-base", "disparity-base-cpu", "distance"}) {
-    SCOPED_TRACE(name);
-    const std::string from = name + rest;
+  for (const Generator& generator : Generators()) {
+    SCOPED_TRACE(generator.name);
+    const std::string from = generator.name + rest;
     EXPECT_EQ(Make(from + " --panel m.png").err + Run(one + from).err, "");
     EXPECT_EQ(Run(two + "--image photo.png --focus 90,70").err, "");
     EXPECT_EQ(ReadBytes(folder_ / "1.png"), ReadBytes(folder_ / "2.png"));

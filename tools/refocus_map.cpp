@@ -2,6 +2,7 @@
 #include "refocus_map.h"
 
 #include <zuQelRT_GL.h>
+#include <zuQelRT_generators.h>
 
 #include <algorithm>
 #include <array>
@@ -12,41 +13,46 @@
 namespace zuqel::tools {
 namespace {
 
-uint32_t Unsigned(int coordinate) {
-  return static_cast<uint32_t>(coordinate);
+// On disparity a generator reports what it found; on distance it does not. The
+// type of the row differs from call to call.
+template <typename Row>
+using DisparityCall = uint32_t (*)(uint8_t*, uint16_t*, uint32_t, Row,
+                                   uint32_t*, uint32_t*, uint32_t*);
+template <typename Row>
+using DistanceCall = uint32_t (*)(uint8_t*, uint16_t*, uint32_t, Row);
+
+template <typename Row>
+uint32_t Call(DisparityCall<Row> call, uint8_t* map, uint16_t* depth,
+              FocusPoint focus, DisparityRange& range) {
+  return call(map, depth, static_cast<uint32_t>(focus.x),
+              static_cast<Row>(focus.y), &range.min, &range.max, &range.focus);
 }
 
+template <typename Row>
+uint32_t Call(DistanceCall<Row> call, uint8_t* map, uint16_t* depth,
+              FocusPoint focus, DisparityRange& /*range*/) {
+  return call(map, depth, static_cast<uint32_t>(focus.x),
+              static_cast<Row>(focus.y));
+}
+
+// The words of the table.
+enum class Input { DISPARITY, DISTANCE };
+enum class MapSize { WORK, DEPTH };
+
+#define ZUQEL_TOOLS_GENERATOR(id, name, call, y_type, input, map_size, \
+                              summary)                                 \
+  Generator{name,                                                      \
+            #call,                                                     \
+            summary,                                                   \
+            Input::input == Input::DISTANCE,                           \
+            MapSize::map_size == MapSize::WORK,                        \
+            [](uint8_t* map, uint16_t* depth, FocusPoint focus,        \
+               DisparityRange& range) {                                \
+              return Call<y_type>(call, map, depth, focus, range);     \
+            }},
 constexpr std::array kGenerators = {
-    Generator{"gpu", "zuQelRT_GenRefocusMap", false, true,
-              [](uint8_t* map, uint16_t* depth, FocusPoint focus,
-                 DisparityRange& range) {
-                return zuQelRT_GenRefocusMap(map, depth, Unsigned(focus.x),
-                                             focus.y, &range.min, &range.max,
-                                             &range.focus);
-              }},
-    Generator{"disparity-base", "zuQelRT_GenRefocusMap_ZU4410_DispartyBase",
-              false, true,
-              [](uint8_t* map, uint16_t* depth, FocusPoint focus,
-                 DisparityRange& range) {
-                return zuQelRT_GenRefocusMap_ZU4410_DispartyBase(
-                    map, depth, Unsigned(focus.x), focus.y, &range.min,
-                    &range.max, &range.focus);
-              }},
-    Generator{"disparity-base-cpu",
-              "zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU", false, false,
-              [](uint8_t* map, uint16_t* depth, FocusPoint focus,
-                 DisparityRange& range) {
-                return zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU(
-                    map, depth, Unsigned(focus.x), Unsigned(focus.y),
-                    &range.min, &range.max, &range.focus);
-              }},
-    Generator{
-        "distance", "zuQelRT_GenRefocusMap_Dist", true, false,
-        [](uint8_t* map, uint16_t* depth, FocusPoint focus, DisparityRange&) {
-          return zuQelRT_GenRefocusMap_Dist(map, depth, Unsigned(focus.x),
-                                            focus.y);
-        }},
-};
+    ZUQEL_REFOCUS_GENERATORS(ZUQEL_TOOLS_GENERATOR)};
+#undef ZUQEL_TOOLS_GENERATOR
 
 // The generators' own part of a session.
 class Resources {
@@ -82,6 +88,10 @@ DistanceMap ToDistances(const DisparityMap& disparity) {
 
 }  // namespace
 
+std::span<const Generator> Generators() {
+  return kGenerators;
+}
+
 const Generator* GeneratorNamed(const std::string& name) {
   const auto* const found = std::find_if(
       kGenerators.begin(), kGenerators.end(),
@@ -113,13 +123,13 @@ RefocusMap MakeRefocusMap(const Generator& generator, Map<uint16_t> depth,
                                point, range),
                 generator.call);
   }
-  if (!generator.of_distances) map.range = range;
+  if (!generator.takes_distance) map.range = range;
   return map;
 }
 
 Map<uint16_t> DepthFor(const Generator& generator,
                        const DisparityMap& disparity) {
-  return generator.of_distances ? ToDistances(disparity) : disparity;
+  return generator.takes_distance ? ToDistances(disparity) : disparity;
 }
 
 }  // namespace zuqel::tools

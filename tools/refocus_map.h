@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 
 #include "image.h"
@@ -18,13 +19,16 @@ struct DisparityRange {
 };
 
 struct Generator {
-  const char* name;   // as people write it
-  const char* call;   // as the library calls it
-  bool of_distances;  // else of disparities
-  bool on_gpu;        // makes maps of any size; the others keep the depth's
+  const char* name;     // as people write it
+  const char* call;     // as the library calls it
+  const char* summary;  // what it does, one line
+  bool takes_distance;  // else disparity
+  bool takes_size;      // of the map; the others keep the depth's
   uint32_t (*make)(uint8_t* map, uint16_t* depth, FocusPoint focus,
                    DisparityRange& range);
 };
+
+std::span<const Generator> Generators();
 
 // Null when there is none of this name.
 const Generator* GeneratorNamed(const std::string& name);

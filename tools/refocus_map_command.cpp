@@ -1,4 +1,6 @@
 // zuqel refocus-map: disparity or distance and a focus point in, a map out.
+#include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <memory>
 #include <optional>
@@ -35,10 +37,10 @@ void CheckCombination(const RefocusMapOptions& options,
   if (options.disparity.empty() == options.distance.empty()) {
     throw InputError("give one of --disparity and --distance");
   }
-  if (!options.distance.empty() && !generator.of_distances) {
+  if (!options.distance.empty() && !generator.takes_distance) {
     throw InputError("--distance: " + options.generator + " takes --disparity");
   }
-  if (!options.size.empty() && !generator.on_gpu) {
+  if (!options.size.empty() && !generator.takes_size) {
     throw InputError("--size: " + options.generator +
                      " makes maps of the depth's size only");
   }
@@ -68,7 +70,7 @@ RefocusMapInput ReadInput(const RefocusMapOptions& options) {
 }
 
 Picture Panel(const RefocusMapInput& input, const WeightMap& map) {
-  const Picture colours = input.generator->of_distances
+  const Picture colours = input.generator->takes_distance
                               ? FalseColourOfDistance(input.depth)
                               : FalseColour(input.depth);
   return MakeRefocusPanel(colours, map, input.image ? &*input.image : nullptr,
@@ -94,6 +96,19 @@ void Run(const RefocusMapOptions& options) {
   }
 }
 
+// Names and summaries in columns, and what --size goes with.
+std::string GeneratorList() {
+  constexpr size_t kNameColumns = 20;
+  std::string list, sized;
+  for (const Generator& generator : Generators()) {
+    std::string name = generator.name;
+    if (generator.takes_size) sized += (sized.empty() ? "" : ", ") + name;
+    name.resize(std::max(kNameColumns, name.size() + 1), ' ');
+    list += "  " + name + generator.summary + "\n";
+  }
+  return list + "--size goes with: " + sized + "\n";
+}
+
 }  // namespace
 
 Command AddRefocusMapCommand(CLI::App& program) {
@@ -105,9 +120,9 @@ Command AddRefocusMapCommand(CLI::App& program) {
                   "1023 is unknown")
       ->type_name("FILE");
   app->add_option("--distance", options->distance,
-                  "In its place, for the generator `distance`: 16-bit grey\n"
-                  "PNG, larger is farther, 0 is unknown. That generator also\n"
-                  "takes a disparity, as distances of 262144 / disparity")
+                  "In its place, for a generator that takes distances: 16-bit\n"
+                  "grey PNG, larger is farther, 0 is unknown. Given\n"
+                  "--disparity, it takes 262144 / disparity")
       ->type_name("FILE");
   app->add_option(
          "--focus", options->focus,
@@ -116,16 +131,12 @@ Command AddRefocusMapCommand(CLI::App& program) {
       ->type_name("X,Y")
       ->required();
   app->add_option("--generator", options->generator,
-                  "gpu: weights by the distance from the focus, on the GPU;\n"
-                  "disparity-base: all of the foreground or background is\n"
-                  "sharp, on the GPU; disparity-base-cpu: the same on the\n"
-                  "CPU; distance: the same from distances")
+                  "What makes the map, see below")
       ->type_name("NAME")
       ->check(CheckGeneratorName)
       ->required();
   app->add_option("--size", options->size,
-                  "Width and height of the map, for gpu and disparity-base;\n"
-                  "by default, and for the others, those of the depth")
+                  "Width and height of the map, those of the depth by default")
       ->type_name("WxH");
   app->add_option("--image", options->image,
                   "The picture that belongs to the depth, PNG or JPEG")
@@ -139,6 +150,8 @@ Command AddRefocusMapCommand(CLI::App& program) {
                   "image, blue where it is blurred, side by side, PNG")
       ->type_name("FILE");
   app->footer(
+      "Generators:\n" + GeneratorList() +
+      "\n"
       "Prints the range of the disparities, less a few percent of the pixels\n"
       "at either end, and the disparity in focus.\n"
       "\n"
