@@ -60,8 +60,13 @@ Axis Resized(int64_t source, int64_t target) {
 Axis Boxed(int64_t length, int64_t radius) {
   Axis axis(static_cast<size_t>(length));
   for (int64_t i = 0; i < length; ++i) {
-    for (int64_t s = i - radius; s <= i + radius; ++s) {
-      Nth(axis, i).emplace_back(std::clamp<int64_t>(s, 0, length - 1), 1);
+    const int64_t last = length - 1, right = last - i;
+    Parts& parts = Nth(axis, i);
+    parts = {{0, std::max<int64_t>(radius - i, 0)},
+             {last, std::max<int64_t>(radius - right, 0)}};
+    for (int64_t s = std::max<int64_t>(i - radius, 0);
+         s <= std::min(i + radius, last); ++s) {
+      parts.emplace_back(s, 1);
     }
   }
   return axis;

@@ -118,6 +118,7 @@ TEST(ResizePlane, EqualsThePlainFormForSizesOfPictures) {
            kFourTimes,
            {"three halves with weights of its own", 1280, 720, 1920, 1080},
            {"three halves", 1280, 960, 1920, 1440},
+           {"three halves across", 1280, 640, 1920, 1080},
            {"almost the same size", 1, 556, 3, 555},
        })) {
     CheckBothTypes(row);
@@ -181,7 +182,10 @@ TEST(BoxBlur, IsTheMeanOfRowsAndThenOfColumns) {
     }
     CheckBoxBlur(radius, 73, 13);
   }
-  for (const int32_t radius : {100, 65535, 70000}) CheckBoxBlur(radius, 7, 9);
+  for (const int32_t radius : {100, 65534, 65535, 70000}) {
+    CheckBoxBlur(radius, 7, 9);
+    CheckBoxBlur(radius, 2000, 3);
+  }
 }
 
 struct GaussianRow {
