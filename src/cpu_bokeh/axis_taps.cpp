@@ -10,16 +10,17 @@ constexpr int64_t kOne = 256;  // a whole sample
 
 }  // namespace
 
-bool AxisTaps::Walk(int32_t source, int32_t target) {
+bool AxisTaps::Reserve(int32_t source, int32_t target) {
   // Shrinking, a source sample has a part in two target samples at most.
   const size_t weights =
       static_cast<size_t>(source) + static_cast<size_t>(target) * (kPadded + 1);
-  if (!entry_bytes_.Reserve(static_cast<size_t>(target) * sizeof(Entry)) ||
-      !weight_bytes_.Reserve(weights * sizeof(uint16_t)) ||
-      !packed_bytes_.Reserve(static_cast<size_t>(target) *
-                             sizeof(PackedTaps))) {
-    return false;
-  }
+  return entry_bytes_.Reserve(static_cast<size_t>(target) * sizeof(Entry)) &&
+         weight_bytes_.Reserve(weights * sizeof(uint16_t)) &&
+         packed_bytes_.Reserve(static_cast<size_t>(target) *
+                               sizeof(PackedTaps));
+}
+
+void AxisTaps::Walk(int32_t source, int32_t target) {
   entry_count_ = weight_count_ = 0;
   most_ = 0;
   if (source <= target) {
@@ -28,7 +29,6 @@ bool AxisTaps::Walk(int32_t source, int32_t target) {
     Shrink(source, target);
   }
   if (most_ <= kPadded) Pack();
-  return true;
 }
 
 void AxisTaps::Pack() {

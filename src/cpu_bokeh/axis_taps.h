@@ -29,8 +29,11 @@ class AxisTaps {
     int64_t first;
   };
 
+  // Makes room for a walk; false when there is no memory.
+  [[nodiscard]] bool Reserve(int32_t source, int32_t target);
+
   // Walks along an axis of `source` samples that becomes `target` long, neither
-  // 0. False when there is no memory.
+  // 0. There is room for it.
   //
   // Where it grows, target sample t lies at (t + 0.5) * source / target - 0.5
   // in 1/256 of a source sample, cut, between two samples; before the first and
@@ -38,7 +41,7 @@ class AxisTaps {
   // sample covers target / source of a target sample, cut to 1/256; what is cut
   // off is carried along the axis, so that source sample s ends at
   // floor((s + 1) * target * 256 / source).
-  [[nodiscard]] bool Walk(int32_t source, int32_t target);
+  void Walk(int32_t source, int32_t target);
 
   [[nodiscard]] Taps operator[](int32_t target) const {
     const Entry& entry = entries()[target];

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstring>
 #include <numeric>
+#include <optional>
 
 namespace zuqel {
 namespace {
@@ -152,29 +153,46 @@ void BlurColumns(BlurredRows& rows, int32_t radius, uint32_t* sums,
   }
 }
 
+// What the scratch memory of a blur is divided into: sums of columns, the ring
+// of blurred rows, a padded row.
+struct ScratchLayout {
+  int32_t ring_rows;
+  std::optional<size_t> sum_bytes, ring_bytes;
+  size_t padded_bytes;
+
+  ScratchLayout(ImageSize size, int32_t radius)
+      : ring_rows(std::min(2 * radius + 2, size.height)),
+        sum_bytes(ByteCount(size.width, 1, sizeof(uint32_t))),
+        ring_bytes(ByteCount(size.width, ring_rows, sizeof(uint16_t))),
+        padded_bytes(static_cast<size_t>(size.width) +
+                     2 * static_cast<size_t>(radius) + 1) {}
+};
+
 }  // namespace
+
+bool ReserveBoxBlur(ImageSize size, int32_t radius, Buffer& scratch) {
+  if (size.width == 0 || size.height == 0 || radius <= 0) return true;
+  const ScratchLayout layout(size, std::min(radius, kLargestBoxRadius));
+  return layout.sum_bytes && layout.ring_bytes &&
+         scratch.Reserve(*layout.sum_bytes + *layout.ring_bytes +
+                         layout.padded_bytes);
+}
 
 bool BoxBlur(Plane<const uint8_t> in, int32_t radius, Buffer& scratch,
              Plane<uint8_t> out) {
+  if (!ReserveBoxBlur(in.extent(), radius, scratch)) return false;
   if (in.size() == 0) return true;
   if (radius <= 0) {
     if (out.data != in.data) std::memcpy(out.data, in.data, in.size());
     return true;
   }
   radius = std::min(radius, kLargestBoxRadius);
-  const int32_t ring_rows = std::min(2 * radius + 2, in.height);
-  const auto ring_bytes = ByteCount(in.width, ring_rows, sizeof(uint16_t));
-  const auto sum_bytes = ByteCount(in.width, 1, sizeof(uint32_t));
-  const auto padded_bytes =
-      static_cast<size_t>(in.width) + 2 * static_cast<size_t>(radius) + 1;
-  if (!ring_bytes || !sum_bytes ||
-      !scratch.Reserve(*sum_bytes + *ring_bytes + padded_bytes)) {
-    return false;
-  }
+  const ScratchLayout layout(in.extent(), radius);
+  uint8_t* const ring_bytes = scratch.bytes() + *layout.sum_bytes;
   auto* sums = reinterpret_cast<uint32_t*>(scratch.bytes());
-  auto* ring = reinterpret_cast<uint16_t*>(scratch.bytes() + *sum_bytes);
-  uint8_t* padded_row = scratch.bytes() + *sum_bytes + *ring_bytes;
-  BlurredRows rows(in, radius, padded_row, ring, ring_rows);
+  auto* ring = reinterpret_cast<uint16_t*>(ring_bytes);
+  BlurredRows rows(in, radius, ring_bytes + *layout.ring_bytes, ring,
+                   layout.ring_rows);
   if (radius == 1) {
     BlurColumnsBy1(rows, out);
   } else {
@@ -207,8 +225,17 @@ std::array<int32_t, 3> GaussianBoxRadii(int32_t strength) {
   return radii;
 }
 
+bool ReserveBoxGaussianBlur(ImageSize size, int32_t strength, Buffer& scratch) {
+  const auto radii = GaussianBoxRadii(strength);
+  return std::all_of(radii.begin(), radii.end(), [&](int32_t radius) {
+    return ReserveBoxBlur(size, radius, scratch);
+  });
+}
+
 bool BoxGaussianBlur(Plane<const uint8_t> in, int32_t strength, Buffer& scratch,
                      Plane<uint8_t> out) {
+  // All of it before the first box is written.
+  if (!ReserveBoxGaussianBlur(in.extent(), strength, scratch)) return false;
   // Copies between the boxes have no effect on the result.
   bool is_first = true;
   for (const int32_t radius : GaussianBoxRadii(strength)) {

@@ -6,11 +6,19 @@
 #include <cstdint>
 
 #include "base/buffer.h"
+#include "base/image_size.h"
 #include "base/plane.h"
 
 namespace zuqel {
 
 inline constexpr int32_t kLargestBoxRadius = UINT16_MAX;
+
+// Grow `scratch` to what a blur of planes of this size needs, so that it cannot
+// fail; false when there is no memory.
+[[nodiscard]] bool ReserveBoxBlur(ImageSize size, int32_t radius,
+                                  Buffer& scratch);
+[[nodiscard]] bool ReserveBoxGaussianBlur(ImageSize size, int32_t strength,
+                                          Buffer& scratch);
 
 // Each pixel becomes the truncated mean of the 2 * radius + 1 pixels around it
 // in its row, and then the same in its column; edge pixels stand for those

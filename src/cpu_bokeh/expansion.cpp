@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <optional>
 
 #include "base/log.h"
 #include "cpu_bokeh/box_blur.h"
@@ -22,16 +21,12 @@ constexpr int32_t kStrongScale = 2;
 constexpr int32_t kMildScale = 1;
 constexpr int32_t kStrength = 2;
 
-// A point of the frame in pixels of the map; products have 32 bits, and a frame
-// without pixels gives 0.
+// The focus point in pixels of the map.
 MaskPoint MapFocus(const ExpansionFrame& frame) {
-  const auto scale = [](int32_t at, int32_t map, int32_t size) {
-    const auto product = static_cast<int32_t>(static_cast<uint32_t>(at) *
-                                              static_cast<uint32_t>(map));
-    return size == 0 ? 0 : product / size;
-  };
-  return {scale(frame.focus_x, frame.disparity.width, frame.luma.width),
-          scale(frame.focus_y, frame.disparity.height, frame.luma.height)};
+  return {
+      ScaleCoordinate(frame.focus_x, frame.luma.width, frame.disparity.width),
+      ScaleCoordinate(frame.focus_y, frame.luma.height,
+                      frame.disparity.height)};
 }
 
 class Expansion {
@@ -40,24 +35,24 @@ class Expansion {
             int32_t frame_counter)
       : frame_(frame), buffers_(buffers), frame_counter_(frame_counter) {}
 
-  // False when there is no memory; then nothing has changed.
+  // Makes room for all that Run needs, which then cannot fail. False when there
+  // is no memory; then nothing has changed.
   [[nodiscard]] bool Reserve() {
-    const auto frame_bytes = BytesOf(frame_.luma);
-    const auto map_bytes = BytesOf(frame_.disparity);
+    const ImageSize frame = frame_.luma.extent();
+    const ImageSize map = frame_.disparity.extent();
     for (Buffer* buffer :
          {&buffers_.u_region, &buffers_.v_region, &buffers_.preview_mask,
           &buffers_.strong_blur, &buffers_.mild_blur}) {
-      if (!buffer->Reserve(frame_bytes)) return false;
+      if (!buffer->Reserve(ByteCount(frame, 1))) return false;
     }
     for (Buffer* buffer : {&buffers_.focus_mask, &buffers_.work_mask}) {
-      if (!buffer->Reserve(map_bytes)) return false;
+      if (!buffer->Reserve(ByteCount(map, 1))) return false;
     }
-    const int32_t three_high = frame_.disparity.height <= INT32_MAX / 3
-                                   ? 3 * frame_.disparity.height
-                                   : INT32_MAX;
-    return buffers_.history.Reserve(map_bytes) &&
-           buffers_.reduced_frame.Reserve(
-               ByteCount(frame_.disparity.width, three_high, 1));
+    // The history last: the masks in it are kept when anything else fails.
+    return buffers_.reduced_frame.Reserve(ByteCount(map, 3)) &&
+           ReserveRegionGrowing(map, buffers_.growth) &&
+           buffers_.cleanup.Reserve(map) && ReserveBlurs() &&
+           buffers_.history.Reserve(ByteCount(map, 1));
   }
 
   bool Run() {
@@ -79,8 +74,18 @@ class Expansion {
   }
 
  private:
-  static std::optional<size_t> BytesOf(const auto& plane) {
-    return ByteCount(plane.width, plane.height, 1);
+  [[nodiscard]] bool ReserveBlurs() {
+    const ImageSize frame = frame_.luma.extent();
+    const ImageSize map = frame_.disparity.extent();
+    BlurScratch& blur = buffers_.blur;
+    for (const ImageSize size : {frame, UpToLastSample(Chroma().u).extent()}) {
+      for (const int32_t scale : {kStrongScale, kMildScale}) {
+        if (!ReserveTwoLevelBlur(size, scale, kStrength, blur)) return false;
+      }
+    }
+    return ReserveBoxBlur(map, kFeatherRadius, blur.box) &&
+           ReserveResize<uint8_t>(frame, map, blur.resize) &&
+           ReserveResize<uint8_t>(map, frame, blur.resize);
   }
   [[nodiscard]] ChromaRegions Chroma() const {
     return {Over(buffers_.u_region, frame_.luma),

@@ -41,8 +41,8 @@ struct ExpansionFrame {
 // Blurs what is not in focus: a mask from the disparity and the frame, smoothed
 // over the last three calls, mixes the frame with two blurs of itself. The
 // steps log as they go. `expansionFrameCounter` counts the calls that were
-// completed; it outlives the buffers. False, with the picture untouched, when
-// there is no memory.
+// completed; it outlives the buffers. False, with picture and disparity
+// untouched, when there is no memory.
 [[nodiscard]] bool RenderExpansion(const ExpansionFrame& frame,
                                    ExpansionBuffers& buffers,
                                    int32_t& expansionFrameCounter);

@@ -113,21 +113,23 @@ void ResizeRow(const Lane<Sample>* row, const AxisTaps& columns, int32_t width,
 }  // namespace
 
 template <typename Sample>
-bool ResizeGeneral(Plane<const Sample> in, RowFunction<Sample> resize_row,
+bool ReserveGeneral(ImageSize from, ImageSize to, GeneralScratch& scratch) {
+  const auto row_bytes = ByteCount(from.width, 1, sizeof(Lane<Sample>));
+  constexpr size_t kBehind = AxisTaps::kPadded * sizeof(Lane<Sample>);
+  return row_bytes && scratch.row.Reserve(*row_bytes + kBehind) &&
+         scratch.rows.Reserve(from.height, to.height) &&
+         scratch.columns.Reserve(from.width, to.width);
+}
+
+template <typename Sample>
+void ResizeGeneral(Plane<const Sample> in, RowFunction<Sample> resize_row,
                    GeneralScratch& scratch, Plane<Sample> out) {
   if constexpr (sizeof(Sample) == 1) {
     if (resize_row == nullptr) resize_row = RowOfWalk(in.width, out.width);
   }
-  const auto row_bytes = ByteCount(in.width, 1, sizeof(Lane<Sample>));
-  constexpr size_t kBehind = AxisTaps::kPadded * sizeof(Lane<Sample>);
-  if (!row_bytes || !scratch.row.Reserve(*row_bytes + kBehind) ||
-      !scratch.rows.Walk(in.height, out.height)) {
-    return false;
-  }
+  scratch.rows.Walk(in.height, out.height);
   // Fixed weights need no walk along the columns.
-  if (resize_row == nullptr && !scratch.columns.Walk(in.width, out.width)) {
-    return false;
-  }
+  if (resize_row == nullptr) scratch.columns.Walk(in.width, out.width);
   auto* row = reinterpret_cast<Lane<Sample>*>(scratch.row.bytes());
   for (int32_t y = 0; y < out.height; ++y) {
     CombineRows(in, scratch.rows[y], row);
@@ -137,12 +139,13 @@ bool ResizeGeneral(Plane<const Sample> in, RowFunction<Sample> resize_row,
       ResizeRow(row, scratch.columns, out.width, out.row(y));
     }
   }
-  return true;
 }
 
-template bool ResizeGeneral(Plane<const uint8_t>, RowFunction<uint8_t>,
+template bool ReserveGeneral<uint8_t>(ImageSize, ImageSize, GeneralScratch&);
+template bool ReserveGeneral<uint16_t>(ImageSize, ImageSize, GeneralScratch&);
+template void ResizeGeneral(Plane<const uint8_t>, RowFunction<uint8_t>,
                             GeneralScratch&, Plane<uint8_t>);
-template bool ResizeGeneral(Plane<const uint16_t>, RowFunction<uint16_t>,
+template void ResizeGeneral(Plane<const uint16_t>, RowFunction<uint16_t>,
                             GeneralScratch&, Plane<uint16_t>);
 
 }  // namespace zuqel

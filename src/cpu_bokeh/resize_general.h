@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "base/buffer.h"
+#include "base/image_size.h"
 #include "base/plane.h"
 #include "cpu_bokeh/axis_taps.h"
 #include "cpu_bokeh/enlarge_rows.h"
@@ -17,14 +18,19 @@ struct GeneralScratch {
   Buffer row;
 };
 
+// `Sample` is uint8_t or uint16_t here, and no plane is empty.
+
+// Makes room for a change of size; false when there is no memory.
+template <typename Sample>
+[[nodiscard]] bool ReserveGeneral(ImageSize from, ImageSize to,
+                                  GeneralScratch& scratch);
+
 // Combines rows, then columns, each by its axis's walk and rounded to nearest.
 // `resize_row`, unless null, takes the place of the walk along the columns.
-// `Sample` is uint8_t or uint16_t. Neither plane is empty. False, with `out`
-// untouched, when there is no memory.
+// There is room for it in `scratch`.
 template <typename Sample>
-[[nodiscard]] bool ResizeGeneral(Plane<const Sample> in,
-                                 RowFunction<Sample> resize_row,
-                                 GeneralScratch& scratch, Plane<Sample> out);
+void ResizeGeneral(Plane<const Sample> in, RowFunction<Sample> resize_row,
+                   GeneralScratch& scratch, Plane<Sample> out);
 
 }  // namespace zuqel
 

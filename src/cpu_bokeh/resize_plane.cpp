@@ -27,9 +27,9 @@ constexpr auto kReducingChains = std::to_array<Chain>({{2, {2}},
                                                        {12, {6, 2}}});
 
 // The chain that makes `large` out of `small` on both axes; null for none.
-template <size_t kCount, typename T, typename U>
-const Chain* FindChain(const std::array<Chain, kCount>& chains, Plane<T> small,
-                       Plane<U> large) {
+template <size_t kCount>
+const Chain* FindChain(const std::array<Chain, kCount>& chains, ImageSize small,
+                       ImageSize large) {
   const auto* found =
       std::find_if(chains.begin(), chains.end(), [&](const Chain& chain) {
         return int64_t{small.width} * chain.factor == large.width &&
@@ -38,73 +38,52 @@ const Chain* FindChain(const std::array<Chain, kCount>& chains, Plane<T> small,
   return found == chains.end() ? nullptr : found;
 }
 
-RowFunction<uint8_t> RowOfFactor(int32_t factor) {
-  if (factor == 3) return EnlargeRowBy3;
-  return factor == 6 ? EnlargeRowBy6 : EnlargeRowBy2;
-}
-
-bool EnlargeStep(int32_t factor, Plane<const uint8_t> in,
-                 ResizeScratch& scratch, Plane<uint8_t> out) {
-  return ResizeGeneral(in, RowOfFactor(factor), scratch.general, out);
-}
-
-template <typename Sample>
-bool ReduceStep(int32_t factor, Plane<const Sample> in,
-                ResizeScratch& /*scratch*/, Plane<Sample> out) {
-  ReduceBlocks(factor, in, out);
-  return true;
-}
-
-// Runs the steps from plane to plane; `resized` gives the size after one.
-template <typename Sample, typename Step, typename Resized>
-bool RunChain(const Chain& chain, Plane<const Sample> in,
-              ResizeScratch& scratch, Plane<Sample> out, Step step,
-              Resized resized) {
-  for (size_t i = 0; i < chain.steps.size(); ++i) {
-    const int32_t factor = chain.steps[i];
-    if (i + 1 == chain.steps.size() || chain.steps[i + 1] == 0) {
-      return step(factor, in, scratch, out);
-    }
-    Buffer& buffer = scratch.between[i];
-    const int32_t width = resized(in.width, factor);
-    const int32_t height = resized(in.height, factor);
-    if (!buffer.Reserve(ByteCount(width, height, sizeof(Sample)))) return false;
-    const Plane<Sample> between = {reinterpret_cast<Sample*>(buffer.bytes()),
-                                   width, height};
-    if (!step(factor, in, scratch, between)) return false;
-    in = between;
-  }
-  return true;
-}
+// A factor of 0 is any ratio.
+struct Step {
+  int32_t factor;
+  ImageSize to;
+};
+struct Path {
+  bool is_enlarging = false;
+  size_t length = 0;
+  std::array<Step, 3> steps = {};
+};
 
 template <typename Sample>
-bool Reduce(Plane<const Sample> in, ResizeScratch& scratch, Plane<Sample> out) {
-  const Chain* chain = FindChain(kReducingChains, out, in);
-  if (chain == nullptr) {
-    return ResizeGeneral<Sample>(in, nullptr, scratch.general, out);
+Path FindPath(ImageSize from, ImageSize to) {
+  Path path = {.is_enlarging = to.pixel_count() >= from.pixel_count()};
+  const Chain* chain = nullptr;
+  if (!path.is_enlarging) {
+    chain = FindChain(kReducingChains, to, from);
+  } else if (sizeof(Sample) == 1) {
+    chain = FindChain(kEnlargingChains, from, to);
   }
-  return RunChain(
-      *chain, in, scratch, out, ReduceStep<Sample>,
-      [](int32_t length, int32_t factor) { return length / factor; });
+  if (chain == nullptr) {
+    path.steps[path.length++] = {0, to};
+    return path;
+  }
+  for (const int32_t factor : chain->steps) {
+    if (factor == 0) break;
+    from = path.is_enlarging
+               ? ImageSize{from.width * factor, from.height * factor}
+               : ImageSize{from.width / factor, from.height / factor};
+    path.steps[path.length++] = {factor, from};
+  }
+  return path;
 }
 
-bool Enlarge(Plane<const uint8_t> in, ResizeScratch& scratch,
-             Plane<uint8_t> out) {
-  const Chain* chain = FindChain(kEnlargingChains, in, out);
-  if (chain == nullptr) {
-    return ResizeGeneral<uint8_t>(in, nullptr, scratch.general, out);
+// The fixed weights of an enlarging step; null for a walk.
+template <typename Sample>
+RowFunction<Sample> FixedWeights(int32_t factor, ImageSize from, ImageSize to) {
+  if constexpr (sizeof(Sample) == 1) {
+    if (factor == 3) return EnlargeRowBy3;
+    if (factor == 6) return EnlargeRowBy6;
+    return factor == 2 ? EnlargeRowBy2 : nullptr;
+  } else {
+    const bool is_3_halves =
+        from == ImageSize{1280, 720} && to == ImageSize{1920, 1080};
+    return is_3_halves ? EnlargeRowBy3Halves : nullptr;
   }
-  return RunChain(
-      *chain, in, scratch, out, EnlargeStep,
-      [](int32_t length, int32_t factor) { return length * factor; });
-}
-
-bool Enlarge(Plane<const uint16_t> in, ResizeScratch& scratch,
-             Plane<uint16_t> out) {
-  const bool is_3_halves = in.width == 1280 && in.height == 720 &&
-                           out.width == 1920 && out.height == 1080;
-  return ResizeGeneral(in, is_3_halves ? &EnlargeRowBy3Halves : nullptr,
-                       scratch.general, out);
 }
 
 template <typename Sample>
@@ -113,15 +92,56 @@ bool Resize(Plane<const Sample> in, ResizeScratch& scratch, Plane<Sample> out) {
     std::fill_n(out.data, out.size(), Sample{0});
     return true;
   }
-  if (in.width == out.width && in.height == out.height) {
+  if (in.extent() == out.extent()) {
     std::copy_n(in.data, in.size(), out.data);
     return true;
   }
-  return out.size() >= in.size() ? Enlarge(in, scratch, out)
-                                 : Reduce(in, scratch, out);
+  // All of it before the first step is written.
+  if (!ReserveResize<Sample>(in.extent(), out.extent(), scratch)) return false;
+  const Path path = FindPath<Sample>(in.extent(), out.extent());
+  for (size_t i = 0; i < path.length; ++i) {
+    const auto [factor, to] = path.steps[i];
+    Plane<Sample> made = out;
+    if (i + 1 < path.length) {
+      made = {reinterpret_cast<Sample*>(scratch.between[i].bytes()), to.width,
+              to.height};
+    }
+    if (factor != 0 && !path.is_enlarging) {
+      ReduceBlocks(factor, in, made);
+    } else {
+      ResizeGeneral(in, FixedWeights<Sample>(factor, in.extent(), to),
+                    scratch.general, made);
+    }
+    in = made;
+  }
+  return true;
 }
 
 }  // namespace
+
+template <typename Sample>
+bool ReserveResize(ImageSize from, ImageSize to, ResizeScratch& scratch) {
+  if (from.pixel_count() == 0 || to.pixel_count() == 0 || from == to) {
+    return true;
+  }
+  const Path path = FindPath<Sample>(from, to);
+  for (size_t i = 0; i < path.length; ++i) {
+    const Step& step = path.steps[i];
+    const bool is_between = i + 1 < path.length;
+    const bool is_general = path.is_enlarging || step.factor == 0;
+    if ((is_between &&
+         !scratch.between[i].Reserve(ByteCount(step.to, sizeof(Sample)))) ||
+        (is_general &&
+         !ReserveGeneral<Sample>(from, step.to, scratch.general))) {
+      return false;
+    }
+    from = step.to;
+  }
+  return true;
+}
+
+template bool ReserveResize<uint8_t>(ImageSize, ImageSize, ResizeScratch&);
+template bool ReserveResize<uint16_t>(ImageSize, ImageSize, ResizeScratch&);
 
 bool ResizePlane(Plane<const uint8_t> in, ResizeScratch& scratch,
                  Plane<uint8_t> out) {

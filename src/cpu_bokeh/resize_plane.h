@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "base/buffer.h"
+#include "base/image_size.h"
 #include "base/plane.h"
 #include "cpu_bokeh/resize_general.h"
 
@@ -16,6 +17,12 @@ struct ResizeScratch {
   GeneralScratch general;
   std::array<Buffer, 2> between;  // planes between the steps of a chain
 };
+
+// Makes room for a change of size of samples of uint8_t or uint16_t, so that it
+// cannot fail; false when there is no memory.
+template <typename Sample>
+[[nodiscard]] bool ReserveResize(ImageSize from, ImageSize to,
+                                 ResizeScratch& scratch);
 
 // Fills `out` with `in` at another size: linear interpolation at centre-aligned
 // positions where an axis grows, the mean weighted by coverage where it

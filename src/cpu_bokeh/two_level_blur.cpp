@@ -15,17 +15,27 @@ inline uint8_t DivideBy255(uint16_t value) {
   return static_cast<uint8_t>(next * 257U >> 16);
 }
 
+ImageSize ReducedSize(ImageSize size, int32_t scale) {
+  return {size.width / scale, size.height / scale};
+}
+
 }  // namespace
+
+bool ReserveTwoLevelBlur(ImageSize size, int32_t scale, int32_t strength,
+                         BlurScratch& scratch) {
+  const ImageSize small = ReducedSize(size, scale);
+  return ReserveBoxGaussianBlur(small, strength, scratch.box) &&
+         (scale == 1 || (scratch.reduced.Reserve(ByteCount(small, 1)) &&
+                         scratch.blurred.Reserve(ByteCount(small, 1)) &&
+                         ReserveResize<uint8_t>(size, small, scratch.resize) &&
+                         ReserveResize<uint8_t>(small, size, scratch.resize)));
+}
 
 bool TwoLevelBlur(Plane<const uint8_t> in, int32_t scale, int32_t strength,
                   BlurScratch& scratch, Plane<uint8_t> out) {
+  if (!ReserveTwoLevelBlur(in.extent(), scale, strength, scratch)) return false;
   if (scale == 1) return BoxGaussianBlur(in, strength, scratch.box, out);
-  const int32_t width = in.width / scale;
-  const int32_t height = in.height / scale;
-  const auto bytes = ByteCount(width, height, 1);
-  if (!scratch.reduced.Reserve(bytes) || !scratch.blurred.Reserve(bytes)) {
-    return false;
-  }
+  const auto [width, height] = ReducedSize(in.extent(), scale);
   const Plane<uint8_t> reduced = {scratch.reduced.bytes(), width, height};
   const Plane<uint8_t> blurred = {scratch.blurred.bytes(), width, height};
   return ResizePlane(in, scratch.resize, reduced) &&

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "base/buffer.h"
+#include "base/image_size.h"
 #include "base/plane.h"
 #include "cpu_bokeh/resize_plane.h"
 
@@ -16,6 +17,11 @@ struct BlurScratch {
   Buffer reduced;
   Buffer blurred;
 };
+
+// Makes room for a blur of planes of this size, so that it cannot fail; false
+// when there is no memory.
+[[nodiscard]] bool ReserveTwoLevelBlur(ImageSize size, int32_t scale,
+                                       int32_t strength, BlurScratch& scratch);
 
 // Blurs a plane by BoxGaussianBlur of `strength` at 1 / `scale` of its size: 1
 // is the mild blur, 2 the strong one. `scale` is positive. False, with `out`

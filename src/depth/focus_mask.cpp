@@ -8,7 +8,6 @@
 #include <cstring>
 
 #include "base/log.h"
-#include "depth/region_growing.h"
 
 namespace zuqel {
 namespace {

@@ -7,6 +7,7 @@
 
 #include "base/buffer.h"
 #include "base/plane.h"
+#include "depth/region_growing.h"
 
 namespace zuqel {
 
@@ -16,13 +17,6 @@ struct FocusRange {
   uint16_t max = 0;
   uint16_t min = 0;
   uint16_t focus = 0;
-};
-
-// Planes of a three-plane image of the map's size, one behind the other.
-struct ThreePlanes {
-  const uint8_t* plane0 = nullptr;
-  const uint8_t* plane1 = nullptr;
-  const uint8_t* plane2 = nullptr;
 };
 
 // All masks have their map's size and are written in full. The ramps between
@@ -40,8 +34,8 @@ void FocusMaskDist(Plane<const uint16_t> distance, const FocusRange& range,
 
 // From disparity and a picture of its size: like FocusMaskDisparity on the
 // background, region growing (GrowFocusRegion) on the foreground, whose mask
-// has 255 in focus. False when there is no memory for the growing; the mask is
-// untouched then.
+// has 255 in focus. `scratch` is that of the growing; false, with the mask
+// untouched, when there is no memory for it.
 [[nodiscard]] bool FocusMaskExpansion(Plane<const uint16_t> disparity,
                                       const ThreePlanes& image,
                                       const FocusRange& range, Buffer& scratch,

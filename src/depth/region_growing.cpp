@@ -215,6 +215,11 @@ class Growth {
 
 }  // namespace
 
+bool ReserveRegionGrowing(ImageSize size, Buffer& scratch) {
+  // A cost, an entry of the stack and a score for each pixel.
+  return scratch.Reserve(ByteCount(size, 4 + 4 + 1));
+}
+
 bool GrowFocusRegion(Plane<const uint16_t> disparity, const ThreePlanes& image,
                      const GrowthLimits& limits, Buffer& scratch,
                      Plane<uint8_t> mask) {
@@ -223,9 +228,7 @@ bool GrowFocusRegion(Plane<const uint16_t> disparity, const ThreePlanes& image,
     std::fill_n(mask.data, mask.size(), uint8_t{255});
     return true;
   }
-  if (!scratch.Reserve(ByteCount(disparity.width, disparity.height, 9))) {
-    return false;
-  }
+  if (!ReserveRegionGrowing(disparity.extent(), scratch)) return false;
   Growth growth(disparity, image, limits, scratch);
   growth.Seed();
   growth.Grow();

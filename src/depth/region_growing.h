@@ -5,10 +5,17 @@
 #include <cstdint>
 
 #include "base/buffer.h"
+#include "base/image_size.h"
 #include "base/plane.h"
-#include "depth/focus_mask.h"
 
 namespace zuqel {
+
+// The planes of a picture of the map's size: brightness and two of colour.
+struct ThreePlanes {
+  const uint8_t* plane0 = nullptr;
+  const uint8_t* plane1 = nullptr;
+  const uint8_t* plane2 = nullptr;
+};
 
 struct GrowthLimits {
   int32_t focus = 0;  // disparity in focus
@@ -20,6 +27,10 @@ struct GrowthLimits {
   int32_t grow_limit = 0;
   int32_t seed_limit = 0;
 };
+
+// Grows `scratch` to what growing in maps of this size needs, so that it cannot
+// fail; false when there is no memory.
+[[nodiscard]] bool ReserveRegionGrowing(ImageSize size, Buffer& scratch);
 
 // Writes 255 for each pixel that is reached from a seed and 0 for the others.
 // From a reached pixel a neighbour is taken when the differences of disparity,
