@@ -15,7 +15,6 @@
 #include "guarded_memory.h"
 #include "log_capture.h"
 #include "render/cached_programs.h"
-#include "render/quad.h"
 #include "test_frame.h"
 
 namespace zuqel {
@@ -59,7 +58,7 @@ void SetEntry(std::span<uint8_t> cache, size_t index,
 // Binary of a program of the running session.
 Bytes BinaryOf(size_t entry) {
   const GLuint program =
-      TheSession().frame.render.programs[RowOfEntry(entry).role];
+      TheSession().frame.render.programs[RowOfEntry(entry).role].name();
   GLint length = 0;
   glGetProgramiv(program, GL_PROGRAM_BINARY_LENGTH_OES, &length);
   Bytes binary(static_cast<size_t>(length));
@@ -112,8 +111,9 @@ class ProgramCacheTest : public testing::Test {
               before + shaders);
     for (size_t i = 0; i < kEntries; ++i) {
       GLint status = 0;
-      glGetProgramiv(TheSession().frame.render.programs[RowOfEntry(i).role],
-                     GL_LINK_STATUS, &status);
+      glGetProgramiv(
+          TheSession().frame.render.programs[RowOfEntry(i).role].name(),
+          GL_LINK_STATUS, &status);
       EXPECT_EQ(status == GL_TRUE, linked.contains(i)) << i;
     }
     EXPECT_EQ(std::memcmp(&cache_.binaryInfo, kept.data(), kHeadBytes), 0);
@@ -227,7 +227,7 @@ TEST_F(ProgramCacheTest, BuilderStaysInsideTheCache) {
   }
   Cache cache(kCacheBytes);
   log_.Take();
-  BuildProgramCache(steps, kQuadAttributes, cache.span().first<kCacheBytes>());
+  BuildProgramCache(steps, kAttributeNames, cache.span().first<kCacheBytes>());
   EXPECT_EQ(log_.Take(), expected.log);
   EXPECT_TRUE(
       std::equal(expected.cache.begin(), expected.cache.end(), cache.data()));
@@ -263,6 +263,34 @@ TEST_F(ProgramCacheTest, BinariesMayPlaceTheirAttributes) {
   }
 }
 
+TEST_F(ProgramCacheTest, LocationsAreLookedUpAtTheStartOnly) {
+  const auto look_ups = [] {
+    return driver::CallCount(driver::Call::kGetAttribLocation) +
+           driver::CallCount(driver::Call::kGetUniformLocation);
+  };
+  Cache cache(kCacheBytes);
+  for (const char* start : {"compiled", "loaded", "on screen"}) {
+    SCOPED_TRACE(start);
+    const int32_t off_screen = start == std::string("on screen") ? 0 : 1;
+    const int before = look_ups();
+    const ScopedSession session(SmallInfo(off_screen), cache.data());
+    zuQelRT_GenRefocusMap_init();
+    const int after_start = look_ups();
+    EXPECT_GT(after_start, before);
+    TestFrame frame;
+    for (const bool from_depth : {false, true}) {
+      for (const int32_t bypass : {0, 1}) frame.Render(from_depth, bypass);
+    }
+    for (const auto generate :
+         {zuQelRT_GenRefocusMap, zuQelRT_GenRefocusMap_ZU4410_DispartyBase}) {
+      generate(frame.weights.data(), frame.depth.data(), 3, 4, nullptr, nullptr,
+               nullptr);
+    }
+    EXPECT_EQ(look_ups(), after_start);
+    zuQelRT_GenRefocusMap_Deinit();
+  }
+}
+
 // As on a driver that links programs but keeps no binaries.
 TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {
   const ScopedSession session(SmallInfo(), nullptr);
@@ -275,7 +303,7 @@ TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {
   Cache cache(kCacheBytes);
   log_.Take();
   driver::SetFailing(driver::Call::kProgramBinaryLength, true);
-  BuildProgramCache(steps, kQuadAttributes, cache.span().first<kCacheBytes>());
+  BuildProgramCache(steps, kAttributeNames, cache.span().first<kCacheBytes>());
   driver::SetFailing(driver::Call::kProgramBinaryLength, false);
   EXPECT_EQ(log_.Take(), (Lines{"binaryLength = 0", "dst_offset = 92",
                                 "binaryLength = 0", "dst_offset = 92"}));

@@ -202,7 +202,7 @@ TEST_F(RefocusLifecycle, ProgramsComeFromTheCache) {
   const ScopedSession session(SmallInfo(), cache.data());
   const auto& programs = session_.refocus_map.render.programs;
   ExpectInit("", valid + loaded + loaded + loaded);
-  EXPECT_EQ(programs[ProgramRole::AllInFocusWeightProgram], 0U);
+  EXPECT_EQ(programs[ProgramRole::AllInFocusWeightProgram].name(), 0U);
   EXPECT_TRUE(MakesMap());
   Generate(zuQelRT_GenRefocusMap_ZU4410_DispartyBase);
   ExpectDeinit(kSkipped, "#");
@@ -214,7 +214,7 @@ TEST_F(RefocusLifecycle, ProgramsComeFromTheCache) {
   ExpectDeinit(kSkipped, "#");
   entries[1] = {};
   ExpectInit("", valid + broken + broken + broken + "load binary fail\n");
-  EXPECT_EQ(programs[ProgramRole::AllInFocusWeightProgram], 0U);
+  EXPECT_EQ(programs[ProgramRole::AllInFocusWeightProgram].name(), 0U);
   EXPECT_TRUE(MakesMap());
   ExpectDeinit(kSkipped, "#");
 }

@@ -54,17 +54,17 @@ class ShaderTest : public testing::Test {
                      const Uniforms& uniforms, Tolerance tolerance,
                      const std::function<Rgba(Point)>& shade) {
     const RenderState& state = TheSession().frame.render;
-    const GLuint program = state.programs[role];
-    glUseProgram(program);
+    const LinkedProgram& program = state.programs[role];
+    glUseProgram(program.name());
     std::vector<Texture> textures;
     for (const auto& [sampler, image] : inputs) {
       const auto unit = static_cast<GLint>(textures.size());
       glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
       textures.push_back(Upload(*image));
-      glUniform1i(glGetUniformLocation(program, sampler), unit);
+      glUniform1i(glGetUniformLocation(program.name(), sampler), unit);
     }
     for (const auto& [name, value] : uniforms) {
-      glUniform1f(glGetUniformLocation(program, name),
+      glUniform1f(glGetUniformLocation(program.name(), name),
                   static_cast<GLfloat>(value));
     }
     const GLuint target = state.targets.framebuffer(kOutputTarget);

@@ -160,6 +160,16 @@ void __wrap_glLinkProgram(GLuint program) {
   if (!Fails(Call::kLinkProgram)) glLinkProgram(program);
 }
 
+GLint __wrap_glGetAttribLocation(GLuint program, const char* name) {
+  return Fails(Call::kGetAttribLocation) ? -1
+                                         : glGetAttribLocation(program, name);
+}
+
+GLint __wrap_glGetUniformLocation(GLuint program, const char* name) {
+  return Fails(Call::kGetUniformLocation) ? -1
+                                          : glGetUniformLocation(program, name);
+}
+
 void __wrap_glGetProgramiv(GLuint program, GLenum name, GLint* value) {
   if (name == GL_PROGRAM_BINARY_LENGTH_OES &&
       Fails(Call::kProgramBinaryLength)) {

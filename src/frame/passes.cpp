@@ -9,7 +9,7 @@ constexpr ImageSize kConversionSize = {1280, 960};
 
 void ConvertNv21(const RenderState& state, ProgramRole role, ImageSize size,
                  const Quad& quad) {
-  const GLuint program = state.programs[role];
+  const LinkedProgram& program = state.programs[role];
   BeginPass(program, state.targets.framebuffer(kWorkImage), size);
   SetTexture(program, "inputYTexture", 0, state.inputs[kInputY].get());
   SetTexture(program, "inputUVTexture", 1, state.inputs[kInputUV].get());
@@ -28,7 +28,8 @@ void PassNv21Pack(const RenderState& state, ImageSize size) {
 }
 
 void PassPlanarYuvPack(const RenderState& state, ImageSize size) {
-  const GLuint program = state.programs[ProgramRole::PlanarYuvPackProgram];
+  const LinkedProgram& program =
+      state.programs[ProgramRole::PlanarYuvPackProgram];
   BeginPass(program, state.targets.framebuffer(kWorkImage), size);
   SetTexture(program, "inputYTexture", 0, state.inputs[kInputY].get());
   SetTexture(program, "inputUTexture", 1, state.inputs[kInputUV].get());
@@ -37,7 +38,7 @@ void PassPlanarYuvPack(const RenderState& state, ImageSize size) {
 }
 
 void PassBypass(const RenderState& state, ImageSize size, bool rotate) {
-  const GLuint program = state.programs[ProgramRole::CopyProgram];
+  const LinkedProgram& program = state.programs[ProgramRole::CopyProgram];
   BeginPass(program, 0, size);
   SetTexture(program, "inputImageTexture", 0,
              state.targets.texture(kWorkImage));
@@ -75,7 +76,7 @@ void PassDepthWeight(const RenderState& state, ImageSize size,
 void PassPick3x3(const RenderState& state, ProgramRole program_role,
                  GLuint source_texture, GLuint destination_framebuffer,
                  ImageSize size) {
-  const GLuint program = state.programs[program_role];
+  const LinkedProgram& program = state.programs[program_role];
   BeginPass(program, destination_framebuffer, size);
   SetImageSize(program, size);
   SetUniform(program, "scale", 1.0F);
@@ -85,7 +86,7 @@ void PassPick3x3(const RenderState& state, ProgramRole program_role,
 
 void PassComposite(const RenderState& state, const CompositeInputs& inputs,
                    const Quad& quad) {
-  const GLuint program = state.programs[ProgramRole::CompositeProgram];
+  const LinkedProgram& program = state.programs[ProgramRole::CompositeProgram];
   BeginPass(program, inputs.framebuffer, inputs.output);
   SetUniform(program, "blurTexture4", 6);
   SetUniform(program, "blurLayer", 1);
@@ -97,8 +98,8 @@ void PassComposite(const RenderState& state, const CompositeInputs& inputs,
 
 void PassDebugPicture(const RenderState& state, GLuint picture_texture,
                       DrawRegion region, bool blend) {
-  const GLuint program = state.programs[ProgramRole::CopyProgram];
-  glUseProgram(program);
+  const LinkedProgram& program = state.programs[ProgramRole::CopyProgram];
+  glUseProgram(program.name());
   glBindFramebuffer(GL_FRAMEBUFFER, state.targets.framebuffer(kOutputTarget));
   SetViewport(region);
   if (blend) {

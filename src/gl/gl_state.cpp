@@ -66,7 +66,7 @@ PlainGlState::PlainGlState() : is_es3_(IsEs3()) {
     glGetIntegerv(kBuffers[i].binding, &buffers_[i]);
     glBindBuffer(kBuffers[i].target, 0);
   }
-  for (GLuint i = 0; i < kDrawnAttributeCount; ++i) attributes_[i].emplace(i);
+  for (GLuint i = 0; i < kMaxAttributes; ++i) attributes_[i].emplace(i);
   for (size_t i = 0; i < (is_es3_ ? kPixelStore.size() : kEs2PixelStore); ++i) {
     glGetIntegerv(kPixelStore[i].name, &pixel_store_[i]);
     glPixelStorei(kPixelStore[i].name, kPixelStore[i].set);

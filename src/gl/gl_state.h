@@ -8,12 +8,10 @@
 #include <cstddef>
 #include <optional>
 
+#include "gl/program.h"
 #include "gl/vertex_attribute.h"
 
 namespace zuqel {
-
-// Vertex attributes that programs are linked to use: 0 and 1.
-inline constexpr GLuint kDrawnAttributeCount = 2;
 
 // While it lives, draws take their vertices from client memory and fill whole
 // viewports, and transfers move rows without padding from and to client memory:
@@ -37,8 +35,7 @@ class PlainGlState {
 
   bool is_es3_;
   GLint vertex_array_ = 0;
-  std::array<std::optional<SavedVertexAttribute>, kDrawnAttributeCount>
-      attributes_;
+  std::array<std::optional<SavedVertexAttribute>, kMaxAttributes> attributes_;
   std::array<GLint, kBufferCount> buffers_ = {};
   std::array<GLint, kPixelStoreCount> pixel_store_ = {};
   std::array<GLboolean, kSwitchCount> switches_ = {};

@@ -1,5 +1,7 @@
-// Compiles and links programs.
+// Compiles and links programs, and looks up their inputs.
 #include "gl/program.h"
+
+#include <utility>
 
 namespace zuqel {
 namespace {
@@ -26,6 +28,22 @@ Program BuildProgram(const ProgramSource& source, AttributeNames attributes) {
   glDetachShader(program.get(), vertex.get());
   glDetachShader(program.get(), fragment.get());
   return program;
+}
+
+LinkedProgram::LinkedProgram() {
+  attributes_.fill(-1);
+  uniforms_.fill(-1);
+}
+
+LinkedProgram::LinkedProgram(Program program, const ProgramInterface& interface)
+    : LinkedProgram() {
+  program_ = std::move(program);
+  for (size_t i = 0; i < interface.attributes.size(); ++i) {
+    attributes_[i] = glGetAttribLocation(name(), interface.attributes[i]);
+  }
+  for (size_t i = 0; i < interface.uniforms.size(); ++i) {
+    uniforms_[i] = glGetUniformLocation(name(), interface.uniforms[i]);
+  }
 }
 
 }  // namespace zuqel

@@ -9,7 +9,6 @@
 #include <utility>
 
 #include "base/log.h"
-#include "render/quad.h"
 
 namespace zuqel {
 namespace {
@@ -48,13 +47,13 @@ void Rebuild(std::span<uint8_t, kProgramCacheBytes> cache) {
   // of old caches rely on where everything lies.
   const size_t built_twice = EntryOf(Nv21ToRgbProgram);
   std::array<CacheStep, kEntryOrder.size() + 1> steps;
-  auto step = steps.begin();
+  CacheStep* step = steps.data();
   for (const size_t entry : kEntryOrder) {
     const ProgramSource& source = RowOfEntry(entry).source;
     if (entry == built_twice) *step++ = {&source, EntryOf(Nv21PackProgram)};
     *step++ = {&source, entry};
   }
-  BuildProgramCache(steps, kQuadAttributes, cache);
+  BuildProgramCache(steps, kAttributeNames, cache);
 }
 
 }  // namespace

@@ -3,12 +3,12 @@
 
 namespace zuqel {
 
-void SetUniform(GLuint program, const char* name, GLint value) {
-  glUniform1i(glGetUniformLocation(program, name), value);
+void SetUniform(const LinkedProgram& program, Uniform uniform, GLint value) {
+  glUniform1i(uniform.LocationIn(program), value);
 }
 
-void SetUniform(GLuint program, const char* name, GLfloat value) {
-  glUniform1f(glGetUniformLocation(program, name), value);
+void SetUniform(const LinkedProgram& program, Uniform uniform, GLfloat value) {
+  glUniform1f(uniform.LocationIn(program), value);
 }
 
 void SetViewport(DrawRegion region) {
@@ -16,28 +16,29 @@ void SetViewport(DrawRegion region) {
              region.height == 0 ? 1 : region.height);
 }
 
-void BeginPass(GLuint program, GLuint framebuffer, ImageSize size) {
-  glUseProgram(program);
+void BeginPass(const LinkedProgram& program, GLuint framebuffer,
+               ImageSize size) {
+  glUseProgram(program.name());
   glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   SetViewport({0, 0, size.width, size.height});
 }
 
-void SetTexture(GLuint program, const char* sampler, GLint unit,
+void SetTexture(const LinkedProgram& program, Uniform sampler, GLint unit,
                 GLuint texture) {
   glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
   glBindTexture(GL_TEXTURE_2D, texture);
   SetUniform(program, sampler, unit);
 }
 
-void SetImageSize(GLuint program, ImageSize size) {
+void SetImageSize(const LinkedProgram& program, ImageSize size) {
   SetUniform(program, "fWidth", static_cast<GLfloat>(size.width));
   SetUniform(program, "fHeight", static_cast<GLfloat>(size.height));
 }
 
 void DrawDepthWeight(const DepthWeightDraw& draw,
                      const DepthWeightUniforms& uniforms) {
-  const GLuint program = draw.program;
+  const LinkedProgram& program = draw.program;
   BeginPass(program, draw.framebuffer, draw.size);
   SetTexture(program, "depthTexture", 4, draw.depth_texture);
   SetUniform(program, "depthTexture2", 5);
@@ -52,7 +53,7 @@ void DrawDepthWeight(const DepthWeightDraw& draw,
 }
 
 void DrawBlur(const BlurDraw& draw, const Quad& quad) {
-  const GLuint program = draw.program;
+  const LinkedProgram& program = draw.program;
   BeginPass(program, draw.framebuffer, draw.viewport);
   SetImageSize(program, draw.image);
   SetUniform(program, "myscale", draw.scale);

@@ -1,7 +1,6 @@
 // What passes are made of: uniforms, textures, targets, and the draws that the
 // frames and the refocus maps have in common. Needs PlainGlState. Uniforms are
-// set by name at each draw; a name that the compiler has dropped has no
-// location, which GL ignores.
+// set at each draw.
 #ifndef ZUQEL_RENDER_PASS_DRAWS_H_
 #define ZUQEL_RENDER_PASS_DRAWS_H_
 
@@ -10,6 +9,7 @@
 #include <cstdint>
 
 #include "base/image_size.h"
+#include "render/program_inputs.h"
 #include "render/quad.h"
 
 namespace zuqel {
@@ -22,21 +22,22 @@ struct DrawRegion {
   int32_t height = 0;
 };
 
-void SetUniform(GLuint program, const char* name, GLint value);
-void SetUniform(GLuint program, const char* name, GLfloat value);
+void SetUniform(const LinkedProgram& program, Uniform uniform, GLint value);
+void SetUniform(const LinkedProgram& program, Uniform uniform, GLfloat value);
 
 // Binds a texture to a unit and tells a sampler of the program.
-void SetTexture(GLuint program, const char* sampler, GLint unit,
+void SetTexture(const LinkedProgram& program, Uniform sampler, GLint unit,
                 GLuint texture);
 
 // Sets the size that shaders step texels by.
-void SetImageSize(GLuint program, ImageSize size);
+void SetImageSize(const LinkedProgram& program, ImageSize size);
 
 // A height of 0 counts as 1.
 void SetViewport(DrawRegion region);
 
 // Takes `program` into use and clears a target of `size`.
-void BeginPass(GLuint program, GLuint framebuffer, ImageSize size);
+void BeginPass(const LinkedProgram& program, GLuint framebuffer,
+               ImageSize size);
 
 struct DepthWeightUniforms {
   float mouse_x = 0;
@@ -50,7 +51,7 @@ struct DepthWeightUniforms {
 // Weights from packed disparity, by DepthWeightProgram or
 // AllInFocusWeightProgram.
 struct DepthWeightDraw {
-  GLuint program = 0;
+  const LinkedProgram& program;
   GLuint framebuffer = 0;
   GLuint depth_texture = 0;
   ImageSize size;
@@ -61,7 +62,7 @@ void DrawDepthWeight(const DepthWeightDraw& draw,
 // One direction of a separable blur, by BlurHProgram or BlurVProgram. `scale`
 // is its reach to either side in texels of an image of `image` pixels.
 struct BlurDraw {
-  GLuint program = 0;
+  const LinkedProgram& program;
   GLuint framebuffer = 0;
   GLuint source_texture = 0;
   ImageSize viewport;

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "gl/vertex_attribute.h"
+#include "render/program_inputs.h"
 
 namespace zuqel {
 namespace {
@@ -18,11 +19,10 @@ constexpr std::array<GLfloat, 16> kIdentity = {1, 0, 0, 0, 0, 1, 0, 0,
 // PlainGlState does not cover is restored here.
 class ClientAttribute {
  public:
-  ClientAttribute(GLuint program, const char* name,
-                  const std::array<GLfloat, 8>& values)
-      : location_(glGetAttribLocation(program, name)) {
+  ClientAttribute(GLint location, const std::array<GLfloat, 8>& values)
+      : location_(location) {
     if (location_ < 0) return;  // the program did not link
-    if (location_ >= GLint{kDrawnAttributeCount}) {
+    if (location_ >= GLint{kMaxAttributes}) {
       saved_.emplace(static_cast<GLuint>(location_));
     }
     glEnableVertexAttribArray(static_cast<GLuint>(location_));
@@ -43,11 +43,11 @@ class ClientAttribute {
 
 }  // namespace
 
-void DrawQuad(GLuint program, const Quad& quad) {
-  const ClientAttribute positions(program, kQuadAttributes[0], quad.positions);
-  const ClientAttribute coordinates(program, kQuadAttributes[1],
+void DrawQuad(const LinkedProgram& program, const Quad& quad) {
+  const ClientAttribute positions(program.attribute(0), quad.positions);
+  const ClientAttribute coordinates(program.attribute(1),
                                     quad.texture_coordinates);
-  glUniformMatrix4fv(glGetUniformLocation(program, "projection"), 1, GL_FALSE,
+  glUniformMatrix4fv(Uniform("projection").LocationIn(program), 1, GL_FALSE,
                      kIdentity.data());
   glDrawElements(GL_TRIANGLE_FAN, kVertexCount, GL_UNSIGNED_SHORT,
                  kIndices.data());

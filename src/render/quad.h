@@ -6,14 +6,9 @@
 
 #include <array>
 
-#include "gl/gl_state.h"
+#include "gl/program.h"
 
 namespace zuqel {
-
-// Attributes of the vertices, in the order of `Quad`. Programs are linked with
-// them at 0 and 1, which PlainGlState restores.
-inline constexpr std::array<const char*, kDrawnAttributeCount> kQuadAttributes =
-    {"position", "inputTextureCoordinate"};
 
 // Four vertices in the order of a triangle fan: x, y and s, t of each.
 struct Quad {
@@ -41,7 +36,7 @@ inline constexpr Quad kQuadConversion = {{-1, -1, 1, -1, 1, 1, -1, 1},
 
 // Draws the quad with `program`, which is in use. Vertices come from client
 // memory: needs PlainGlState.
-void DrawQuad(GLuint program, const Quad& quad);
+void DrawQuad(const LinkedProgram& program, const Quad& quad);
 
 }  // namespace zuqel
 

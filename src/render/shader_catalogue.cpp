@@ -4,7 +4,6 @@
 #include <algorithm>
 
 #include "gl/program_cache.h"
-#include "render/quad.h"
 #include "shader_sources.h"
 
 namespace zuqel {
@@ -31,7 +30,7 @@ static_assert(EachEntryHasOneProgram());
 }  // namespace
 
 void ProgramTable::Build(ProgramRole role) {
-  Set(role, BuildProgram(RowOf(role).source, kQuadAttributes));
+  Set(role, BuildProgram(RowOf(role).source, kAttributeNames));
 }
 
 void ProgramTable::BuildAll() {
@@ -39,11 +38,11 @@ void ProgramTable::BuildAll() {
 }
 
 void ProgramTable::DeleteAll() {
-  for (Program& program : programs_) program.Delete();
+  for (LinkedProgram& program : programs_) program = {};
 }
 
 void ProgramTable::Forget() {
-  for (Program& program : programs_) program.Forget();
+  for (LinkedProgram& program : programs_) program.Forget();
 }
 
 }  // namespace zuqel

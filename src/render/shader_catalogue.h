@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "gl/program.h"
+#include "render/program_inputs.h"
 
 namespace zuqel {
 
@@ -32,9 +33,10 @@ enum class ProgramRole {
 #undef ZUQEL_ROLE
 };
 
-#define ZUQEL_COUNT(role, vertex, fragment, entry) +1
-inline constexpr size_t kProgramCount = ZUQEL_PROGRAMS(ZUQEL_COUNT);
-#undef ZUQEL_COUNT
+#define ZUQEL_ROLE(role, vertex, fragment, entry) ProgramRole::role,
+inline constexpr size_t kProgramCount =
+    std::to_array({ZUQEL_PROGRAMS(ZUQEL_ROLE)}).size();
+#undef ZUQEL_ROLE
 
 struct ProgramRow {
   ProgramRole role;
@@ -55,18 +57,19 @@ class ProgramTable {
   void BuildAll();
   void Build(ProgramRole role);
   void Set(ProgramRole role, Program program) {
-    programs_[static_cast<size_t>(role)] = std::move(program);
+    programs_[static_cast<size_t>(role)] =
+        LinkedProgram(std::move(program), kProgramInterface);
   }
   void DeleteAll();
   // Lets go of names that died with their context.
   void Forget();
 
-  [[nodiscard]] GLuint operator[](ProgramRole role) const {
-    return programs_[static_cast<size_t>(role)].get();
+  [[nodiscard]] const LinkedProgram& operator[](ProgramRole role) const {
+    return programs_[static_cast<size_t>(role)];
   }
 
  private:
-  std::array<Program, kProgramCount> programs_;
+  std::array<LinkedProgram, kProgramCount> programs_;
 };
 
 }  // namespace zuqel
