@@ -18,7 +18,7 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// Records begin at first + k * stride, and their values lie `values` behind.
+// Record k begins at first + k * stride, its values `values` bytes later.
 struct Form {
   size_t plain, sealed;
   int kind;
@@ -79,7 +79,7 @@ TEST_F(CalibrationCommand, SealedContainersInspectLikePlainOnes) {
   for (const Form& form : kForms) {
     SCOPED_TRACE(form.plain);
     WriteBytes(folder_ / "p.bin", MakeContainer(form));
-    // A nonce of its own each time.
+    // Each time with another nonce.
     ASSERT_EQ(Run("seal p.bin --key key.bin -o t.bin").exit_code, 0);
     EXPECT_EQ(Run("seal p.bin --key key.hex -o s.bin").out,
               "wrote s.bin (" + std::to_string(form.sealed) + " bytes)\n");
@@ -109,7 +109,7 @@ TEST_F(CalibrationCommand, RefusesBadInputInOneLine) {
   const std::string seal_options = " --key key.hex -o kept.bin";
   ExpectRefused("seal key.hex" + seal_options, "key.hex: has 65 bytes");
   ExpectRefused("seal sealed.bin" + seal_options, "is encrypted already");
-  ExpectRefused("seal plain.bin --key plain.bin -o kept.bin", "is no key");
+  ExpectRefused("seal plain.bin --key plain.bin -o kept.bin", "is not a key");
   EXPECT_EQ(ReadText(folder_ / "kept.bin"), "old");
 }
 

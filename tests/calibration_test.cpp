@@ -1,4 +1,4 @@
-// Containers, keys, the choice of a record, and the values taken from it.
+// Decoding: containers, keys, the choice of a record, camera values, wiping.
 #include "calib/calibration.h"
 
 #include <gtest/gtest.h>
@@ -30,9 +30,8 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-// A container: units of so many bytes, `first` bytes before them, and what lies
-// between two of them. An encrypted unit begins with a nonce and 4 bytes; its
-// tag comes behind it.
+// A container: unit k begins at first + k * stride. A sealed unit is a nonce,
+// 4 zeros, the encrypted bytes and their tag.
 struct Form {
   size_t length;
   bool sealed;
@@ -56,11 +55,16 @@ constexpr auto kForms = std::to_array<Form>({
     {2080, true, 4, 1, 0, 0, 2048, 512},
 });
 
+const Form& FormOf(size_t length) {
+  return *std::ranges::find(kForms, length, &Form::length);
+}
+
 Bytes MakeKey(uint8_t first) {
   Bytes key(kAesKeySize);
   for (uint8_t& byte : key) byte = first++;
   return key;
 }
+
 Bytes RecordKey() {
   return MakeKey(7);
 }
@@ -100,7 +104,7 @@ void PutHeader(Bytes& unit, const Header& header) {
   Put(unit, 244, header.second_count);
 }
 
-// Units that are told apart by every byte but those of the header.
+// Units that differ in every byte past the header.
 std::vector<Bytes> MakeUnits(const Form& form) {
   std::vector<Bytes> units(form.count, Bytes(form.unit_size));
   for (size_t k = 0; k < form.count; ++k) {
@@ -117,7 +121,7 @@ Bytes Join(Bytes a, const Bytes& b) {
   return a;
 }
 
-// What is not a unit is 0xEE.
+// Bytes outside the units are 0xEE.
 Bytes MakeContainer(const Form& form, const std::vector<Bytes>& units) {
   Bytes container(form.length, 0xEE);
   for (size_t k = 0; k < units.size(); ++k) {
@@ -135,8 +139,7 @@ Bytes MakeContainer(const Form& form, const std::vector<Bytes>& units) {
   return container;
 }
 
-// What reaches the decoder; an absent block is a null one of a size that means
-// nothing.
+// The decoder's arguments. An absent block is null, with a size to be ignored.
 struct Blocks {
   std::optional<Bytes> a = {}, b = {};
   std::optional<Bytes> general_key = {}, kind4_key = {};
@@ -147,8 +150,8 @@ struct Decoded {
   CalibrationRecord record;
 };
 
-// Nothing readable follows either block, and a record that was used before must
-// not shine through.
+// Reading past either block ends the program. The record starts out full of
+// 0xEE, of which nothing may be left.
 Decoded Decode(const Blocks& blocks, CalibrationInput input = {}) {
   const Bytes a = blocks.a.value_or(Bytes()), b = blocks.b.value_or(Bytes());
   const GuardedMemory<uint8_t> guarded_a(a), guarded_b(b);
@@ -220,7 +223,7 @@ TEST(Calibration, EveryContainerAndWayToItsKey) {
                      k);
       }
     }
-    // A single record is taken whatever the index.
+    // A single record is picked whatever the index.
     for (const uint32_t index : {static_cast<uint32_t>(form.count), ~1U}) {
       EXPECT_EQ(Decode(ways[0], {.forced_index = index}).status,
                 form.count == 1 ? ZUQEL_SUCCESS : ZUQEL_CALIB_BAD_LENGTH);
@@ -249,8 +252,9 @@ TEST(Calibration, EveryOtherLengthIsRefused) {
 TEST(Calibration, KeysAndBlocksInOrder) {
   const Bytes plain(464), empty, key = RecordKey(), other = OtherKey();
   const Bytes wrapped = Wrap(other, key);
-  const Bytes sealed = MakeContainer(kForms[8], MakeUnits(kForms[8]));
-  const Bytes kind4 = MakeContainer(kForms[13], MakeUnits(kForms[13]));
+  const Form &form = FormOf(496), &kind4_form = FormOf(2080);
+  const Bytes sealed = MakeContainer(form, MakeUnits(form));
+  const Bytes kind4 = MakeContainer(kind4_form, MakeUnits(kind4_form));
   const Bytes short_wrapped(wrapped.begin(), wrapped.end() - 1);
   const Bytes both = Join(wrapped, plain), longer = Join(wrapped, Bytes(1));
   const auto none = std::nullopt;
@@ -277,8 +281,8 @@ TEST(Calibration, KeysAndBlocksInOrder) {
       {"other wrapping key", {plain, wrapped, key}, ZUQEL_CALIB_NO_KEY},
       {"short wrap", {plain, short_wrapped, other}, ZUQEL_CALIB_NO_KEY},
       {"before payload", {none, both, key}, ZUQEL_CALIB_NO_KEY},
-      {"nothing behind", {none, wrapped, other}, ZUQEL_CALIB_NO_PAYLOAD},
-      {"one byte behind", {none, longer, other}, ZUQEL_CALIB_BAD_LENGTH},
+      {"nothing follows", {none, wrapped, other}, ZUQEL_CALIB_NO_PAYLOAD},
+      {"one byte follows", {none, longer, other}, ZUQEL_CALIB_BAD_LENGTH},
       {"first first", {Bytes(1), both, other}, ZUQEL_CALIB_BAD_LENGTH},
   };
   for (const Case& row : cases) {
@@ -286,12 +290,12 @@ TEST(Calibration, KeysAndBlocksInOrder) {
   }
 }
 
-// The bits that do not count are those of the header and the gaps.
+// Only the bits of the header and of the gaps do not count.
 TEST(Calibration, OneWrongBitIsRefused) {
   for (const Form& form : kForms) {
     if (!form.sealed) continue;
     Bytes container = MakeContainer(form, MakeUnits(form));
-    // Every byte of many records, else every bit.
+    // One bit in seven, in each byte, of several records; otherwise every bit.
     const size_t step = form.count > 1 ? 7 : 1;
     for (size_t bit = 0; bit < container.size() * 8; bit += step) {
       const size_t i = bit / 8;
@@ -322,19 +326,20 @@ TEST(Calibration, HeadersOfKindThree) {
       {{2, 5, 5, INT32_MIN}, ZUQEL_CALIB_BAD_SECOND_COUNT},
   });
   for (size_t i = 0; i < kCases.size(); ++i) {
-    for (const Form& form : {kForms[11], kForms[12]}) {
-      // The last one counts although the first is taken.
+    for (const Form& form : {FormOf(544), FormOf(1643)}) {
+      // The last one is checked although the first is picked.
       std::vector<Bytes> units = MakeUnits(form);
       PutHeader(units.back(), kCases.at(i).first);
       EXPECT_EQ(StatusOf(MakeContainer(form, units)), kCases.at(i).second) << i;
     }
   }
-  // The first failure counts: records are opened and checked one by one.
-  std::vector<Bytes> units = MakeUnits(kForms[12]);
+  // The first failure is returned: each record is decrypted, then checked.
+  const Form& three = FormOf(1643);
+  std::vector<Bytes> units = MakeUnits(three);
   PutHeader(units[1], {1, 5, 5, 5});
   for (const size_t damaged : {size_t{0}, size_t{2}}) {
-    Bytes container = MakeContainer(kForms[12], units);
-    container[7 + damaged * kForms[12].stride] ^= 1;
+    Bytes container = MakeContainer(three, units);
+    container[7 + damaged * three.stride] ^= 1;
     EXPECT_EQ(StatusOf(container), damaged == 0 ? ZUQEL_CALIB_NOT_DECRYPTED
                                                 : ZUQEL_CALIB_BAD_VERSION);
   }
@@ -360,10 +365,10 @@ TEST(Calibration, LensPositionChoosesAmongThree) {
       {"offset", kRising, 50, 1000, 1240, 1},
       {"tie of 1 and 2 is 1", {4, 3, 3}, 50, 0, 999, 1},
       {"2 must beat the better of both", {3, 4, 4}, 50, 0, 100, 1},
-      // 12.5 and 12.9 are both cut to 12.
-      {"cut, not rounded", {18, 17.5F, 4}, 50, 0, 13, 0},
-      // -25 and -25.3 are both cut to -25.
-      {"cut toward zero below it", {10, 9.9F, 4}, -50, 0, -26, 0},
+      // 12.5 and 12.9 both become 12.
+      {"truncated, not rounded", {18, 17.5F, 4}, 50, 0, 13, 0},
+      // -25 and -25.3 both become -25.
+      {"truncated toward zero when negative", {10, 9.9F, 4}, -50, 0, -26, 0},
       {"saturated above", {2, 3, 4}, 50, 0, INT32_MAX, 0},
       {"saturated below", {2, 3, 4}, -50, 0, INT32_MIN, 0},
       {"64-bit distance", {2, 4, 4}, 50, 0, INT32_MIN, 1},
@@ -475,7 +480,7 @@ TEST(Calibration, StackKeepsNoSecrets) {
         .block_b_size = static_cast<uint32_t>(wrapped.size()),
         .selector = 1,
         .default_keys = keys};
-    // A picture of this size is refused, once the calibration has been taken.
+    // A picture of this size is refused after the calibration was decoded.
     GLInitInfo info = {};
     info.PreviewWidth = info.PreviewHeight = 1 << 20;
     uint32_t status = 0;
@@ -491,7 +496,7 @@ TEST(Calibration, StackKeepsNoSecrets) {
     const auto keep_unit = [&] {
       std::array<uint8_t, 512> kept = {};
       std::copy_n(units.back().end() - 200, 200, kept.begin());
-      // The compiler has to take it that something reads them.
+      // As far as the compiler knows, this reads them.
       asm volatile("" : : "r"(kept.data()) : "memory");
     };
 

@@ -30,7 +30,7 @@ Bytes FromHex(const std::string& text) {
   return bytes;
 }
 
-// Both standards have it in their examples.
+// The key of the examples in both standards.
 Bytes ExampleKey() {
   return FromHex(
       "000102030405060708090a0b0c0d0e0f101112131415161718191a1b1c1d1e1f");
@@ -47,7 +47,7 @@ TEST(Cipher, AesExampleOfTheStandard) {
   EXPECT_EQ(data, plain);
 }
 
-// Values by their names; "FAIL" is there when the vector must be refused.
+// Values by name. There is a "FAIL" where the vector must be refused.
 using Vector = std::map<std::string, Bytes>;
 
 std::vector<Vector> ReadVectors(const std::string& name) {
@@ -81,7 +81,7 @@ TEST(Cipher, GcmVectors) {
       Bytes &data = row["CT"], &tag = row["Tag"];
       if (nonce.size() != kGcmNonceSize || tag.size() != kGcmTagSize) continue;
       const bool must_fail = row.contains("FAIL");
-      // The data lies against a protected page, as foreign data might.
+      // Reading past the data ends the program.
       const GuardedMemory<uint8_t> copy{std::span<const uint8_t>(data)};
       ASSERT_EQ(
           GcmOpen(Aes256(AesKey(key)), GcmNonce(nonce), added, copy.span(),
@@ -100,7 +100,7 @@ TEST(Cipher, GcmVectors) {
   EXPECT_GE(refused, 100U);
 }
 
-// The example of the standard; no bit of it may change.
+// The example of the standard, and each of its bits flipped.
 TEST(Cipher, KeyWrapExampleOfTheStandard) {
   const Bytes plain = FromHex(
       "00112233445566778899aabbccddeeff000102030405060708090a0b0c0d0e0f");
@@ -125,7 +125,7 @@ TEST(Cipher, KeyWrapExampleOfTheStandard) {
   }
 }
 
-// Longer than the vectors, and no whole blocks.
+// Longer than the vectors, and not a whole number of blocks.
 TEST(Cipher, SameAsPeer) {
   const Bytes key(32, 0x5A), nonce(12, 0xC3), added(21, 0x0F);
   Bytes data(2099), sealed(data.size() + kGcmTagSize);

@@ -1,4 +1,4 @@
-// zuqel calibration: looks into calibration containers and encrypts them.
+// zuqel calibration: inspects and encrypts calibration containers.
 #include "calib/calibration.h"
 
 #include <zuQelRT_GL.h>
@@ -42,11 +42,11 @@ constexpr std::array<StatusText, 9> kStatusTexts = {{
     {ZUQEL_CALIB_NOT_DECRYPTED,
      "a record does not decrypt: no key, another key, or damage"},
     {ZUQEL_CALIB_BAD_VERSION, "a record's version is below 2"},
-    {ZUQEL_CALIB_BAD_COUNT, "a record's count fits neither of its parts"},
+    {ZUQEL_CALIB_BAD_COUNT, "a record's count equals neither of its parts"},
     {ZUQEL_CALIB_BAD_FIRST_COUNT, "a record's count at byte 4 is below 1"},
     {ZUQEL_CALIB_BAD_SECOND_COUNT, "a record's count at byte 244 is below 1"},
     {ZUQEL_CALIB_NO_BLOCK, "there is nothing to decode"},
-    {ZUQEL_CALIB_NO_PAYLOAD, "there is no container behind the key"},
+    {ZUQEL_CALIB_NO_PAYLOAD, "no container follows the key"},
     {ZUQEL_CALIB_NO_KEY, "the key cannot be unwrapped"},
 }};
 
@@ -59,7 +59,7 @@ std::string Explain(uint32_t status) {
   return text.str();
 }
 
-// The key that a file with 64 hex digits holds.
+// The key in a file of 64 hex digits; nothing for any other file.
 std::optional<calib::Key> ParseKey(const Bytes& file) {
   std::string digits(file.begin(), file.end());
   while (!digits.empty() &&
@@ -79,8 +79,8 @@ std::optional<calib::Key> ParseKey(const Bytes& file) {
   return key;
 }
 
-// Nothing else that a file may hold has the size of 64 hex digits, which would
-// be too little for a container behind a wrapped key.
+// A file of 64 hex digits can be nothing else: a wrapped key and a container
+// are longer.
 Bytes ReadSecondBlock(const std::string& path) {
   const Bytes file = ReadFile(path);
   const std::optional<calib::Key> key = ParseKey(file);
@@ -91,13 +91,13 @@ calib::Key ReadKey(const std::string& path) {
   const Bytes block = ReadSecondBlock(path);
   calib::Key key = {};
   if (block.size() != key.size()) {
-    throw InputError(path + ": is no key; 64 hex digits or 32 bytes are");
+    throw InputError(path + ": is not a key; 64 hex digits or 32 bytes are");
   }
   std::copy(block.begin(), block.end(), key.begin());
   return key;
 }
 
-// What 32 bits cannot count is no container's size either.
+// Saturated: no container has a size past 32 bits.
 uint32_t SizeOf(const Bytes& block) {
   return static_cast<uint32_t>(std::min<size_t>(block.size(), UINT32_MAX));
 }
@@ -144,7 +144,7 @@ void Seal(const SealOptions& options) {
   } catch (const InputError& error) {
     throw InputError(options.container + ": " + error.what());
   }
-  // A container that would be refused is not worth writing.
+  // Write nothing that an initialisation would refuse.
   Decode(options.container,
          {.block_a = sealed.data(),
           .block_a_size = SizeOf(sealed),
@@ -156,20 +156,20 @@ void Seal(const SealOptions& options) {
 
 Command AddInspect(CLI::App& group) {
   CLI::App* app = group.add_subcommand(
-      "inspect", "Print what initialisation takes of a container");
+      "inspect", "Print what initialisation reads from a container");
   auto options = std::make_shared<InspectOptions>();
   app->add_option("FILE", options->container,
-                  "The container, plain or encrypted; empty when it lies\n"
-                  "behind the key")
+                  "The container, plain or encrypted; an empty file\n"
+                  "when it follows the key")
       ->type_name("")
       ->required();
   app->add_option("--key", options->key,
-                  "64 hex digits, or the second block as the camera module\n"
-                  "has it; else the keys of this build are used")
+                  "64 hex digits, or the camera module's second block; else\n"
+                  "this build's default keys are used")
       ->type_name("FILE");
   app->add_option("--layout", options->layout,
-                  "Arrangement of the camera module, 1 (the default) to 4;\n"
-                  "it picks the half of kind 4")
+                  "Camera layout, 1 (the default) to 4, which picks the\n"
+                  "half of a kind-4 container")
       ->type_name("N")
       ->check(CLI::Range(1, 4));
   app->footer(
@@ -200,10 +200,10 @@ Command AddSeal(CLI::App& group) {
 
 Command AddCalibrationCommand(CLI::App& program) {
   CLI::App* app = program.add_subcommand(
-      "calibration", "Look into a calibration container, or encrypt one");
+      "calibration", "Inspect or encrypt a calibration container");
   app->require_subcommand(1);
   app->footer(
-      "`zuqel calibration COMMAND --help` tells more, with an example.");
+      "`zuqel calibration COMMAND --help` has the details and an example.");
   const std::array commands = {AddInspect(*app), AddSeal(*app)};
   return {app, [commands] {
             for (const Command& command : commands) {

@@ -24,7 +24,7 @@ std::array<uint8_t, calib::kGcmNonceSize> RandomNonce() {
   std::array<uint8_t, calib::kGcmNonceSize> nonce = {};
   if (getrandom(nonce.data(), nonce.size(), 0) !=
       static_cast<ssize_t>(nonce.size())) {
-    throw WorkError("the system gives no random numbers");
+    throw WorkError("the system has no random numbers");
   }
   return nonce;
 }
@@ -53,7 +53,7 @@ Container PlainForm(size_t length) {
   return *form;
 }
 
-// Encrypts `plain` into `sealed`, zero so far, which is longer by the overhead.
+// Encrypts `plain` into `sealed`, all zeros so far and longer by the overhead.
 void SealUnit(const calib::Aes256& cipher, const Bytes& plain,
               std::span<uint8_t> sealed) {
   const auto nonce = RandomNonce();
@@ -75,7 +75,7 @@ Bytes SealContainer(const Bytes& plain, const calib::Key& key) {
     const auto source =
         std::span(plain).subspan(from.First() + k * from.Stride());
     const auto target = std::span(sealed).subspan(to.First() + k * to.Stride());
-    // An encrypted unit may be longer; zeros fill it.
+    // An encrypted unit may be longer; it is padded with zeros.
     Bytes unit(to.unit_size);
     std::copy_n(source.begin(), from.unit_size, unit.begin());
     SealUnit(cipher, unit, target.first(to.StoredSize()));

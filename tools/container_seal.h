@@ -7,9 +7,9 @@
 
 namespace zuqel::tools {
 
-// The encrypted container of the same records, each with a nonce from the
-// system's random source. InputError, without a file's name, when `plain` is no
-// plain container.
+// Returns the encrypted container of the same records, each with a nonce from
+// the system's random source. Throws an InputError, which names no file, when
+// `plain` is not a plain container.
 Bytes SealContainer(const Bytes& plain, const calib::Key& key);
 
 }  // namespace zuqel::tools

@@ -1,4 +1,4 @@
-// AES-256, a byte at a time: a calibration holds a few hundred blocks.
+// AES-256, byte by byte: a calibration has a few hundred blocks.
 #include "calib/aes256.h"
 
 #include <algorithm>
@@ -8,8 +8,8 @@
 namespace zuqel::calib {
 namespace {
 
-// Product in GF(2^8) modulo x^8 + x^4 + x^3 + x + 1. What it does depends on
-// `factor` but not on `value`, which may be secret.
+// Product in GF(2^8) modulo x^8 + x^4 + x^3 + x + 1. Branches depend on
+// `factor` only, since `value` may be secret.
 constexpr uint8_t Multiply(uint8_t value, uint8_t factor) {
   uint32_t product = 0;
   for (int bit = 7; bit >= 0; --bit) {
@@ -19,7 +19,7 @@ constexpr uint8_t Multiply(uint8_t value, uint8_t factor) {
   return static_cast<uint8_t>(product);
 }
 
-// x^254, which is 1 / x, and 0 for 0.
+// 1 / x as x^254; 0 for 0.
 constexpr uint8_t Invert(uint8_t x) {
   uint8_t power = x;
   uint8_t inverse = 1;
@@ -54,15 +54,15 @@ constexpr ByteTable Reverse(const ByteTable& table) {
 constexpr ByteTable kSubstitution = MakeSubstitution();
 constexpr ByteTable kInverseSubstitution = Reverse(kSubstitution);
 
-// The state holds its four columns one behind the other. Each byte is replaced
-// from the table, and row r turns by r * `turn` columns to the left.
+// The state is stored by columns. Each byte is replaced by its entry in the
+// table, and row r rotates left by r * `columns`.
 void SubstituteAndShiftRows(AesBlock state, const ByteTable& table,
-                            size_t turn) {
+                            size_t columns) {
   SecretBytes<kAesBlockSize> old;
   std::copy(state.begin(), state.end(), old.values.begin());
   for (size_t i = 0; i < kAesBlockSize; ++i) {
     const size_t row = i % 4;
-    state[i] = table[old.values[(i + 4 * row * turn) % kAesBlockSize]];
+    state[i] = table[old.values[(i + 4 * row * columns) % kAesBlockSize]];
   }
 }
 
@@ -93,14 +93,14 @@ Aes256::Aes256(AesKey key) {
   std::copy(key.begin(), key.end(), bytes.begin());
   uint8_t round_constant = 1;
   for (size_t word = kAesKeySize; word < bytes.size(); word += 4) {
-    const bool is_turned = word % 32 == 0;
+    const bool is_rotated = word % 32 == 0;
     const bool is_substituted = word % 16 == 0;
     for (size_t i = 0; i < 4; ++i) {
-      uint8_t byte = bytes[word - 4 + (is_turned ? (i + 1) % 4 : i)];
+      uint8_t byte = bytes[word - 4 + (is_rotated ? (i + 1) % 4 : i)];
       if (is_substituted) byte = kSubstitution[byte];
       bytes[word + i] = byte ^ bytes[word - kAesKeySize + i];
     }
-    if (is_turned) {
+    if (is_rotated) {
       bytes[word] ^= round_constant;
       round_constant = Multiply(round_constant, 2);
     }

@@ -16,12 +16,12 @@ inline constexpr size_t kAesBlockSize = 16;
 using AesKey = std::span<const uint8_t, kAesKeySize>;
 using AesBlock = std::span<uint8_t, kAesBlockSize>;
 
-// A key ready for use; wiped when it dies.
+// An expanded key; wiped when it dies.
 class Aes256 {
  public:
   explicit Aes256(AesKey key);
 
-  // Both work in place.
+  // In place.
   void Encrypt(AesBlock block) const;
   void Decrypt(AesBlock block) const;
 
@@ -30,7 +30,7 @@ class Aes256 {
 
   void AddRoundKey(AesBlock state, size_t round) const;
 
-  // One block before the first round and one in each.
+  // One for the start and one for each round.
   SecretBytes<kAesBlockSize*(kRounds + 1)> round_keys_;
 };
 

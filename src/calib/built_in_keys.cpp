@@ -1,4 +1,4 @@
-// The default keys, from a header that the build makes of the key files.
+// The default keys, from a header that the build generates from the key files.
 #include "calib/built_in_keys.h"
 
 #include <array>
@@ -11,7 +11,7 @@
 namespace zuqel::calib {
 namespace {
 
-// An empty array stands for a key that was not given.
+// The array is empty when no key file was given.
 template <size_t kSize>
 const Key* KeyOrNull(const std::array<uint8_t, kSize>& bytes) {
   if constexpr (kSize == std::tuple_size_v<Key>) {

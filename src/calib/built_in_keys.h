@@ -1,4 +1,4 @@
-// The default keys that this build of the library was given.
+// The default keys compiled into this build.
 #ifndef ZUQEL_CALIB_BUILT_IN_KEYS_H_
 #define ZUQEL_CALIB_BUILT_IN_KEYS_H_
 
@@ -6,8 +6,8 @@
 
 namespace zuqel::calib {
 
-// Null where the build setting (ZUQEL_DEFAULT_KEY_FILE for the general key,
-// ZUQEL_KIND4_DEFAULT_KEY_FILE for kind 4) was empty.
+// A key is null where its build setting is empty: ZUQEL_DEFAULT_KEY_FILE for
+// the general one, ZUQEL_KIND4_DEFAULT_KEY_FILE for kind 4.
 DefaultKeys BuiltInKeys();
 
 }  // namespace zuqel::calib

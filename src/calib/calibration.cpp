@@ -19,8 +19,8 @@
 namespace zuqel::calib {
 namespace {
 
-// Places of the optical values, from the first of them. The lens-position line
-// and the selection distance mean nothing in a record of kind 4.
+// Offsets of the optical values from the first of them. Kind 4 has neither a
+// lens-position line nor a selection distance.
 constexpr size_t kThirdAt = 0;
 constexpr size_t kFocalLengthDivisorAt = 4;
 constexpr size_t kSlopeAt = 8;
@@ -106,7 +106,7 @@ bool ReadKey(std::span<const uint8_t> block, const Key* wrapping_key,
   return true;
 }
 
-// The container; empty when neither block has one.
+// The container, or nothing when neither block has one.
 std::span<const uint8_t> FindPayload(const CalibrationInput& input) {
   if (input.block_a != nullptr && input.block_a_size != 0) {
     return {input.block_a, input.block_a_size};

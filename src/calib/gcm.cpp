@@ -1,5 +1,5 @@
-// AES-256 in Galois/Counter Mode, a bit at a time and without a table that is
-// looked up by a secret.
+// AES-256 in Galois/Counter Mode. The multiplication goes bit by bit: a table
+// would be indexed by secrets.
 #include "calib/gcm.h"
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 namespace zuqel::calib {
 namespace {
 
-// The counter block of the tag; data begins with the next.
+// Counter of the block that encrypts the tag; data begins at the next one.
 constexpr uint32_t kTagCounter = 1;
 
 uint64_t LoadBigEndian(std::span<const uint8_t, 8> bytes) {
@@ -28,8 +28,8 @@ uint64_t MaskOfLowestBit(uint64_t value) {
   return 0 - (value & 1);
 }
 
-// The sum behind a tag. Elements of GF(2^128) are two words; the top bit of the
-// first is the coefficient of 1.
+// GHASH, the keyed hash that a tag encrypts. An element of GF(2^128) is two
+// words; the top bit of the first is the coefficient of 1.
 class Ghash {
  public:
   explicit Ghash(const Aes256& cipher) {
@@ -39,7 +39,7 @@ class Ghash {
                    LoadBigEndian(std::span(block.values).last<8>())};
   }
 
-  // Zeros fill the last block.
+  // The last block is padded with zeros.
   void Add(std::span<const uint8_t> bytes) {
     while (!bytes.empty()) {
       const size_t size = std::min(bytes.size(), kAesBlockSize);
@@ -87,8 +87,8 @@ class Ghash {
   SecretArray<uint64_t, 2> sum_;
 };
 
-// Adds the key stream that begins at counter block `counter`.
-void AddKeyStream(const Aes256& cipher, GcmNonce nonce, uint32_t counter,
+// XORs the key stream from counter block `counter` on into `data`.
+void XorKeyStream(const Aes256& cipher, GcmNonce nonce, uint32_t counter,
                   std::span<uint8_t> data) {
   SecretBytes<kAesBlockSize> stream;
   for (; !data.empty(); ++counter) {
@@ -105,13 +105,13 @@ void MakeTag(const Aes256& cipher, GcmNonce nonce,
              std::span<const uint8_t> additional,
              std::span<const uint8_t> encrypted,
              std::span<uint8_t, kGcmTagSize> tag) {
-  Ghash sum(cipher);
-  sum.Add(additional);
-  sum.Add(encrypted);
-  sum.AddElement(uint64_t{additional.size()} * 8,
-                 uint64_t{encrypted.size()} * 8);
-  sum.Store(tag);
-  AddKeyStream(cipher, nonce, kTagCounter, tag);
+  Ghash hash(cipher);
+  hash.Add(additional);
+  hash.Add(encrypted);
+  hash.AddElement(uint64_t{additional.size()} * 8,
+                  uint64_t{encrypted.size()} * 8);
+  hash.Store(tag);
+  XorKeyStream(cipher, nonce, kTagCounter, tag);
 }
 
 }  // namespace
@@ -119,21 +119,21 @@ void MakeTag(const Aes256& cipher, GcmNonce nonce,
 void GcmSeal(const Aes256& cipher, GcmNonce nonce,
              std::span<const uint8_t> additional, std::span<uint8_t> data,
              std::span<uint8_t, kGcmTagSize> tag) {
-  AddKeyStream(cipher, nonce, kTagCounter + 1, data);
+  XorKeyStream(cipher, nonce, kTagCounter + 1, data);
   MakeTag(cipher, nonce, additional, data, tag);
 }
 
 bool GcmOpen(const Aes256& cipher, GcmNonce nonce,
              std::span<const uint8_t> additional, std::span<uint8_t> data,
              std::span<const uint8_t, kGcmTagSize> tag) {
-  // The right tag of foreign data would be a forger's prize.
+  // The correct tag of forged data must not be left in memory.
   SecretBytes<kGcmTagSize> expected;
   MakeTag(cipher, nonce, additional, data, expected.values);
   if (!EqualInConstantTime<kGcmTagSize>(expected.values, tag)) {
     Wipe(data);
     return false;
   }
-  AddKeyStream(cipher, nonce, kTagCounter + 1, data);
+  XorKeyStream(cipher, nonce, kTagCounter + 1, data);
   return true;
 }
 

@@ -1,4 +1,4 @@
-// A key encrypted with another key (RFC 3394), both of 256 bits.
+// Unwraps a 256-bit key that was wrapped with another one (RFC 3394).
 #ifndef ZUQEL_CALIB_KEY_WRAP_H_
 #define ZUQEL_CALIB_KEY_WRAP_H_
 
@@ -12,7 +12,8 @@ namespace zuqel::calib {
 
 inline constexpr size_t kWrappedKeySize = kAesKeySize + 8;
 
-// False when `wrapped` was made with another key, or damaged; `key` is wiped.
+// False when `wrapped` was made with another key or is damaged; then `key` is
+// wiped.
 [[nodiscard]] bool UnwrapKey(const Aes256& wrapping_key,
                              std::span<const uint8_t, kWrappedKeySize> wrapped,
                              std::span<uint8_t, kAesKeySize> key);

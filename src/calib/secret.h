@@ -1,4 +1,4 @@
-// Memory that must not outlive its use, and its comparison.
+// Wipes secrets and compares them in constant time.
 #ifndef ZUQEL_CALIB_SECRET_H_
 #define ZUQEL_CALIB_SECRET_H_
 
@@ -9,8 +9,8 @@
 
 namespace zuqel::calib {
 
-// Zeroes memory that dies: as volatile stores the zeros are written although
-// nothing reads them.
+// Writes zeros with volatile stores, which the compiler keeps although nothing
+// reads them.
 template <typename T, size_t kExtent>
 void Wipe(std::span<T, kExtent> values) {
   for (T& value : values) {
@@ -19,7 +19,7 @@ void Wipe(std::span<T, kExtent> values) {
   }
 }
 
-// An array that is zero at first and wiped when it dies.
+// An array that starts as zeros and is wiped when it dies.
 template <typename T, size_t kCount>
 struct SecretArray {
   SecretArray() = default;
@@ -33,7 +33,7 @@ struct SecretArray {
 template <size_t kCount>
 using SecretBytes = SecretArray<uint8_t, kCount>;
 
-// Takes the same time wherever the first difference is.
+// The time taken does not depend on the contents.
 template <size_t kExtent>
 [[nodiscard]] bool EqualInConstantTime(std::span<const uint8_t, kExtent> a,
                                        std::span<const uint8_t, kExtent> b) {
