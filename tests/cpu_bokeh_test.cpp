@@ -8,6 +8,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <numeric>
 #include <set>
 #include <vector>
 
@@ -164,8 +165,7 @@ Plane8 Blurred(const Plane8& image, Blur blur, int32_t argument) {
   return out.Copy();
 }
 
-void CheckBoxBlur(int32_t radius, int32_t width, int32_t height) {
-  const Plane8 image = ExtremeNoise<uint8_t>(width, height, 2);
+void CheckBoxBlur(const Plane8& image, int32_t radius) {
   const int32_t taken = std::clamp(radius, 0, 65535);
   ASSERT_TRUE(
       IsSame(Blurred(image, BoxBlur, radius), reference::BoxBlur(image, taken)))
@@ -177,14 +177,29 @@ TEST(BoxBlur, IsTheMeanOfRowsAndThenOfColumns) {
   for (int32_t radius = -1; radius <= 14; ++radius) {
     for (int32_t width = 0; width <= 13; ++width) {
       for (int32_t height = 0; height <= 13; ++height) {
-        CheckBoxBlur(radius, width, height);
+        CheckBoxBlur(ExtremeNoise<uint8_t>(width, height, 2), radius);
       }
     }
-    CheckBoxBlur(radius, 73, 13);
+    CheckBoxBlur(ExtremeNoise<uint8_t>(73, 13, 2), radius);
   }
-  for (const int32_t radius : {100, 65534, 65535, 70000}) {
-    CheckBoxBlur(radius, 7, 9);
-    CheckBoxBlur(radius, 2000, 3);
+  CheckBoxBlur(ExtremeNoise<uint8_t>(7, 9, 2), 100);
+}
+
+// Around the first of 300 pixels, of which the first is 0 and the last is 1, a
+// box of radius r sums to the sum of all of them and r - 299. So the mean there
+// reaches 1 where that sum reaches r + 300.
+TEST(BoxBlur, CapsTheRadius) {
+  Plane8 row = {300, 1, Bytes(300, 220)};
+  std::fill_n(row.values.begin(), 274, uint8_t{221});
+  row.values.front() = 0;
+  row.values.back() = 1;
+  ASSERT_EQ(std::accumulate(row.values.begin(), row.values.end(), 0),
+            65535 + 299);
+  for (const int32_t radius : {65534, 65535, 65536, 70000}) {
+    CheckBoxBlur(row, radius);
+    Plane8 one_more = row;
+    ++one_more.values[1];
+    CheckBoxBlur(one_more, radius);
   }
 }
 
