@@ -36,9 +36,10 @@ constexpr ByteTable MakeSubstitution() {
   ByteTable table = {};
   for (size_t x = 0; x < table.size(); ++x) {
     const uint8_t inverse = Invert(static_cast<uint8_t>(x));
-    uint8_t sum = 0x63;
-    for (int turn = 0; turn < 5; ++turn) sum ^= std::rotl(inverse, turn);
-    table[x] = sum;
+    // Constants, since standard libraries disagree on the count's signedness.
+    table[x] = static_cast<uint8_t>(
+        0x63 ^ inverse ^ std::rotl(inverse, 1) ^ std::rotl(inverse, 2) ^
+        std::rotl(inverse, 3) ^ std::rotl(inverse, 4));
   }
   return table;
 }
