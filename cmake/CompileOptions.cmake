@@ -7,7 +7,6 @@ target_compile_options(
             -Wextra
             -Wpedantic
             -Wconversion
-            -Werror
             # The same bits on every processor: no fused multiply-add.
             -ffp-contract=off)
 
