@@ -1,5 +1,4 @@
-# Debian for 64-bit Arm, built on another Debian machine by its cross compiler;
-# tests run under emulation.
+# Cross build for 64-bit Arm Debian with GCC; tests run under emulation.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_C_COMPILER aarch64-linux-gnu-gcc)
@@ -11,5 +10,4 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PROGRAM NEVER)
 set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
-# Finds what is built from sources here.
-set(CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR}/linux-arm64)
+set(CMAKE_MODULE_PATH ${CMAKE_CURRENT_LIST_DIR}/from-sources)
