@@ -1,5 +1,5 @@
 // Times the labelling of masks and the clean-ups built on it.
-#include "depth/components.h"
+#include "depth/labelling/components.h"
 
 #include <benchmark/benchmark.h>
 

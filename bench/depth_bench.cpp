@@ -9,8 +9,8 @@
 #include <random>
 #include <vector>
 
-#include "depth/disparity_range.h"
 #include "depth/hole_filling.h"
+#include "depth/statistics.h"
 
 namespace {
 

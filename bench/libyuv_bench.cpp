@@ -8,7 +8,7 @@
 
 #include "bench_images.h"
 #include "compare_images.h"
-#include "cpu_bokeh/resize_plane.h"
+#include "cpu_bokeh/resize/resize_plane.h"
 #include "cpu_bokeh/two_level_blur.h"
 #include "resize_cases.h"
 

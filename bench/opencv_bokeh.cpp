@@ -3,9 +3,9 @@
 
 #include <opencv2/imgproc.hpp>
 
-#include "depth/disparity_range.h"
 #include "depth/focus_mask.h"
 #include "depth/hole_filling.h"
+#include "depth/statistics.h"
 
 namespace zuqel::bench {
 namespace {
@@ -66,7 +66,7 @@ void OpenCvBokeh::MakeMask(const ExpansionFrame& frame) {
   cv::Mat map(disparity.height, disparity.width, CV_16UC1, disparity.data);
   cv::bitwise_and(map, 1023, map);
   FillDisparityHoles(disparity);
-  const DisparityRange range = GetDispRange(disparity, 1);
+  const ValueRange range = GetDispRange(disparity, 1);
   const cv::Point focus(frame.focus_x * disparity.width / frame.luma.width,
                         frame.focus_y * disparity.height / frame.luma.height);
   for (size_t k = 0; k < planes_.size(); ++k) {

@@ -9,7 +9,7 @@
 #include "bokeh_frame.h"
 #include "compare_images.h"
 #include "cpu_bokeh/box_blur.h"
-#include "cpu_bokeh/resize_plane.h"
+#include "cpu_bokeh/resize/resize_plane.h"
 #include "opencv_bokeh.h"
 #include "opencv_images.h"
 #include "resize_cases.h"

@@ -15,7 +15,7 @@
 #include "base/buffer.h"
 #include "bench_masks.h"
 #include "compare_images.h"
-#include "depth/components.h"
+#include "depth/labelling/components.h"
 #include "depth/morphology.h"
 #include "opencv_images.h"
 

@@ -1,6 +1,6 @@
 // Components, clean-ups and filters of masks against their plain forms, on
 // masks that end where a protected page begins.
-#include "depth/components.h"
+#include "depth/labelling/components.h"
 
 #include <gtest/gtest.h>
 

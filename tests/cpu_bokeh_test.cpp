@@ -14,11 +14,11 @@
 
 #include "api/session.h"
 #include "cpu_bokeh/box_blur.h"
-#include "cpu_bokeh/resize_plane.h"
+#include "cpu_bokeh/resize/resize_plane.h"
 #include "depth/component_cleanup.h"
-#include "depth/disparity_range.h"
 #include "depth/focus_mask.h"
 #include "depth/hole_filling.h"
+#include "depth/statistics.h"
 #include "log_capture.h"
 #include "reference_planes.h"
 #include "resize_cases.h"

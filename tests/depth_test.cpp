@@ -11,10 +11,8 @@
 #include <map>
 #include <vector>
 
-#include "depth/disparity_range.h"
-#include "depth/focus_disparity.h"
 #include "depth/hole_filling.h"
-#include "depth/quantised_distance.h"
+#include "depth/statistics.h"
 #include "same_image.h"
 
 namespace zuqel {

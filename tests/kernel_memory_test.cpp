@@ -8,7 +8,7 @@
 
 #include "cpu_bokeh/box_blur.h"
 #include "cpu_bokeh/expansion.h"
-#include "cpu_bokeh/resize_plane.h"
+#include "cpu_bokeh/resize/resize_plane.h"
 #include "cpu_bokeh/two_level_blur.h"
 #include "depth/component_cleanup.h"
 #include "depth/focus_mask.h"

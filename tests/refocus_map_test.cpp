@@ -9,10 +9,9 @@
 #include <vector>
 
 #include "compare.h"
-#include "depth/disparity_range.h"
-#include "depth/focus_disparity.h"
 #include "depth/focus_mask.h"
 #include "depth/hole_filling.h"
+#include "depth/statistics.h"
 #include "fresh_session.h"
 #include "test_scene.h"
 

@@ -9,7 +9,7 @@
 #include "api/session.h"
 #include "base/clock.h"
 #include "base/log.h"
-#include "depth/disparity_range.h"
+#include "depth/statistics.h"
 #include "depth/hole_filling.h"
 #include "frame/focus_dot.h"
 #include "frame/frame_upload.h"

@@ -10,12 +10,10 @@
 #include "api/session.h"
 #include "base/clock.h"
 #include "base/log.h"
-#include "depth/disparity_range.h"
-#include "depth/focus_disparity.h"
+#include "depth/statistics.h"
 #include "depth/focus_mask.h"
 #include "depth/hole_filling.h"
 #include "depth/morphology.h"
-#include "depth/quantised_distance.h"
 #include "gl/gl_state.h"
 #include "render/plane_conversion.h"
 
@@ -23,7 +21,7 @@ namespace {
 
 using zuqel::Buffer;
 using zuqel::BufferRole;
-using zuqel::DisparityRange;
+using zuqel::ValueRange;
 using zuqel::ImageSize;
 using zuqel::Plane;
 using zuqel::ProgramRole;
@@ -48,7 +46,7 @@ struct DisparityCall {
 };
 
 struct DisparityStatistics {
-  DisparityRange range;
+  ValueRange range;
   uint16_t focus = 0;  // the most frequent around the focus point
 };
 
@@ -124,7 +122,7 @@ class DrawScope {
 // Draws the weights of the disparity map on the GPU. `focus` is the disparity
 // in focus.
 void DrawWeights(Session& session, const DisparityCall& call,
-                 ProgramRole program, const DisparityRange& range,
+                 ProgramRole program, const ValueRange& range,
                  uint16_t focus) {
   const auto& render = session.refocus_map.render;
   const auto disparity = DepthPlane<const uint16_t>(session, call.disparity);

@@ -7,9 +7,9 @@
 #include "base/log.h"
 #include "cpu_bokeh/box_blur.h"
 #include "cpu_bokeh/chroma_regions.h"
-#include "depth/disparity_range.h"
 #include "depth/focus_mask.h"
 #include "depth/hole_filling.h"
+#include "depth/statistics.h"
 
 namespace zuqel {
 namespace {
@@ -27,6 +27,24 @@ MaskPoint MapFocus(const ExpansionFrame& frame) {
       ScaleCoordinate(frame.focus_x, frame.luma.width, frame.disparity.width),
       ScaleCoordinate(frame.focus_y, frame.luma.height,
                       frame.disparity.height)};
+}
+
+// A recursive filter. From the fourth call on (`counter` 3), each byte becomes
+// (current + 2 * previous + the one before) / 4, truncated, of masks that were
+// smoothed in turn; the first three calls leave the mask as it is.
+void SmoothOverFrames(int32_t counter, std::array<Buffer, 3>& history,
+                      Plane<uint8_t> mask) {
+  // The counter is negative once it has wrapped.
+  const auto slot = static_cast<size_t>((counter % 3 + 3) % 3);
+  if (counter > 2) {
+    const uint8_t* previous = history[(slot + 2) % 3].bytes();
+    const uint8_t* older = history[(slot + 1) % 3].bytes();
+    for (size_t i = 0; i < mask.size(); ++i) {
+      const uint32_t sum = mask.data[i] + 2U * previous[i] + older[i];
+      mask.data[i] = static_cast<uint8_t>(sum >> 2);
+    }
+  }
+  std::copy_n(mask.data, mask.size(), history[slot].bytes());
 }
 
 class Expansion {
@@ -48,11 +66,15 @@ class Expansion {
     for (Buffer* buffer : {&buffers_.focus_mask, &buffers_.work_mask}) {
       if (!buffer->Reserve(ByteCount(map, 1))) return false;
     }
+    if (!buffers_.reduced_frame.Reserve(ByteCount(map, 3)) ||
+        !ReserveRegionGrowing(map, buffers_.growth) ||
+        !buffers_.cleanup.Reserve(map) || !ReserveBlurs()) {
+      return false;
+    }
     // The history last: the masks in it are kept when anything else fails.
-    return buffers_.reduced_frame.Reserve(ByteCount(map, 3)) &&
-           ReserveRegionGrowing(map, buffers_.growth) &&
-           buffers_.cleanup.Reserve(map) && ReserveBlurs() &&
-           buffers_.history.Reserve(ByteCount(map, 1));
+    return std::all_of(
+        buffers_.mask_history.begin(), buffers_.mask_history.end(),
+        [&](Buffer& slot) { return slot.Reserve(ByteCount(map, 1)); });
   }
 
   bool Run() {
@@ -153,7 +175,7 @@ class Expansion {
         !BoxBlur(mask, kFeatherRadius, buffers_.blur.box, smoothed)) {
       return false;
     }
-    buffers_.history.Smooth(frame_counter_, smoothed);
+    SmoothOverFrames(frame_counter_, buffers_.mask_history, smoothed);
     return ResizePlane(Plane<const uint8_t>(smoothed), buffers_.blur.resize,
                        Over(buffers_.preview_mask, frame_.luma));
   }

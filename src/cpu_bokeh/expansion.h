@@ -2,12 +2,12 @@
 #ifndef ZUQEL_CPU_BOKEH_EXPANSION_H_
 #define ZUQEL_CPU_BOKEH_EXPANSION_H_
 
+#include <array>
 #include <cstdint>
 #include <span>
 
 #include "base/buffer.h"
 #include "base/plane.h"
-#include "cpu_bokeh/mask_history.h"
 #include "cpu_bokeh/two_level_blur.h"
 #include "depth/component_cleanup.h"
 
@@ -15,7 +15,9 @@ namespace zuqel {
 
 // Memory that calls use again, and the masks that they leave for the next.
 struct ExpansionBuffers {
-  MaskHistory history;
+  // Smoothed masks of the last three calls, each in the slot of its number
+  // modulo 3. One that is too small begins anew with zeros.
+  std::array<Buffer, 3> mask_history;
 
   Buffer u_region;
   Buffer v_region;

@@ -7,7 +7,7 @@
 #include "base/buffer.h"
 #include "base/image_size.h"
 #include "base/plane.h"
-#include "cpu_bokeh/resize_plane.h"
+#include "cpu_bokeh/resize/resize_plane.h"
 
 namespace zuqel {
 

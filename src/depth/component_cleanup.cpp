@@ -8,7 +8,7 @@
 #include <cstring>
 #include <span>
 
-#include "depth/components.h"
+#include "depth/labelling/components.h"
 
 namespace zuqel {
 namespace {

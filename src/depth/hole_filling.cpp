@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "depth/disparity_range.h"
+#include "depth/statistics.h"
 
 namespace zuqel {
 namespace {

@@ -1,6 +1,6 @@
 // Changes the size of a plane.
-#ifndef ZUQEL_CPU_BOKEH_RESIZE_PLANE_H_
-#define ZUQEL_CPU_BOKEH_RESIZE_PLANE_H_
+#ifndef ZUQEL_CPU_BOKEH_RESIZE_RESIZE_PLANE_H_
+#define ZUQEL_CPU_BOKEH_RESIZE_RESIZE_PLANE_H_
 
 #include <array>
 #include <cstdint>
@@ -8,13 +8,13 @@
 #include "base/buffer.h"
 #include "base/image_size.h"
 #include "base/plane.h"
-#include "cpu_bokeh/resize_general.h"
+#include "cpu_bokeh/resize/resize_by_taps.h"
 
 namespace zuqel {
 
 // Memory that resizing uses again.
 struct ResizeScratch {
-  GeneralScratch general;
+  TapScratch taps;
   std::array<Buffer, 2> between;  // planes between the steps of a chain
 };
 
@@ -42,4 +42,4 @@ template <typename Sample>
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_CPU_BOKEH_RESIZE_PLANE_H_
+#endif  // ZUQEL_CPU_BOKEH_RESIZE_RESIZE_PLANE_H_

@@ -1,12 +1,12 @@
 // Provisional labels of the runs of a mask.
-#ifndef ZUQEL_DEPTH_RUN_LABELLING_H_
-#define ZUQEL_DEPTH_RUN_LABELLING_H_
+#ifndef ZUQEL_DEPTH_LABELLING_RUN_LABELLING_H_
+#define ZUQEL_DEPTH_LABELLING_RUN_LABELLING_H_
 
 #include <cstddef>
 #include <cstdint>
 
-#include "depth/label_sets.h"
-#include "depth/mask_bits.h"
+#include "depth/labelling/label_sets.h"
+#include "depth/labelling/mask_bits.h"
 
 namespace zuqel {
 
@@ -62,4 +62,4 @@ class RunLabelling {
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_DEPTH_RUN_LABELLING_H_
+#endif  // ZUQEL_DEPTH_LABELLING_RUN_LABELLING_H_

@@ -1,5 +1,5 @@
 // Weighted sums of rows, then of the samples in a row.
-#include "cpu_bokeh/resize_general.h"
+#include "cpu_bokeh/resize/resize_by_taps.h"
 
 #include <algorithm>
 #include <array>
@@ -113,7 +113,7 @@ void ResizeRow(const Lane<Sample>* row, const AxisTaps& columns, int32_t width,
 }  // namespace
 
 template <typename Sample>
-bool ReserveGeneral(ImageSize from, ImageSize to, GeneralScratch& scratch) {
+bool ReserveTaps(ImageSize from, ImageSize to, TapScratch& scratch) {
   const auto row_bytes = ByteCount(from.width, 1, sizeof(Lane<Sample>));
   constexpr size_t kBehind = AxisTaps::kPadded * sizeof(Lane<Sample>);
   return row_bytes && scratch.row.Reserve(*row_bytes + kBehind) &&
@@ -122,8 +122,8 @@ bool ReserveGeneral(ImageSize from, ImageSize to, GeneralScratch& scratch) {
 }
 
 template <typename Sample>
-void ResizeGeneral(Plane<const Sample> in, RowFunction<Sample> resize_row,
-                   GeneralScratch& scratch, Plane<Sample> out) {
+void ResizeByTaps(Plane<const Sample> in, RowFunction<Sample> resize_row,
+                  TapScratch& scratch, Plane<Sample> out) {
   if constexpr (sizeof(Sample) == 1) {
     if (resize_row == nullptr) resize_row = RowOfWalk(in.width, out.width);
   }
@@ -141,11 +141,11 @@ void ResizeGeneral(Plane<const Sample> in, RowFunction<Sample> resize_row,
   }
 }
 
-template bool ReserveGeneral<uint8_t>(ImageSize, ImageSize, GeneralScratch&);
-template bool ReserveGeneral<uint16_t>(ImageSize, ImageSize, GeneralScratch&);
-template void ResizeGeneral(Plane<const uint8_t>, RowFunction<uint8_t>,
-                            GeneralScratch&, Plane<uint8_t>);
-template void ResizeGeneral(Plane<const uint16_t>, RowFunction<uint16_t>,
-                            GeneralScratch&, Plane<uint16_t>);
+template bool ReserveTaps<uint8_t>(ImageSize, ImageSize, TapScratch&);
+template bool ReserveTaps<uint16_t>(ImageSize, ImageSize, TapScratch&);
+template void ResizeByTaps(Plane<const uint8_t>, RowFunction<uint8_t>,
+                           TapScratch&, Plane<uint8_t>);
+template void ResizeByTaps(Plane<const uint16_t>, RowFunction<uint16_t>,
+                           TapScratch&, Plane<uint16_t>);
 
 }  // namespace zuqel

@@ -1,5 +1,5 @@
 // Gathers pixels as bits, eight by a multiplication.
-#include "depth/mask_bits.h"
+#include "depth/labelling/mask_bits.h"
 
 #include <algorithm>
 #include <cstring>

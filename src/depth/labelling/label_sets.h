@@ -1,6 +1,6 @@
 // Sets of labels that were found to belong together.
-#ifndef ZUQEL_DEPTH_LABEL_SETS_H_
-#define ZUQEL_DEPTH_LABEL_SETS_H_
+#ifndef ZUQEL_DEPTH_LABELLING_LABEL_SETS_H_
+#define ZUQEL_DEPTH_LABELLING_LABEL_SETS_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -49,4 +49,4 @@ class LabelSets {
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_DEPTH_LABEL_SETS_H_
+#endif  // ZUQEL_DEPTH_LABELLING_LABEL_SETS_H_

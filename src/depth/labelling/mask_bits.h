@@ -1,6 +1,6 @@
 // Two-valued masks as rows of bits.
-#ifndef ZUQEL_DEPTH_MASK_BITS_H_
-#define ZUQEL_DEPTH_MASK_BITS_H_
+#ifndef ZUQEL_DEPTH_LABELLING_MASK_BITS_H_
+#define ZUQEL_DEPTH_LABELLING_MASK_BITS_H_
 
 #include <bit>
 #include <cstddef>
@@ -49,4 +49,4 @@ bool FindBits(Plane<const uint8_t> mask, const MaskBits& bits);
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_DEPTH_MASK_BITS_H_
+#endif  // ZUQEL_DEPTH_LABELLING_MASK_BITS_H_

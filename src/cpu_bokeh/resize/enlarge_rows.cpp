@@ -1,5 +1,5 @@
 // Interpolates between neighbours by fixed weights.
-#include "cpu_bokeh/enlarge_rows.h"
+#include "cpu_bokeh/resize/enlarge_rows.h"
 
 #include <algorithm>
 #include <bit>

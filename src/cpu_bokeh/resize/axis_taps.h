@@ -1,6 +1,6 @@
 // What the samples of a resized axis are made of.
-#ifndef ZUQEL_CPU_BOKEH_AXIS_TAPS_H_
-#define ZUQEL_CPU_BOKEH_AXIS_TAPS_H_
+#ifndef ZUQEL_CPU_BOKEH_RESIZE_AXIS_TAPS_H_
+#define ZUQEL_CPU_BOKEH_RESIZE_AXIS_TAPS_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -85,4 +85,4 @@ class AxisTaps {
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_CPU_BOKEH_AXIS_TAPS_H_
+#endif  // ZUQEL_CPU_BOKEH_RESIZE_AXIS_TAPS_H_

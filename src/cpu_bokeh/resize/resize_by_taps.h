@@ -1,18 +1,18 @@
 // Change of size by any ratio.
-#ifndef ZUQEL_CPU_BOKEH_RESIZE_GENERAL_H_
-#define ZUQEL_CPU_BOKEH_RESIZE_GENERAL_H_
+#ifndef ZUQEL_CPU_BOKEH_RESIZE_RESIZE_BY_TAPS_H_
+#define ZUQEL_CPU_BOKEH_RESIZE_RESIZE_BY_TAPS_H_
 
 #include <cstdint>
 
 #include "base/buffer.h"
 #include "base/image_size.h"
 #include "base/plane.h"
-#include "cpu_bokeh/axis_taps.h"
-#include "cpu_bokeh/enlarge_rows.h"
+#include "cpu_bokeh/resize/axis_taps.h"
+#include "cpu_bokeh/resize/enlarge_rows.h"
 
 namespace zuqel {
 
-struct GeneralScratch {
+struct TapScratch {
   AxisTaps columns;
   AxisTaps rows;
   Buffer row;
@@ -22,16 +22,16 @@ struct GeneralScratch {
 
 // Makes room for a change of size; false when there is no memory.
 template <typename Sample>
-[[nodiscard]] bool ReserveGeneral(ImageSize from, ImageSize to,
-                                  GeneralScratch& scratch);
+[[nodiscard]] bool ReserveTaps(ImageSize from, ImageSize to,
+                               TapScratch& scratch);
 
 // Combines rows, then columns, each by its axis's walk and rounded to nearest.
 // `resize_row`, unless null, takes the place of the walk along the columns.
 // There is room for it in `scratch`.
 template <typename Sample>
-void ResizeGeneral(Plane<const Sample> in, RowFunction<Sample> resize_row,
-                   GeneralScratch& scratch, Plane<Sample> out);
+void ResizeByTaps(Plane<const Sample> in, RowFunction<Sample> resize_row,
+                  TapScratch& scratch, Plane<Sample> out);
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_CPU_BOKEH_RESIZE_GENERAL_H_
+#endif  // ZUQEL_CPU_BOKEH_RESIZE_RESIZE_BY_TAPS_H_

@@ -1,6 +1,6 @@
 // Means of blocks by fixed weights. They are uneven where a factor does not
 // divide 256; which sample gets the odd one decides last bits and is kept.
-#include "cpu_bokeh/reduce_blocks.h"
+#include "cpu_bokeh/resize/reduce_blocks.h"
 
 #include <array>
 #include <cstddef>

@@ -1,15 +1,15 @@
 // Labels components run by run where that gives the same labels as pixel by
 // pixel, which is wherever the mask is two-valued.
-#include "depth/components.h"
+#include "depth/labelling/components.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <numeric>
 
-#include "depth/label_sets.h"
-#include "depth/mask_bits.h"
-#include "depth/run_labelling.h"
+#include "depth/labelling/label_sets.h"
+#include "depth/labelling/mask_bits.h"
+#include "depth/labelling/run_labelling.h"
 
 namespace zuqel {
 namespace {

@@ -2,8 +2,8 @@
 // front of the first sample and behind the last there is that one alone. `row`
 // has `width` samples in lanes that hold sums; `out` has the factor times as
 // many. Neither is empty.
-#ifndef ZUQEL_CPU_BOKEH_ENLARGE_ROWS_H_
-#define ZUQEL_CPU_BOKEH_ENLARGE_ROWS_H_
+#ifndef ZUQEL_CPU_BOKEH_RESIZE_ENLARGE_ROWS_H_
+#define ZUQEL_CPU_BOKEH_RESIZE_ENLARGE_ROWS_H_
 
 #include <cstdint>
 #include <type_traits>
@@ -32,4 +32,4 @@ void EnlargeRowBy3Halves(const uint32_t* row, int32_t width, uint16_t* out);
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_CPU_BOKEH_ENLARGE_ROWS_H_
+#endif  // ZUQEL_CPU_BOKEH_RESIZE_ENLARGE_ROWS_H_

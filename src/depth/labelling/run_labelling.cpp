@@ -1,5 +1,5 @@
 // Labels runs word by word, on bits that tell which of them meet.
-#include "depth/run_labelling.h"
+#include "depth/labelling/run_labelling.h"
 
 #include <algorithm>
 

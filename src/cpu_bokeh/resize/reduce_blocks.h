@@ -1,6 +1,6 @@
 // Planes made smaller by exact factors.
-#ifndef ZUQEL_CPU_BOKEH_REDUCE_BLOCKS_H_
-#define ZUQEL_CPU_BOKEH_REDUCE_BLOCKS_H_
+#ifndef ZUQEL_CPU_BOKEH_RESIZE_REDUCE_BLOCKS_H_
+#define ZUQEL_CPU_BOKEH_RESIZE_REDUCE_BLOCKS_H_
 
 #include <cstdint>
 
@@ -17,4 +17,4 @@ void ReduceBlocks(int32_t factor, Plane<const Sample> in, Plane<Sample> out);
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_CPU_BOKEH_REDUCE_BLOCKS_H_
+#endif  // ZUQEL_CPU_BOKEH_RESIZE_REDUCE_BLOCKS_H_

@@ -1,6 +1,6 @@
 // Connected components of a mask.
-#ifndef ZUQEL_DEPTH_COMPONENTS_H_
-#define ZUQEL_DEPTH_COMPONENTS_H_
+#ifndef ZUQEL_DEPTH_LABELLING_COMPONENTS_H_
+#define ZUQEL_DEPTH_LABELLING_COMPONENTS_H_
 
 #include <cstddef>
 #include <cstdint>
@@ -39,4 +39,4 @@ std::optional<uint32_t> LabelComponents(Plane<const uint8_t> mask,
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_DEPTH_COMPONENTS_H_
+#endif  // ZUQEL_DEPTH_LABELLING_COMPONENTS_H_

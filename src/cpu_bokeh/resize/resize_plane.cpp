@@ -1,11 +1,11 @@
 // Finds the kernels that a change of size is made of.
-#include "cpu_bokeh/resize_plane.h"
+#include "cpu_bokeh/resize/resize_plane.h"
 
 #include <algorithm>
 #include <cstddef>
 
-#include "cpu_bokeh/enlarge_rows.h"
-#include "cpu_bokeh/reduce_blocks.h"
+#include "cpu_bokeh/resize/enlarge_rows.h"
+#include "cpu_bokeh/resize/reduce_blocks.h"
 
 namespace zuqel {
 namespace {
@@ -109,8 +109,8 @@ bool Resize(Plane<const Sample> in, ResizeScratch& scratch, Plane<Sample> out) {
     if (factor != 0 && !path.is_enlarging) {
       ReduceBlocks(factor, in, made);
     } else {
-      ResizeGeneral(in, FixedWeights<Sample>(factor, in.extent(), to),
-                    scratch.general, made);
+      ResizeByTaps(in, FixedWeights<Sample>(factor, in.extent(), to),
+                   scratch.taps, made);
     }
     in = made;
   }
@@ -131,8 +131,7 @@ bool ReserveResize(ImageSize from, ImageSize to, ResizeScratch& scratch) {
     const bool is_general = path.is_enlarging || step.factor == 0;
     if ((is_between &&
          !scratch.between[i].Reserve(ByteCount(step.to, sizeof(Sample)))) ||
-        (is_general &&
-         !ReserveGeneral<Sample>(from, step.to, scratch.general))) {
+        (is_general && !ReserveTaps<Sample>(from, step.to, scratch.taps))) {
       return false;
     }
     from = step.to;

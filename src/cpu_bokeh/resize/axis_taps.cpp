@@ -1,5 +1,5 @@
 // Walks along an axis and notes the weights it passes.
-#include "cpu_bokeh/axis_taps.h"
+#include "cpu_bokeh/resize/axis_taps.h"
 
 #include <algorithm>
 
