@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "focus_point.h"
+#include "coordinates.h"
 #include "image_file.h"
 #include "image_samples.h"
 #include "nv21.h"

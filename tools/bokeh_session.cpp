@@ -37,9 +37,8 @@ CalibrationRecord PlainCalibration() {
 constexpr FocusRect kNoRect = {0, 0, 0, 0};
 
 // The library reads and writes as many bytes as the session was made for.
-void CheckSize(const char* what, int width, int height, int session_width,
-               int session_height) {
-  if (width == session_width && height == session_height) return;
+void RequireSize(const char* what, Size size, Size session_size) {
+  if (size == session_size) return;
   throw WorkError(std::string("the ") + what + " is not of the session's size");
 }
 
@@ -67,12 +66,12 @@ BokehSession::BokehSession(const SessionSetup& setup) : setup_(setup) {
   __system_property_set("persist.zu.LVGLbokeh.FocusDot",
                         setup.focus_dot ? "1" : "0");
   GLInitInfo info = {};
-  info.PreviewWidth = setup.picture_width;
-  info.PreviewHeight = setup.picture_height;
-  info.DepthWidth = setup.depth_width;
-  info.DepthHeight = setup.depth_height;
-  info.WorkWidth = setup.work_width;
-  info.WorkHeight = setup.work_height;
+  info.PreviewWidth = setup.picture.width;
+  info.PreviewHeight = setup.picture.height;
+  info.DepthWidth = setup.depth.width;
+  info.DepthHeight = setup.depth.height;
+  info.WorkWidth = setup.work.width;
+  info.WorkHeight = setup.work.height;
   info.offmode = 1;
   info.srcformat = 0;
   const CalibrationRecord record = PlainCalibration();
@@ -91,10 +90,8 @@ BokehSession::~BokehSession() {
 
 bool BokehSession::Render(Nv21Frame& frame, DisparityMap& map,
                           const Focus& focus) const {
-  CheckSize("frame", frame.width, frame.height, setup_.picture_width,
-            setup_.picture_height);
-  CheckSize("disparity map", map.width, map.height, setup_.depth_width,
-            setup_.depth_height);
+  RequireSize("frame", SizeOf(frame), setup_.picture);
+  RequireSize("disparity map", SizeOf(map), setup_.depth);
   if (setup_.renderer == Renderer::kCpu) {
     return RenderOnCpu(frame, map, focus.point);
   }
@@ -108,10 +105,8 @@ bool BokehSession::Render(Nv21Frame& frame, DisparityMap& map,
 
 void BokehSession::Render(Nv21Frame& frame, const WeightMap& map,
                           const Focus& focus) const {
-  CheckSize("frame", frame.width, frame.height, setup_.picture_width,
-            setup_.picture_height);
-  CheckSize("weight map", map.width, map.height, setup_.work_width,
-            setup_.work_height);
+  RequireSize("frame", SizeOf(frame), setup_.picture);
+  RequireSize("weight map", SizeOf(map), setup_.work);
   const uint32_t status = zuQelRT_GLStartV1(
       frame.luma.data(), frame.chroma.data(), map.values.data(),
       static_cast<uint32_t>(focus.point.x),

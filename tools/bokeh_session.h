@@ -12,13 +12,12 @@ namespace zuqel::tools {
 // What renders a frame from a disparity map. The CPU has one strength of blur.
 enum class Renderer { kGpu, kCpu };
 
-// What a session is made for; sizes in pixels.
+// What a session is made for.
 struct SessionSetup {
-  int picture_width = 0, picture_height = 0;
-  int depth_width = 0, depth_height = 0;
-  int work_width = 320, work_height = 240;
-  bool focus_dot = false;
+  Size picture, depth;
+  Size work = {320, 240};
   Renderer renderer = Renderer::kGpu;
+  bool focus_dot = false;
 };
 
 struct Focus {

@@ -14,7 +14,6 @@
 #include "panel.h"
 #include "refocus_map.h"
 #include "refocus_panel.h"
-#include "size.h"
 
 namespace zuqel::tools {
 namespace {
@@ -48,12 +47,8 @@ std::vector<Shot> PlanShots(const std::string& folder, const Scene& scene) {
 
 std::vector<Picture> RenderShots(const Scene& scene,
                                  const std::vector<Shot>& shots) {
-  SessionSetup setup;
-  setup.picture_width = scene.picture.width;
-  setup.picture_height = scene.picture.height;
-  setup.depth_width = scene.disparity.width;
-  setup.depth_height = scene.disparity.height;
-  const BokehSession session(setup);
+  const BokehSession session(
+      {.picture = SizeOf(scene.picture), .depth = SizeOf(scene.disparity)});
   const Nv21Frame source = ToNv21(scene.picture);
   std::vector<Picture> results;
   const ProgressBar bar(static_cast<int>(shots.size()));

@@ -12,6 +12,21 @@ inline size_t PixelCount(int width, int height) {
   return static_cast<size_t>(width) * static_cast<size_t>(height);
 }
 
+// In pixels.
+struct Size {
+  bool operator==(const Size&) const = default;
+  int width = 0, height = 0;
+};
+
+// The largest width and height that is read.
+constexpr int kLargestSide = 8192;
+
+// Of a picture, map or frame.
+template <typename Image>
+Size SizeOf(const Image& image) {
+  return {image.width, image.height};
+}
+
 // A colour picture, three bytes a pixel: red, green, blue.
 struct Picture {
   Picture() = default;

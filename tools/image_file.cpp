@@ -30,7 +30,7 @@ void CheckDecoded(const std::string& path, DecodeStatus status,
   }
 }
 
-void CheckSize(const std::string& path, int width, int height) {
+void RequireReadableSize(const std::string& path, int width, int height) {
   if (width >= 1 && height >= 1 && width <= kLargestSide &&
       height <= kLargestSide) {
     return;
@@ -55,7 +55,7 @@ PngHeader ReadHeader(const std::string& path, const Bytes& bytes) {
   CheckDecoded(
       path, ReadPngHeader(bytes.data(), bytes.size(), &header, reason.data()),
       reason);
-  CheckSize(path, header.width, header.height);
+  RequireReadableSize(path, header.width, header.height);
   return header;
 }
 
@@ -84,7 +84,7 @@ Picture DecodeJpegPicture(const std::string& path, const Bytes& bytes) {
       path,
       ReadJpegSize(bytes.data(), bytes.size(), &width, &height, reason.data()),
       reason);
-  CheckSize(path, width, height);
+  RequireReadableSize(path, width, height);
   Picture picture(width, height);
   CheckDecoded(path,
                DecodeJpeg(bytes.data(), bytes.size(), picture.rgb.data(),

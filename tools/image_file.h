@@ -9,9 +9,6 @@
 
 namespace zuqel::tools {
 
-// The largest width and height that is read.
-constexpr int kLargestSide = 8192;
-
 // The readers throw InputError, which names the file and what is wrong with it.
 
 // A PNG or JPEG picture. Grey becomes colour, alpha is dropped, 16 bits are

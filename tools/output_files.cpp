@@ -6,9 +6,9 @@
 #include <cstdio>
 #include <system_error>
 
+#include "coordinates.h"
 #include "file_claims.h"
 #include "image_file.h"
-#include "size.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {

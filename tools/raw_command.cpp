@@ -11,11 +11,11 @@
 #include <vector>
 
 #include "command.h"
+#include "coordinates.h"
 #include "file_bytes.h"
 #include "image.h"
 #include "nv21.h"
 #include "output_files.h"
-#include "size.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {

@@ -65,15 +65,6 @@ class Resources {
   Resources& operator=(const Resources&) = delete;
 };
 
-SessionSetup SetupFor(const Map<uint16_t>& depth, Size size) {
-  SessionSetup setup;
-  setup.picture_width = setup.depth_width = depth.width;
-  setup.picture_height = setup.depth_height = depth.height;
-  setup.work_width = size.width;
-  setup.work_height = size.height;
-  return setup;
-}
-
 // In a unit that uses all of 16 bits; disparities below 4 count as farthest.
 DistanceMap ToDistances(const DisparityMap& disparity) {
   constexpr int kUnits = 262144;
@@ -113,7 +104,8 @@ RefocusMap MakeRefocusMap(const Generator& generator, Map<uint16_t> depth,
   const Size map_size = size.value_or(SizeOf(depth));
   const FocusPoint point = {focus.point.x * depth.width / focus.frame.width,
                             focus.point.y * depth.height / focus.frame.height};
-  const BokehSession session(SetupFor(depth, map_size));
+  const BokehSession session(
+      {.picture = SizeOf(depth), .depth = SizeOf(depth), .work = map_size});
   const Resources resources;
   RefocusMap map = {WeightMap(map_size.width, map_size.height), std::nullopt};
   DisparityRange range;

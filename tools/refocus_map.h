@@ -8,7 +8,6 @@
 #include <string>
 
 #include "image.h"
-#include "size.h"
 
 namespace zuqel::tools {
 

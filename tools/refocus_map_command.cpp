@@ -7,13 +7,12 @@
 #include <string>
 
 #include "command.h"
+#include "coordinates.h"
 #include "false_colour.h"
-#include "focus_point.h"
 #include "image_file.h"
 #include "output_files.h"
 #include "refocus_map.h"
 #include "refocus_panel.h"
-#include "size.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {

@@ -9,8 +9,8 @@
 
 #include "bokeh_session.h"
 #include "command.h"
+#include "coordinates.h"
 #include "false_colour.h"
-#include "focus_point.h"
 #include "frame_difference.h"
 #include "frame_progress.h"
 #include "image_file.h"
@@ -19,7 +19,6 @@
 #include "panel.h"
 #include "refocus_map.h"
 #include "renderer_choice.h"
-#include "size.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -99,17 +98,14 @@ void MakeWeights(const Generator& generator, RenderInput& input) {
 
 SessionSetup SetupFor(const RenderInput& input, const RenderOptions& options) {
   SessionSetup setup;
-  setup.picture_width = input.picture.width;
-  setup.picture_height = input.picture.height;
-  if (input.disparity) {
-    setup.depth_width = input.disparity->width;
-    setup.depth_height = input.disparity->height;
-  } else {
-    setup.work_width = input.weights->width;
-    setup.work_height = input.weights->height;
-  }
+  setup.picture = SizeOf(input.picture);
   setup.renderer = options.renderer;
   setup.focus_dot = options.focus_dot;
+  if (input.disparity) {
+    setup.depth = SizeOf(*input.disparity);
+  } else {
+    setup.work = SizeOf(*input.weights);
+  }
   return setup;
 }
 

@@ -7,16 +7,15 @@
 
 #include "bokeh_session.h"
 #include "command.h"
+#include "coordinates.h"
 #include "demo/scene.h"
 #include "file_claims.h"
 #include "file_series.h"
-#include "focus_point.h"
 #include "frame_progress.h"
 #include "image_file.h"
 #include "nv21.h"
 #include "renderer_choice.h"
 #include "sequence_writer.h"
-#include "size.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -109,23 +108,15 @@ class FocusPath {
   FocusPoint to_;
 };
 
-SessionSetup SetupFor(const SourceFrame& frame, Renderer renderer) {
-  SessionSetup setup;
-  setup.picture_width = frame.picture.width;
-  setup.picture_height = frame.picture.height;
-  setup.depth_width = frame.disparity.width;
-  setup.depth_height = frame.disparity.height;
-  setup.renderer = renderer;
-  return setup;
-}
-
 // Returns in how many frames the focus was blurred.
 int RenderFrames(const SequenceOptions& options, const FrameSource& source,
                  SequenceWriter& writer) {
   const int count = options.target.count;
   SourceFrame next = source(0);
   const FocusPath path(options, SizeOf(next.picture));
-  const BokehSession session(SetupFor(next, options.renderer));
+  const BokehSession session({.picture = SizeOf(next.picture),
+                              .depth = SizeOf(next.disparity),
+                              .renderer = options.renderer});
   const ProgressBar bar(count);
   int blurred = 0;
   for (int i = 0; i < count; ++i) {

@@ -1,7 +1,7 @@
 // Where a series of frames goes: numbered pictures or one video.
 #include "sequence_writer.h"
 
-#include "size.h"
+#include "coordinates.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {

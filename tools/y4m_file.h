@@ -6,7 +6,6 @@
 #include <fstream>
 
 #include "nv21.h"
-#include "size.h"
 
 namespace zuqel::tools {
 
