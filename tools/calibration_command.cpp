@@ -18,6 +18,7 @@
 #include "container_seal.h"
 #include "file_bytes.h"
 #include "output_files.h"
+#include "shared_options.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -163,10 +164,9 @@ Command AddInspect(CLI::App& group) {
                   "when it follows the key")
       ->type_name("")
       ->required();
-  app->add_option("--key", options->key,
-                  "64 hex digits, or the camera module's second block; else\n"
-                  "this build's default keys are used")
-      ->type_name("FILE");
+  AddFileOption(*app, "--key", options->key,
+                "64 hex digits, or the camera module's second block; else\n"
+                "this build's default keys are used");
   app->add_option("--layout", options->layout,
                   "Camera layout, 1 (the default) to 4, which picks the\n"
                   "half of a kind-4 container")
@@ -184,11 +184,9 @@ Command AddSeal(CLI::App& group) {
   app->add_option("FILE", options->container, "The plain container")
       ->type_name("")
       ->required();
-  app->add_option("--key", options->key, "64 hex digits or 32 bytes")
-      ->type_name("FILE")
+  AddFileOption(*app, "--key", options->key, "64 hex digits or 32 bytes")
       ->required();
-  app->add_option("-o,--output", options->output, "The encrypted container")
-      ->type_name("FILE")
+  AddFileOption(*app, "-o,--output", options->output, "The encrypted container")
       ->required();
   app->footer(
       "Example:\n"

@@ -13,7 +13,6 @@
 #include "output_files.h"
 #include "panel.h"
 #include "refocus_map.h"
-#include "refocus_panel.h"
 
 namespace zuqel::tools {
 namespace {

@@ -8,8 +8,7 @@
 #include <cstring>
 #include <vector>
 
-#include "decode/jpeg_decode.h"
-#include "decode/png_decode.h"
+#include "decode/decode.h"
 #include "file_bytes.h"
 #include "tool_error.h"
 

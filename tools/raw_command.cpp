@@ -16,6 +16,7 @@
 #include "image.h"
 #include "nv21.h"
 #include "output_files.h"
+#include "shared_options.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -160,8 +161,7 @@ Command AddRawCommand(CLI::App& program) {
   app->add_flag("--rgb", options->is_rgb,
                 "The output's channels are R, G, B, as where the library\n"
                 "renders to a screen; off screen they are Y, U, V");
-  app->add_option("-o,--output", options->output, "The picture, PNG")
-      ->type_name("FILE")
+  AddFileOption(*app, "-o,--output", options->output, "The picture, PNG")
       ->required();
   app->footer(
       "Example:\n"

@@ -11,8 +11,9 @@
 #include "false_colour.h"
 #include "image_file.h"
 #include "output_files.h"
+#include "panel.h"
 #include "refocus_map.h"
-#include "refocus_panel.h"
+#include "shared_options.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -114,15 +115,11 @@ Command AddRefocusMapCommand(CLI::App& program) {
   CLI::App* app = program.add_subcommand(
       "refocus-map", "Make a map of what stays sharp and what is blurred");
   auto options = std::make_shared<RefocusMapOptions>();
-  app->add_option("--disparity", options->disparity,
-                  "16-bit grey PNG of any size: 0..1022, larger is nearer,\n"
-                  "1023 is unknown")
-      ->type_name("FILE");
-  app->add_option("--distance", options->distance,
-                  "In its place, for a generator that takes distances: 16-bit\n"
-                  "grey PNG, larger is farther, 0 is unknown. Given\n"
-                  "--disparity, it takes 262144 / disparity")
-      ->type_name("FILE");
+  AddDisparityOption(*app, options->disparity);
+  AddFileOption(*app, "--distance", options->distance,
+                "In its place, for a generator that takes distances: 16-bit\n"
+                "grey PNG, larger is farther, 0 is unknown. Given\n"
+                "--disparity, it takes 262144 / disparity");
   app->add_option(
          "--focus", options->focus,
          "What is sharp, in pixels of --image where it is given, else\n"
@@ -137,17 +134,14 @@ Command AddRefocusMapCommand(CLI::App& program) {
   app->add_option("--size", options->size,
                   "Width and height of the map, those of the depth by default")
       ->type_name("WxH");
-  app->add_option("--image", options->image,
-                  "The picture that belongs to the depth, PNG or JPEG")
-      ->type_name("FILE");
-  app->add_option("-o,--output", options->output,
-                  "The map, 8-bit grey PNG: 0 stays sharp, 255 blurs fully")
-      ->type_name("FILE")
+  AddFileOption(*app, "--image", options->image,
+                "The picture that belongs to the depth, PNG or JPEG");
+  AddFileOption(*app, "-o,--output", options->output,
+                "The map, 8-bit grey PNG: 0 stays sharp, 255 blurs fully")
       ->required();
-  app->add_option("--panel", options->panel,
-                  "Also write the depth in false colour, the map and the\n"
-                  "image, blue where it is blurred, side by side, PNG")
-      ->type_name("FILE");
+  AddFileOption(*app, "--panel", options->panel,
+                "Also write the depth in false colour, the map and the\n"
+                "image, blue where it is blurred, side by side, PNG");
   app->footer(
       "Generators:\n" + GeneratorList() +
       "\n"

@@ -18,7 +18,7 @@
 #include "output_files.h"
 #include "panel.h"
 #include "refocus_map.h"
-#include "renderer_choice.h"
+#include "shared_options.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -197,7 +197,7 @@ void Run(const RenderOptions& options) {
   outputs.Commit();
   const bool is_focus_sharp =
       one.is_focus_sharp && (!other || other->is_focus_sharp);
-  TellOfBlurredFocus(is_focus_sharp ? 0 : 1, 1);
+  ReportBlurredFocus(is_focus_sharp ? 0 : 1, 1);
   if (other) PrintDifferences(one.frame, other->frame);
   if (options.repeat > 0) PrintTimes(one.times_ms);
 }
@@ -208,18 +208,13 @@ Command AddRenderCommand(CLI::App& program) {
   CLI::App* app = program.add_subcommand(
       "render", "Render a picture with a synthetic shallow depth of field");
   auto options = std::make_shared<RenderOptions>();
-  app->add_option("--image", options->image,
-                  "The picture, PNG or JPEG, with even sides")
-      ->type_name("FILE")
+  AddFileOption(*app, "--image", options->image,
+                "The picture, PNG or JPEG, with even sides")
       ->required();
-  app->add_option("--disparity", options->disparity,
-                  "16-bit grey PNG of any size: 0..1022, larger is nearer,\n"
-                  "1023 is unknown")
-      ->type_name("FILE");
-  app->add_option("--weights", options->weights,
-                  "In its place, 8-bit grey PNG of any size: 0 keeps a pixel\n"
-                  "sharp, 255 blurs it fully")
-      ->type_name("FILE");
+  AddDisparityOption(*app, options->disparity);
+  AddFileOption(*app, "--weights", options->weights,
+                "In its place, 8-bit grey PNG of any size: 0 keeps a pixel\n"
+                "sharp, 255 blurs it fully");
   app->add_option("--map-from", options->map_from,
                   "With --disparity, render from the refocus map that this\n"
                   "generator makes of it; see zuqel refocus-map --help")
@@ -234,23 +229,19 @@ Command AddRenderCommand(CLI::App& program) {
   AddRendererOption(*app, options->renderer);
   app->add_flag("--focus-dot", options->focus_dot,
                 "Mark the focus point in the result");
-  app->add_option("-o,--output", options->output, "The result, PNG")
-      ->type_name("FILE")
+  AddFileOption(*app, "-o,--output", options->output, "The result, PNG")
       ->required();
-  app->add_option("--panel", options->panel,
-                  "Also write input, map in false colour and result side by\n"
-                  "side, PNG")
-      ->type_name("FILE");
+  AddFileOption(*app, "--panel", options->panel,
+                "Also write input, map in false colour and result side by\n"
+                "side, PNG");
   app->add_option("--repeat", options->repeat,
                   "Render this many frames and print the frame time")
       ->type_name("N")
       ->check(CLI::Range(1, 100000));
-  app->add_option("--compare", options->compare,
-                  "Also render with the other renderer, print how far the\n"
-                  "results are apart, and write the difference, " +
-                      std::to_string(kDifferenceGain) +
-                      " times\nas strong, PNG")
-      ->type_name("FILE");
+  AddFileOption(*app, "--compare", options->compare,
+                "Also render with the other renderer, print how far the\n"
+                "results are apart, and write the difference, " +
+                    std::to_string(kDifferenceGain) + " times\nas strong, PNG");
   app->footer(
       "Example:\n"
       "  zuqel render --image photo.jpg --disparity disparity.png \\\n"

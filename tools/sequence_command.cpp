@@ -14,8 +14,8 @@
 #include "frame_progress.h"
 #include "image_file.h"
 #include "nv21.h"
-#include "renderer_choice.h"
 #include "sequence_writer.h"
+#include "shared_options.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -137,7 +137,7 @@ void Run(SequenceOptions options) {
   const FrameSource source = options.is_demo ? DemoOf(count) : FilesOf(options);
   const int blurred = RenderFrames(options, source, writer);
   writer.Commit();
-  TellOfBlurredFocus(blurred, count);
+  ReportBlurredFocus(blurred, count);
 }
 
 void AddSourceOptions(CLI::App& app, SequenceOptions& options) {
@@ -186,10 +186,9 @@ Command AddSequenceCommand(CLI::App& program) {
       ->type_name("X,Y")
       ->needs(focus);
   AddRendererOption(*app, options->renderer);
-  app->add_option("-o,--output", options->target.path,
-                  "One video when it ends with .y4m, else a pattern for\n"
-                  "numbered PNG")
-      ->type_name("FILE")
+  AddFileOption(*app, "-o,--output", options->target.path,
+                "One video when it ends with .y4m, else a pattern for\n"
+                "numbered PNG")
       ->required();
   app->add_option("--fps", options->target.frames_per_second,
                   "Frames a second of the video, 25 by default")

@@ -1,6 +1,4 @@
-/* Decodes a JPEG file that lies in memory. */
-#include "decode/jpeg_decode.h"
-
+/* Decodes JPEG files in memory. */
 #include <setjmp.h>
 #include <stdio.h>
 
@@ -8,6 +6,8 @@
 #include <jpeglib.h>
 
 #include <jerror.h>
+
+#include "decode/decode.h"
 
 struct JpegDecoder {
   struct jpeg_decompress_struct decompress;

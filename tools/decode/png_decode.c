@@ -1,10 +1,10 @@
-/* Decodes a PNG file that lies in memory. */
-#include "decode/png_decode.h"
-
+/* Decodes PNG files in memory. */
 #include <png.h>
 #include <setjmp.h>
 #include <stdio.h>
 #include <string.h>
+
+#include "decode/decode.h"
 
 struct PngSource {
   const uint8_t* bytes;

@@ -3,7 +3,6 @@
 
 #include <cmath>
 
-#include "demo/light.h"
 #include "demo/table.h"
 
 namespace zuqel::tools {

@@ -1,5 +1,5 @@
-// What the demo scene is painted with: colours, and noise that is the same on
-// every machine (no library functions but the exact ones).
+// What the demo scene is painted with: colours, light, and noise. The result is
+// the same on every machine, so only exact library functions are used.
 #ifndef ZUQEL_TOOLS_DEMO_PAINT_H_
 #define ZUQEL_TOOLS_DEMO_PAINT_H_
 
@@ -52,6 +52,18 @@ struct Cell {
   float tone;      // 0..1, its own
 };
 Cell CellAt(float x, float y, int seed);
+
+// Where a surface looks to; of length 1.
+struct Normal {
+  float right, up, toward;
+};
+
+// The colour of a lit surface; `gloss` is 0..1.
+Colour Light(Colour colour, const Normal& normal, float gloss);
+
+// How much light a thing leaves at a point of the table, 0..1. It stands at
+// (`foot_x`, `foot_y`) and is `reach` wide to each side.
+float Shadow(float foot_x, float foot_y, float reach, float x, float y);
 
 // What is seen at a point of the picture.
 struct Surface {

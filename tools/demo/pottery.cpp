@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "demo/light.h"
 #include "demo/table.h"
 
 namespace zuqel::tools {

@@ -1,10 +1,21 @@
-// The choice between the renderers, as people make it and hear of it.
-#include "renderer_choice.h"
+// Options that several commands have.
+#include "shared_options.h"
 
 #include <cstdio>
 #include <string>
 
 namespace zuqel::tools {
+
+CLI::Option* AddFileOption(CLI::App& app, const std::string& names,
+                           std::string& path, const std::string& help) {
+  return app.add_option(names, path, help)->type_name("FILE");
+}
+
+void AddDisparityOption(CLI::App& app, std::string& path) {
+  AddFileOption(app, "--disparity", path,
+                "16-bit grey PNG of any size: 0..1022, larger is nearer,\n"
+                "1023 is unknown");
+}
 
 void AddRendererOption(CLI::App& app, Renderer& renderer) {
   const std::string fallback = renderer == Renderer::kGpu ? "gpu" : "cpu";
@@ -21,7 +32,7 @@ void AddRendererOption(CLI::App& app, Renderer& renderer) {
       ->check(CLI::IsMember({"gpu", "cpu"}));
 }
 
-void TellOfBlurredFocus(int blurred, int count) {
+void ReportBlurredFocus(int blurred, int count) {
   if (blurred == 0) return;
   const std::string frames = count == 1
                                  ? std::string()

@@ -1,0 +1,28 @@
+// Options that several commands have.
+#ifndef ZUQEL_TOOLS_SHARED_OPTIONS_H_
+#define ZUQEL_TOOLS_SHARED_OPTIONS_H_
+
+#include <CLI/CLI.hpp>
+#include <string>
+
+#include "bokeh_session.h"
+
+namespace zuqel::tools {
+
+// An option whose value names a file.
+CLI::Option* AddFileOption(CLI::App& app, const std::string& names,
+                           std::string& path, const std::string& help);
+
+// --disparity.
+void AddDisparityOption(CLI::App& app, std::string& path);
+
+// --renderer; `renderer` holds its default.
+void AddRendererOption(CLI::App& app, Renderer& renderer);
+
+// Prints a line if the focus was `blurred` in some of `count` frames, as
+// Renderer::kCpu may leave it.
+void ReportBlurredFocus(int blurred, int count);
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_SHARED_OPTIONS_H_
