@@ -19,7 +19,8 @@ uint32_t zuQelRT_GLSetDebugPicture(const DebugPicture* table) {
   zuqel::FrameSession& frame = zuqel::TheSession().frame;
   if (zuqel::IsCurrent(frame.render_context)) {
     const zuqel::PlainGlState plain_state;
-    zuqel::LoadDebugPictures(&frame.render, table, frame.debug_pictures);
+    zuqel::LoadDebugPictures(&frame.render.debug_pictures, table,
+                             frame.debug_pictures);
   } else {
     zuqel::LoadDebugPictures(nullptr, table, frame.debug_pictures);
   }

@@ -11,8 +11,6 @@
 namespace zuqel {
 namespace {
 
-constexpr ImageSize kBlurSize = {kReducedWidth, kReducedHeight};
-
 // Time since the reading before, for the lines that close a step.
 class StepClock {
  public:
@@ -45,20 +43,25 @@ GLuint ImageTexture(const RenderState& state, const FrameJob& job) {
                              : state.targets.texture(kWorkImage);
 }
 
+FrameSizes SizesOf(const FrameJob& job) {
+  return {.image = job.image, .work = job.work, .output = job.output};
+}
+
 void BlurImage(const RenderState& state, const FrameJob& job, float scale) {
+  const FrameSizes sizes = SizesOf(job);
   if (job.off_screen && job.source_format == kFormatNv21) {
-    PassNv21Pack(state, job.image);
+    PassNv21Pack(state, sizes);
   } else if (job.off_screen && !IsReadyTexture(job)) {
-    PassPlanarYuvPack(state, job.image);
+    PassPlanarYuvPack(state, sizes);
   }
-  PassSeparableBlur(state, ImageTexture(state, job),
-                    state.targets.framebuffer(kBlurredImage), kBlurSize, scale);
+  PassBlurImage(state, sizes, ImageTexture(state, job), scale);
 }
 
 // Weights from depth, cleaned of blurred specks below three pixels by an
 // opening, and softened.
 void MakeWeights(const RenderState& state, const FrameJob& job, float scale) {
-  PassDepthWeight(state, job.work,
+  const FrameSizes sizes = SizesOf(job);
+  PassDepthWeight(state, sizes,
                   {.mouse_x = static_cast<float>(job.focus_x) /
                               static_cast<float>(job.image.width),
                    .mouse_y = static_cast<float>(job.focus_y) /
@@ -67,28 +70,19 @@ void MakeWeights(const RenderState& state, const FrameJob& job, float scale) {
                    .min_depth = static_cast<float>(job.depth->min),
                    .max_depth = static_cast<float>(job.depth->max),
                    .focal_length = job.focal_length});
-  PassPick3x3(state, ProgramRole::Min3x3Program,
-              state.targets.texture(kWeights),
-              state.targets.framebuffer(kErodedWeights), job.work);
-  PassPick3x3(state, ProgramRole::Max3x3Program,
-              state.targets.texture(kErodedWeights),
-              state.targets.framebuffer(kWeights), job.work);
-  PassSeparableBlur(state, state.targets.texture(kWeights),
-                    state.targets.framebuffer(kBlurredWeights), job.work,
-                    scale);
+  PassErodeWeights(state, sizes);
+  PassDilateWeights(state, sizes);
+  PassBlurWeights(state, sizes, scale);
 }
 
 void Composite(const RenderState& state, const FrameJob& job) {
-  const CompositeInputs inputs = {
-      .framebuffer =
-          job.off_screen ? state.targets.framebuffer(kOutputTarget) : 0,
-      .image_texture = ImageTexture(state, job),
-      .weight_texture = job.depth != nullptr
-                            ? state.targets.texture(kBlurredWeights)
-                            : state.inputs[kInputRefocus].get(),
-      .output = job.output};
-  const Quad& unturned = job.off_screen ? kQuadUpright : kQuadFlipCrop;
-  PassComposite(state, inputs, job.portrait ? kQuadRotate : unturned);
+  PassComposite(state, SizesOf(job),
+                {.image_texture = ImageTexture(state, job),
+                 .weight_texture = job.depth != nullptr
+                                       ? state.targets.texture(kBlurredWeights)
+                                       : state.inputs[kInputRefocus].get(),
+                 .off_screen = job.off_screen,
+                 .portrait = job.portrait});
 }
 
 ImageSize CurrentViewport() {
@@ -137,10 +131,10 @@ void RenderFrame(const RenderState* state, const FrameJob& job) {
   const ImageSize viewport = state != nullptr ? CurrentViewport() : ImageSize{};
   ZUQEL_LOG("*VX* zuQelRT_GL initialize shader_bypass(1) = %d (ms)",
             clock.Lap());
-  if (state != nullptr && !job.off_screen) PassNv21ToRgb(*state);
+  if (state != nullptr && !job.off_screen) PassNv21ToRgb(*state, SizesOf(job));
   if (job.bypass) {
     if (state != nullptr && !job.off_screen) {
-      PassBypass(*state, job.output, job.portrait);
+      PassBypass(*state, SizesOf(job), job.portrait);
     }
     return;
   }
@@ -159,7 +153,9 @@ void RenderFrame(const RenderState* state, const FrameJob& job) {
             clock.Lap());
   if (state != nullptr) {
     Composite(*state, job);
-    DrawDebugPictures(*state, *job.debug_pictures);
+    DrawDebugPictures(
+        state->programs[ProgramRole::CopyProgram], state->debug_pictures,
+        state->targets.framebuffer(kOutputTarget), *job.debug_pictures);
   }
   ZUQEL_LOG("*VX* zuQelRT_GL refocus(2) = %d (ms)", clock.Lap());
   if (state != nullptr) DumpOutput(viewport, job.dump_name);

@@ -4,110 +4,131 @@
 namespace zuqel {
 namespace {
 
-// Size of the conversion to RGB, whatever the preview size.
-constexpr ImageSize kConversionSize = {1280, 960};
+using enum ProgramRole;
 
-void ConvertNv21(const RenderState& state, ProgramRole role, ImageSize size,
-                 const Quad& quad) {
-  const LinkedProgram& program = state.programs[role];
-  BeginPass(program, state.targets.framebuffer(kWorkImage), size);
-  SetTexture(program, "inputYTexture", 0, state.inputs[kInputY].get());
-  SetTexture(program, "inputUVTexture", 1, state.inputs[kInputUV].get());
-  DrawQuad(program, quad);
+// In place of a target: the default framebuffer.
+constexpr size_t kScreen = RenderTargets::kCount;
+
+struct PassRow {
+  ProgramRole program;
+  size_t target;
+  ImageSize FrameSizes::*size;
+  const Quad& quad;
+};
+
+constexpr PassRow kNv21ToRgb = {Nv21ToRgbProgram, kWorkImage,
+                                &FrameSizes::conversion, kQuadConversion};
+constexpr PassRow kNv21Pack = {Nv21PackProgram, kWorkImage, &FrameSizes::image,
+                               kQuadUpright};
+constexpr PassRow kPlanarYuvPack = {PlanarYuvPackProgram, kWorkImage,
+                                    &FrameSizes::image, kQuadUpright};
+constexpr PassRow kBypass = {CopyProgram, kScreen, &FrameSizes::output,
+                             kQuadFlipCrop};
+// The two halves of a blur flip the image once each.
+constexpr PassRow kBlurDown = {BlurVProgram, kBlurTemporary, &FrameSizes::blur,
+                               kQuadFlip};
+constexpr PassRow kBlurImageAcross = {BlurHProgram, kBlurredImage,
+                                      &FrameSizes::blur, kQuadFlip};
+constexpr PassRow kBlurWeightsAcross = {BlurHProgram, kBlurredWeights,
+                                        &FrameSizes::work, kQuadFlip};
+constexpr PassRow kDepthWeight = {DepthWeightProgram, kWeights,
+                                  &FrameSizes::work, kQuadUpright};
+constexpr PassRow kErodeWeights = {Min3x3Program, kErodedWeights,
+                                   &FrameSizes::work, kQuadUpright};
+constexpr PassRow kDilateWeights = {Max3x3Program, kWeights, &FrameSizes::work,
+                                    kQuadUpright};
+constexpr PassRow kComposite = {CompositeProgram, kOutputTarget,
+                                &FrameSizes::output, kQuadUpright};
+constexpr PassRow kCompositeOnScreen = {CompositeProgram, kScreen,
+                                        &FrameSizes::output, kQuadFlipCrop};
+
+Pass PassOf(const PassRow& row, const RenderState& state,
+            const FrameSizes& sizes, bool rotated = false) {
+  return {state.programs[row.program],
+          row.target == kScreen ? 0 : state.targets.framebuffer(row.target),
+          sizes.*row.size, rotated ? kQuadRotate : row.quad};
+}
+
+void BlurSeparably(const RenderState& state, const FrameSizes& sizes,
+                   const PassRow& across, GLuint source_texture, float scale) {
+  const ImageSize image = sizes.*across.size;
+  DrawBlur(PassOf(kBlurDown, state, sizes), source_texture, image, scale);
+  DrawBlur(PassOf(across, state, sizes), state.targets.texture(kBlurTemporary),
+           image, scale);
+}
+
+void Pick3x3(const RenderState& state, const FrameSizes& sizes,
+             const PassRow& row, size_t source) {
+  DrawPass(PassOf(row, state, sizes),
+           {{"inputImageTexture", 0, state.targets.texture(source)}},
+           {{"fWidth", static_cast<float>(sizes.work.width)},
+            {"fHeight", static_cast<float>(sizes.work.height)},
+            {"scale", 1.0F}});
+}
+
+void DrawNv21(const RenderState& state, const FrameSizes& sizes,
+              const PassRow& row) {
+  DrawPass(PassOf(row, state, sizes),
+           {{"inputYTexture", 0, state.inputs[kInputY].get()},
+            {"inputUVTexture", 1, state.inputs[kInputUV].get()}});
 }
 
 }  // namespace
 
-void PassNv21ToRgb(const RenderState& state) {
-  ConvertNv21(state, ProgramRole::Nv21ToRgbProgram, kConversionSize,
-              kQuadConversion);
+void PassNv21ToRgb(const RenderState& state, const FrameSizes& sizes) {
+  DrawNv21(state, sizes, kNv21ToRgb);
 }
 
-void PassNv21Pack(const RenderState& state, ImageSize size) {
-  ConvertNv21(state, ProgramRole::Nv21PackProgram, size, kQuadUpright);
+void PassNv21Pack(const RenderState& state, const FrameSizes& sizes) {
+  DrawNv21(state, sizes, kNv21Pack);
 }
 
-void PassPlanarYuvPack(const RenderState& state, ImageSize size) {
-  const LinkedProgram& program =
-      state.programs[ProgramRole::PlanarYuvPackProgram];
-  BeginPass(program, state.targets.framebuffer(kWorkImage), size);
-  SetTexture(program, "inputYTexture", 0, state.inputs[kInputY].get());
-  SetTexture(program, "inputUTexture", 1, state.inputs[kInputUV].get());
-  SetTexture(program, "inputVTexture", 2, state.inputs[kInputV].get());
-  DrawQuad(program, kQuadUpright);
+void PassPlanarYuvPack(const RenderState& state, const FrameSizes& sizes) {
+  DrawPass(PassOf(kPlanarYuvPack, state, sizes),
+           {{"inputYTexture", 0, state.inputs[kInputY].get()},
+            {"inputUTexture", 1, state.inputs[kInputUV].get()},
+            {"inputVTexture", 2, state.inputs[kInputV].get()}});
 }
 
-void PassBypass(const RenderState& state, ImageSize size, bool rotate) {
-  const LinkedProgram& program = state.programs[ProgramRole::CopyProgram];
-  BeginPass(program, 0, size);
-  SetTexture(program, "inputImageTexture", 0,
-             state.targets.texture(kWorkImage));
-  DrawQuad(program, rotate ? kQuadRotate : kQuadFlipCrop);
+void PassBypass(const RenderState& state, const FrameSizes& sizes,
+                bool portrait) {
+  DrawPass(PassOf(kBypass, state, sizes, portrait),
+           {{"inputImageTexture", 0, state.targets.texture(kWorkImage)}});
 }
 
-// The two halves of a blur flip the image once each.
-void PassSeparableBlur(const RenderState& state, GLuint source_texture,
-                       GLuint destination_framebuffer, ImageSize size,
-                       float scale) {
-  DrawBlur({.program = state.programs[ProgramRole::BlurVProgram],
-            .framebuffer = state.targets.framebuffer(kBlurTemporary),
-            .source_texture = source_texture,
-            .viewport = {kReducedWidth, kReducedHeight},
-            .image = size,
-            .scale = scale},
-           kQuadFlip);
-  DrawBlur({.program = state.programs[ProgramRole::BlurHProgram],
-            .framebuffer = destination_framebuffer,
-            .source_texture = state.targets.texture(kBlurTemporary),
-            .viewport = size,
-            .image = size,
-            .scale = scale},
-           kQuadFlip);
+void PassBlurImage(const RenderState& state, const FrameSizes& sizes,
+                   GLuint image_texture, float scale) {
+  BlurSeparably(state, sizes, kBlurImageAcross, image_texture, scale);
 }
 
-void PassDepthWeight(const RenderState& state, ImageSize size,
+void PassDepthWeight(const RenderState& state, const FrameSizes& sizes,
                      const DepthWeightUniforms& uniforms) {
-  DrawDepthWeight({state.programs[ProgramRole::DepthWeightProgram],
-                   state.targets.framebuffer(kWeights),
-                   state.inputs[kInputRefocus].get(), size},
-                  uniforms);
+  DrawDepthWeight(PassOf(kDepthWeight, state, sizes),
+                  state.inputs[kInputRefocus].get(), uniforms);
 }
 
-void PassPick3x3(const RenderState& state, ProgramRole program_role,
-                 GLuint source_texture, GLuint destination_framebuffer,
-                 ImageSize size) {
-  const LinkedProgram& program = state.programs[program_role];
-  BeginPass(program, destination_framebuffer, size);
-  SetImageSize(program, size);
-  SetUniform(program, "scale", 1.0F);
-  SetTexture(program, "inputImageTexture", 0, source_texture);
-  DrawQuad(program, kQuadUpright);
+void PassErodeWeights(const RenderState& state, const FrameSizes& sizes) {
+  Pick3x3(state, sizes, kErodeWeights, kWeights);
 }
 
-void PassComposite(const RenderState& state, const CompositeInputs& inputs,
-                   const Quad& quad) {
-  const LinkedProgram& program = state.programs[ProgramRole::CompositeProgram];
-  BeginPass(program, inputs.framebuffer, inputs.output);
-  SetUniform(program, "blurTexture4", 6);
-  SetUniform(program, "blurLayer", 1);
-  SetTexture(program, "inputImageTexture", 0, inputs.image_texture);
-  SetTexture(program, "blurTexture1", 1, state.targets.texture(kBlurredImage));
-  SetTexture(program, "refocusTexture", 4, inputs.weight_texture);
-  DrawQuad(program, quad);
+void PassDilateWeights(const RenderState& state, const FrameSizes& sizes) {
+  Pick3x3(state, sizes, kDilateWeights, kErodedWeights);
 }
 
-void PassDebugPicture(const RenderState& state, GLuint picture_texture,
-                      DrawRegion region, bool blend) {
-  const LinkedProgram& program = state.programs[ProgramRole::CopyProgram];
-  glUseProgram(program.name());
-  glBindFramebuffer(GL_FRAMEBUFFER, state.targets.framebuffer(kOutputTarget));
-  SetViewport(region);
-  if (blend) {
-    glEnable(GL_BLEND);
-    glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
-  }
-  SetTexture(program, "inputImageTexture", 0, picture_texture);
-  DrawQuad(program, kQuadUpright);
+void PassBlurWeights(const RenderState& state, const FrameSizes& sizes,
+                     float scale) {
+  BlurSeparably(state, sizes, kBlurWeightsAcross,
+                state.targets.texture(kWeights), scale);
+}
+
+void PassComposite(const RenderState& state, const FrameSizes& sizes,
+                   const CompositeInputs& inputs) {
+  const PassRow& row = inputs.off_screen ? kComposite : kCompositeOnScreen;
+  DrawPass(PassOf(row, state, sizes, inputs.portrait),
+           {{"inputImageTexture", 0, inputs.image_texture},
+            {"blurTexture1", 1, state.targets.texture(kBlurredImage)},
+            {"refocusTexture", 4, inputs.weight_texture}},
+           {{"blurTexture4", 6}, {"blurLayer", 1}});
 }
 
 }  // namespace zuqel

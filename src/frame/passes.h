@@ -1,16 +1,4 @@
-// The GPU steps of a frame: each draws one quad with one program into one
-// framebuffer.
-//
-//   pass             from                      into                 size
-//   Nv21ToRgb        Y, UV textures            target 0             1280 x 960
-//   Nv21Pack         Y, UV textures            target 0             image
-//   PlanarYuvPack    Y, U, V textures          target 0             image
-//   Bypass           target 0                  default framebuffer  output
-//   SeparableBlur    a texture                 a target, through 1  as given
-//   DepthWeight      depth texture             target 10            work
-//   Pick3x3          a texture                 a target             work
-//   Composite        image, target 2, weights  13 or default        output
-//   DebugPicture     a debug texture           target 13            as given
+// The GPU steps of a frame.
 #ifndef ZUQEL_FRAME_PASSES_H_
 #define ZUQEL_FRAME_PASSES_H_
 
@@ -19,8 +7,8 @@
 #include <cstdint>
 
 #include "gl/render_targets.h"
+#include "render/debug_pictures.h"
 #include "render/pass_draws.h"
-#include "render/quad.h"
 #include "render/shader_catalogue.h"
 
 namespace zuqel {
@@ -41,43 +29,59 @@ inline constexpr size_t kInputUV = 1;  // interleaved chroma, or the U plane
 inline constexpr size_t kInputV = 2;
 inline constexpr size_t kInputRefocus = 3;  // weights, or packed disparity
 inline constexpr size_t kInputCount = 10;
-inline constexpr size_t kDebugPictureCount = 10;
 
 // All GL objects of the frame renderer.
 struct RenderState {
   ProgramTable programs;
   RenderTargets targets;
   std::array<Texture, kInputCount> inputs;
-  std::array<Texture, kDebugPictureCount> debug_pictures;
+  DebugTextures debug_pictures;
 };
 
+// Sizes of what passes fill.
+struct FrameSizes {
+  ImageSize image;
+  ImageSize work;
+  ImageSize output;
+  // Whatever the preview size.
+  ImageSize conversion = {1280, 960};
+  ImageSize blur = {kReducedWidth, kReducedHeight};
+};
+
+// From the input textures to the work image.
+void PassNv21ToRgb(const RenderState& state, const FrameSizes& sizes);
+void PassNv21Pack(const RenderState& state, const FrameSizes& sizes);
+void PassPlanarYuvPack(const RenderState& state, const FrameSizes& sizes);
+
+// The work image to the default framebuffer, turned in portrait mode.
+void PassBypass(const RenderState& state, const FrameSizes& sizes,
+                bool portrait);
+
+// `image_texture` blurred. `scale` is the blur's reach to either side in texels
+// of the blurred image.
+void PassBlurImage(const RenderState& state, const FrameSizes& sizes,
+                   GLuint image_texture, float scale);
+
+// Weights from the refocus texture, then cleaned and softened step by step; the
+// softened ones are in target kBlurredWeights. `scale` as above, in texels of
+// the weights.
+void PassDepthWeight(const RenderState& state, const FrameSizes& sizes,
+                     const DepthWeightUniforms& uniforms);
+void PassErodeWeights(const RenderState& state, const FrameSizes& sizes);
+void PassDilateWeights(const RenderState& state, const FrameSizes& sizes);
+void PassBlurWeights(const RenderState& state, const FrameSizes& sizes,
+                     float scale);
+
+// Mixes the image with the blurred one by weight, off screen into the output
+// target, else into the default framebuffer.
 struct CompositeInputs {
-  GLuint framebuffer = 0;
   GLuint image_texture = 0;
   GLuint weight_texture = 0;
-  ImageSize output;
+  bool off_screen = false;
+  bool portrait = false;
 };
-
-void PassNv21ToRgb(const RenderState& state);
-void PassNv21Pack(const RenderState& state, ImageSize size);
-void PassPlanarYuvPack(const RenderState& state, ImageSize size);
-void PassBypass(const RenderState& state, ImageSize size, bool rotate);
-// `scale` is the blur's reach to either side in texels of an image of `size`.
-void PassSeparableBlur(const RenderState& state, GLuint source_texture,
-                       GLuint destination_framebuffer, ImageSize size,
-                       float scale);
-void PassDepthWeight(const RenderState& state, ImageSize size,
-                     const DepthWeightUniforms& uniforms);
-// `program` is Max3x3Program or Min3x3Program.
-void PassPick3x3(const RenderState& state, ProgramRole program,
-                 GLuint source_texture, GLuint destination_framebuffer,
-                 ImageSize size);
-// Stretches a picture over a region of what is there. Blending that has once
-// been enabled stays so.
-void PassDebugPicture(const RenderState& state, GLuint picture_texture,
-                      DrawRegion region, bool blend);
-void PassComposite(const RenderState& state, const CompositeInputs& inputs,
-                   const Quad& quad);
+void PassComposite(const RenderState& state, const FrameSizes& sizes,
+                   const CompositeInputs& inputs);
 
 }  // namespace zuqel
 

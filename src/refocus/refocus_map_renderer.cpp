@@ -15,6 +15,19 @@ namespace {
 constexpr TextureSampling kRepeated = {GL_LINEAR, GL_REPEAT};
 constexpr float kSofteningScale = 1.0F;
 
+// Every pass has the size of the map and draws it upright.
+struct PassRow {
+  ProgramRole program;
+  size_t target;
+};
+constexpr PassRow kSoftenDown = {ProgramRole::BlurVProgram, 1};
+constexpr PassRow kSoftenAcross = {ProgramRole::BlurHProgram, 0};
+
+Pass PassOf(const PassRow& row, const RefocusMapState& state, ImageSize size) {
+  return {state.programs[row.program], state.framebuffers[row.target].get(),
+          size, kQuadUpright};
+}
+
 void AttachDepth(GLuint depth_buffer, ImageSize size) {
   glBindRenderbuffer(GL_RENDERBUFFER, depth_buffer);
   // Like a texture's, a size that the driver does not have is not handed to it.
@@ -77,9 +90,8 @@ void UploadRefocusDepth(const RefocusMapState& state,
 void PassRefocusWeights(const RefocusMapState& state, ProgramRole program,
                         ImageSize map_size,
                         const DepthWeightUniforms& uniforms) {
-  DrawDepthWeight({state.programs[program], state.framebuffers[0].get(),
-                   state.depth_texture.get(), map_size},
-                  uniforms);
+  DrawDepthWeight(PassOf({program, 0}, state, map_size),
+                  state.depth_texture.get(), uniforms);
 }
 
 void PassSoftenRefocusMap(const RefocusMapState& state,
@@ -88,20 +100,10 @@ void PassSoftenRefocusMap(const RefocusMapState& state,
   UploadTexture(state.map_texture.get(), GL_RGBA, map.width, map.height,
                 rgba.data(), kRepeated);
   const ImageSize size = {map.width, map.height};
-  DrawBlur({.program = state.programs[ProgramRole::BlurVProgram],
-            .framebuffer = state.framebuffers[1].get(),
-            .source_texture = state.map_texture.get(),
-            .viewport = size,
-            .image = size,
-            .scale = kSofteningScale},
-           kQuadUpright);
-  DrawBlur({.program = state.programs[ProgramRole::BlurHProgram],
-            .framebuffer = state.framebuffers[0].get(),
-            .source_texture = state.colour_textures[1].get(),
-            .viewport = size,
-            .image = size,
-            .scale = kSofteningScale},
-           kQuadUpright);
+  DrawBlur(PassOf(kSoftenDown, state, size), state.map_texture.get(), size,
+           kSofteningScale);
+  DrawBlur(PassOf(kSoftenAcross, state, size), state.colour_textures[1].get(),
+           size, kSofteningScale);
 }
 
 void ReadRefocusMap(ImageSize map_size, std::span<uint32_t> rgba) {

@@ -7,6 +7,7 @@
 #include "base/buffer.h"
 #include "base/log.h"
 #include "gl/texture.h"
+#include "render/pass_draws.h"
 
 namespace zuqel {
 namespace {
@@ -18,7 +19,7 @@ bool IsInUse(const DebugPicture& picture) {
 
 }  // namespace
 
-void LoadDebugPictures(const RenderState* state, const DebugPicture* table,
+void LoadDebugPictures(const DebugTextures* textures, const DebugPicture* table,
                        DebugPictures& pictures) {
   std::copy_n(table, pictures.table.size(), pictures.table.begin());
   for (size_t i = 0; i < pictures.table.size(); ++i) {
@@ -29,22 +30,29 @@ void LoadDebugPictures(const RenderState* state, const DebugPicture* table,
         "picture[i].iHeight = %d",
         static_cast<int>(i), Low32(picture.pData), picture.iWidth,
         picture.iHeight);
-    if (state == nullptr) continue;
-    UploadTexture(state->debug_pictures[i].get(), GL_RGBA, picture.iWidth,
+    if (textures == nullptr) continue;
+    UploadTexture((*textures)[i].get(), GL_RGBA, picture.iWidth,
                   picture.iHeight, picture.pData, {});
   }
 }
 
-void DrawDebugPictures(const RenderState& state,
+void DrawDebugPictures(const LinkedProgram& copy_program,
+                       const DebugTextures& textures, GLuint framebuffer,
                        const DebugPictures& pictures) {
   if (!pictures.show) return;
   for (size_t i = 0; i < pictures.table.size(); ++i) {
     const DebugPicture& picture = pictures.table[i];
     if (!IsInUse(picture)) continue;
-    PassDebugPicture(state, state.debug_pictures[i].get(),
-                     {picture.iX, picture.iY, NonNegative(picture.iDrawWidth),
-                      NonNegative(picture.iDrawHeight)},
-                     pictures.blend);
+    glUseProgram(copy_program.name());
+    glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+    SetViewport({picture.iX, picture.iY, NonNegative(picture.iDrawWidth),
+                 NonNegative(picture.iDrawHeight)});
+    if (pictures.blend) {
+      glEnable(GL_BLEND);
+      glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
+    }
+    SetTexture(copy_program, {"inputImageTexture", 0, textures[i].get()});
+    DrawQuad(copy_program, kQuadUpright);
   }
 }
 

@@ -5,10 +5,14 @@
 #include <zuQelRT_GL.h>
 
 #include <array>
+#include <cstddef>
 
-#include "frame/passes.h"
+#include "gl/gl_handle.h"
+#include "gl/program.h"
 
 namespace zuqel {
+
+inline constexpr size_t kDebugPictureCount = 10;
 
 struct DebugPictures {
   // Of an entry's pointer only whether it is null counts once it is loaded.
@@ -17,14 +21,19 @@ struct DebugPictures {
   bool blend = false;
 };
 
+using DebugTextures = std::array<Texture, kDebugPictureCount>;
+
 // Copies ten entries and uploads the pictures of those in use, which it logs;
-// the others' textures stay as they are. With a null `state` there are no
-// textures to upload to. Needs PlainGlState.
-void LoadDebugPictures(const RenderState* state, const DebugPicture* table,
+// the others' textures stay as they are. Null `textures` take no upload. Needs
+// PlainGlState.
+void LoadDebugPictures(const DebugTextures* textures, const DebugPicture* table,
                        DebugPictures& pictures);
 
-// Draws the pictures in use over the output target, which stays bound.
-void DrawDebugPictures(const RenderState& state, const DebugPictures& pictures);
+// Stretches each picture in use over its region of the framebuffer, which stays
+// bound. Blending that has once been enabled stays so. Needs PlainGlState.
+void DrawDebugPictures(const LinkedProgram& copy_program,
+                       const DebugTextures& textures, GLuint framebuffer,
+                       const DebugPictures& pictures);
 
 }  // namespace zuqel
 

@@ -1,64 +1,61 @@
-// Draws what passes share.
+// Draws passes.
 #include "render/pass_draws.h"
 
 namespace zuqel {
+namespace {
 
-void SetUniform(const LinkedProgram& program, Uniform uniform, GLint value) {
-  glUniform1i(uniform.LocationIn(program), value);
+void SetUniform(const LinkedProgram& program, const UniformInput& input) {
+  const GLint location = input.uniform.LocationIn(program);
+  if (const auto* number = std::get_if<GLint>(&input.value)) {
+    glUniform1i(location, *number);
+  } else if (const auto* real = std::get_if<GLfloat>(&input.value)) {
+    glUniform1f(location, *real);
+  }
 }
 
-void SetUniform(const LinkedProgram& program, Uniform uniform, GLfloat value) {
-  glUniform1f(uniform.LocationIn(program), value);
-}
+}  // namespace
 
 void SetViewport(DrawRegion region) {
   glViewport(region.x, region.y, region.width,
              region.height == 0 ? 1 : region.height);
 }
 
-void BeginPass(const LinkedProgram& program, GLuint framebuffer,
-               ImageSize size) {
-  glUseProgram(program.name());
-  glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
+void SetTexture(const LinkedProgram& program, const TextureInput& input) {
+  glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(input.unit));
+  glBindTexture(GL_TEXTURE_2D, input.texture);
+  glUniform1i(input.sampler.LocationIn(program), input.unit);
+}
+
+void DrawPass(const Pass& pass, std::initializer_list<TextureInput> textures,
+              std::initializer_list<UniformInput> uniforms) {
+  glUseProgram(pass.program.name());
+  glBindFramebuffer(GL_FRAMEBUFFER, pass.framebuffer);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
-  SetViewport({0, 0, size.width, size.height});
+  SetViewport({0, 0, pass.size.width, pass.size.height});
+  for (const UniformInput& input : uniforms) SetUniform(pass.program, input);
+  for (const TextureInput& input : textures) SetTexture(pass.program, input);
+  DrawQuad(pass.program, pass.quad);
 }
 
-void SetTexture(const LinkedProgram& program, Uniform sampler, GLint unit,
-                GLuint texture) {
-  glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
-  glBindTexture(GL_TEXTURE_2D, texture);
-  SetUniform(program, sampler, unit);
-}
-
-void SetImageSize(const LinkedProgram& program, ImageSize size) {
-  SetUniform(program, "fWidth", static_cast<GLfloat>(size.width));
-  SetUniform(program, "fHeight", static_cast<GLfloat>(size.height));
-}
-
-void DrawDepthWeight(const DepthWeightDraw& draw,
+void DrawDepthWeight(const Pass& pass, GLuint depth_texture,
                      const DepthWeightUniforms& uniforms) {
-  const LinkedProgram& program = draw.program;
-  BeginPass(program, draw.framebuffer, draw.size);
-  SetTexture(program, "depthTexture", 4, draw.depth_texture);
-  SetUniform(program, "depthTexture2", 5);
-  SetUniform(program, "focusPlane", uniforms.focus_plane);
-  SetUniform(program, "mouseX", uniforms.mouse_x);
-  SetUniform(program, "mouseY", uniforms.mouse_y);
-  SetUniform(program, "F_number", 0.0F);
-  SetUniform(program, "min_depth", uniforms.min_depth);
-  SetUniform(program, "max_depth", uniforms.max_depth);
-  SetUniform(program, "focal_length", uniforms.focal_length);
-  DrawQuad(program, kQuadUpright);
+  DrawPass(pass, {{"depthTexture", 4, depth_texture}},
+           {{"depthTexture2", 5},
+            {"focusPlane", uniforms.focus_plane},
+            {"mouseX", uniforms.mouse_x},
+            {"mouseY", uniforms.mouse_y},
+            {"F_number", 0.0F},
+            {"min_depth", uniforms.min_depth},
+            {"max_depth", uniforms.max_depth},
+            {"focal_length", uniforms.focal_length}});
 }
 
-void DrawBlur(const BlurDraw& draw, const Quad& quad) {
-  const LinkedProgram& program = draw.program;
-  BeginPass(program, draw.framebuffer, draw.viewport);
-  SetImageSize(program, draw.image);
-  SetUniform(program, "myscale", draw.scale);
-  SetTexture(program, "inputImageTexture", 0, draw.source_texture);
-  DrawQuad(program, quad);
+void DrawBlur(const Pass& pass, GLuint source_texture, ImageSize image,
+              float scale) {
+  DrawPass(pass, {{"inputImageTexture", 0, source_texture}},
+           {{"fWidth", static_cast<float>(image.width)},
+            {"fHeight", static_cast<float>(image.height)},
+            {"myscale", scale}});
 }
 
 }  // namespace zuqel

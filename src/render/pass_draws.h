@@ -1,12 +1,13 @@
-// What passes are made of: uniforms, textures, targets, and the draws that the
-// frames and the refocus maps have in common. Needs PlainGlState. Uniforms are
-// set at each draw.
+// Passes: each fills a target with one quad drawn by one program. Needs
+// PlainGlState.
 #ifndef ZUQEL_RENDER_PASS_DRAWS_H_
 #define ZUQEL_RENDER_PASS_DRAWS_H_
 
 #include <GLES2/gl2.h>
 
 #include <cstdint>
+#include <initializer_list>
+#include <variant>
 
 #include "base/image_size.h"
 #include "render/program_inputs.h"
@@ -14,30 +15,28 @@
 
 namespace zuqel {
 
-// A region of the output in pixels, from the lower left.
-struct DrawRegion {
-  int32_t x = 0;
-  int32_t y = 0;
-  int32_t width = 0;
-  int32_t height = 0;
+struct Pass {
+  const LinkedProgram& program;
+  GLuint framebuffer = 0;
+  ImageSize size;
+  const Quad& quad;
 };
 
-void SetUniform(const LinkedProgram& program, Uniform uniform, GLint value);
-void SetUniform(const LinkedProgram& program, Uniform uniform, GLfloat value);
+// A texture for a sampler, by way of a texture unit.
+struct TextureInput {
+  Uniform sampler;
+  GLint unit = 0;
+  GLuint texture = 0;
+};
 
-// Binds a texture to a unit and tells a sampler of the program.
-void SetTexture(const LinkedProgram& program, Uniform sampler, GLint unit,
-                GLuint texture);
+struct UniformInput {
+  Uniform uniform;
+  std::variant<GLint, GLfloat> value;
+};
 
-// Sets the size that shaders step texels by.
-void SetImageSize(const LinkedProgram& program, ImageSize size);
-
-// A height of 0 counts as 1.
-void SetViewport(DrawRegion region);
-
-// Takes `program` into use and clears a target of `size`.
-void BeginPass(const LinkedProgram& program, GLuint framebuffer,
-               ImageSize size);
+// Clears the target and draws. The last texture's unit stays the active one.
+void DrawPass(const Pass& pass, std::initializer_list<TextureInput> textures,
+              std::initializer_list<UniformInput> uniforms = {});
 
 struct DepthWeightUniforms {
   float mouse_x = 0;
@@ -50,26 +49,26 @@ struct DepthWeightUniforms {
 
 // Weights from packed disparity, by DepthWeightProgram or
 // AllInFocusWeightProgram.
-struct DepthWeightDraw {
-  const LinkedProgram& program;
-  GLuint framebuffer = 0;
-  GLuint depth_texture = 0;
-  ImageSize size;
-};
-void DrawDepthWeight(const DepthWeightDraw& draw,
+void DrawDepthWeight(const Pass& pass, GLuint depth_texture,
                      const DepthWeightUniforms& uniforms);
 
 // One direction of a separable blur, by BlurHProgram or BlurVProgram. `scale`
 // is its reach to either side in texels of an image of `image` pixels.
-struct BlurDraw {
-  const LinkedProgram& program;
-  GLuint framebuffer = 0;
-  GLuint source_texture = 0;
-  ImageSize viewport;
-  ImageSize image;
-  float scale = 0;
+void DrawBlur(const Pass& pass, GLuint source_texture, ImageSize image,
+              float scale);
+
+// A region of a target in pixels, from the lower left.
+struct DrawRegion {
+  int32_t x = 0;
+  int32_t y = 0;
+  int32_t width = 0;
+  int32_t height = 0;
 };
-void DrawBlur(const BlurDraw& draw, const Quad& quad);
+
+// A height of 0 counts as 1.
+void SetViewport(DrawRegion region);
+
+void SetTexture(const LinkedProgram& program, const TextureInput& input);
 
 }  // namespace zuqel
 
