@@ -16,8 +16,9 @@ int main(void) {
     disparity[i] = i % kMapWidth < kMapWidth / 2 ? 800 : 100;
 
   const uint8_t calibration[512] = {0}; /* from the camera module */
-  const GLInitInfo info = {kWidth,    kHeight,    kMapWidth,   kMapHeight,
-                           kMapWidth, kMapHeight, .offmode = 1};
+  const GLInitInfo info = {
+      kWidth,    kHeight,    kMapWidth,    kMapHeight,
+      kMapWidth, kMapHeight, .offmode = 1, .srcformat = ZUQEL_SRCFORMAT_NV21};
   if (zuQelRT_GLInitV1(calibration, 512, NULL, 0, &info) != ZUQEL_SUCCESS)
     return 1;
   zuQelRT_GLStartV1HWDepth(luma, chroma, disparity, kWidth / 4, kHeight / 2, 0,

@@ -73,7 +73,7 @@ BokehSession::BokehSession(const SessionSetup& setup) : setup_(setup) {
   info.WorkWidth = setup.work.width;
   info.WorkHeight = setup.work.height;
   info.offmode = 1;
-  info.srcformat = 0;
+  info.srcformat = ZUQEL_SRCFORMAT_NV21;
   const CalibrationRecord record = PlainCalibration();
   CheckStatus(zuQelRT_GLInitV1(record.data(), record.size(), nullptr, 0, &info),
               "zuQelRT_GLInitV1");

@@ -20,7 +20,7 @@ constexpr int kExitWorkFailed = 1;
 constexpr int kExitBadInput = 2;
 
 std::string Version() {
-  std::array<char, 256> text = {};
+  std::array<char, ZUQEL_VERSION_BUFFER_SIZE> text = {};
   zuQel_GLVersionInfo_Get(text.data(), static_cast<int32_t>(text.size()));
   return std::string("zuqel ") + text.data();
 }
