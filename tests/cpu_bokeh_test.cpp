@@ -409,11 +409,10 @@ struct GuardedFrame {
 void BeginSession(const ExpansionRow& row) {
   Session& session = TheSession();
   // Smoothing at once reads the masks that earlier rows have left.
-  if (row.counter > 2) session.expansion = {};
+  if (row.counter > 2) session.until_close.emplace();
   session.expansionFrameCounter = row.counter;
-  session.gInfo = {
-      row.width, row.height, row.map_width, row.map_height, 0, 0, 0, 0, 0, 0,
-      0,         0};
+  session.TakeInfo({row.width, row.height, row.map_width, row.map_height, 0, 0,
+                    0, 0, 0, 0, 0, 0});
 }
 
 TEST(RenderExpansion, EqualsItsStepsInPlainForm) {

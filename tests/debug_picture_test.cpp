@@ -39,9 +39,7 @@ DebugPicture Picture(Size size, DrawRegion region, size_t first_pixel = 0) {
 
 // The frame in the output target.
 Bytes Target() {
-  return ReadPixels(
-             TheSession().frame.render.targets.framebuffer(kOutputTarget),
-             kOutput)
+  return ReadPixels(RunningRender().targets.framebuffer(kOutputTarget), kOutput)
       .rgba;
 }
 
@@ -134,7 +132,7 @@ TEST_F(DebugPictureTest, OnScreenTheyAreReadFromTheOutputTarget) {
   ASSERT_EQ(zuQelRT_GLSetDebugPicture(table.data()), 0U);
   const Bytes expected = DrawnOverTarget(table, false);
   RenderFrame(true, false);
-  const Buffer& buffer = TheSession().buffers[BufferRole::kReadBack];
+  const Buffer& buffer = RunningFrame().memory.read_back;
   const Bytes read(buffer.bytes(), buffer.bytes() + buffer.size());
   EXPECT_TRUE(IsNear(read, expected, kRounding));
 }

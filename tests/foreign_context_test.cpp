@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "fresh_session.h"
+#include "scoped_property.h"
 
 namespace zuqel {
 namespace {
@@ -51,6 +52,7 @@ std::array<DebugPicture, 10> Pictures(const uint8_t* pixel) {
 
 TEST_F(ForeignContextTest, NothingIsDrawnWhereTheSessionDoesNotLive) {
   const GLInitInfo info = SmallInfo();
+  const ScopedProperty dot("persist.zu.LVGLbokeh.FocusDot", "1");
   ASSERT_EQ(InitSession(info), 0U);
   const EGLDisplay display = eglGetCurrentDisplay();
   const EGLContext home = eglGetCurrentContext();
@@ -66,7 +68,6 @@ TEST_F(ForeignContextTest, NothingIsDrawnWhereTheSessionDoesNotLive) {
     ASSERT_NE(eglGetCurrentContext(), home);
     MakeTextures();
     const auto before = ReadTextures();
-    session_.FocusDotEnable = 1;
     for (const bool without : {false, true}) {
       if (without) {
         eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
@@ -86,7 +87,6 @@ TEST_F(ForeignContextTest, NothingIsDrawnWhereTheSessionDoesNotLive) {
       if (without) continue;
       EXPECT_EQ(ReadTextures(), before);
     }
-    session_.FocusDotEnable = 0;
     eglMakeCurrent(display, home_surface, home_surface, home);
     const CallerFrame frame(info);
     const auto contents = frame.Contents();

@@ -49,7 +49,7 @@ class FrameDumpTest : public testing::Test {
     return files;
   }
   static Bytes Output(reference::Size size) {
-    const auto& targets = TheSession().frame.render.targets;
+    const auto& targets = RunningRender().targets;
     return ReadPixels(targets.framebuffer(kOutputTarget), size).rgba;
   }
 
@@ -76,7 +76,7 @@ TEST_F(FrameDumpTest, FilesHoldTheFrame) {
   const Bytes luma = TestFrame().luma;
   TestFrame frame;
   const ScopedSession session(SmallInfo());
-  TheSession().frame.counters.dump_number = 9998;
+  TheSession().frames.counters.dump_number = 9998;
   EXPECT_EQ(frame.Render(), ZUQEL_SUCCESS);
   // The viewport of the first frame's beginning is the context's own.
   EXPECT_EQ(NewFiles(),

@@ -79,7 +79,7 @@ struct Call {
 };
 
 Image ReadTarget(size_t index, Size size = kMaps) {
-  return ReadPixels(TheSession().frame.render.targets.framebuffer(index), size);
+  return ReadPixels(RunningRender().targets.framebuffer(index), size);
 }
 
 // Weights to erosion, erosion to dilation, dilation to blur.
@@ -87,7 +87,7 @@ void CheckWeightStages(const Call& call) {
   const FrameRow& row = call.row;
   Image depth = reference::FromDisparity(call.disparity, row.depth);
   depth.repeat = true;
-  const DepthStatistics& taken = TheSession().frame.depth_statistics;
+  const DepthStatistics& taken = TheSession().frames.depth;
   const Point texel = {1.0 / row.work.width, 1.0 / row.work.height};
   const auto picked = [&](const Image& from, bool largest) {
     return Draw(kMaps, row.work, Turn::kUpright,
@@ -173,9 +173,8 @@ TEST_F(FrameTest, FramesAreThePlainResult) {
     AddDot(expected, call.focus_x, call.focus_y);
     const auto packed = PatternBytes(Pattern::kNoise, row.preview.width * 4,
                                      row.preview.height, 5);
-    const std::span given(
-        TheSession().buffers[BufferRole::kPackedFrame].bytes(), packed.size());
-    std::ranges::copy(packed, given.begin());
+    const Buffer& given = RunningFrame().memory.packed_frame;
+    if (given.exists()) std::ranges::copy(packed, given.bytes());
     call.Render();
 
     const Image image =

@@ -44,12 +44,14 @@ class GraphicBufferTest : public testing::Test {
     {
       const ScopedSession session(info);
       EXPECT_EQ(TheSession().gInfo.GraphicBufferFlag, used ? 1 : 0);
-      EXPECT_EQ(frame_session_.graphic_buffer.exists(), used);
+      EXPECT_EQ(RunningFrame().graphic_buffer.has_value(), used);
       EXPECT_GE(LiveNames(), 14 + 14) << "targets";
-      const auto packed = PatternBytes(Pattern::kNoise, 4 * info.PreviewWidth,
-                                       info.PreviewHeight, 5);
-      std::copy(packed.begin(), packed.end(),
-                TheSession().buffers[BufferRole::kPackedFrame].bytes());
+      const Buffer& given = RunningFrame().memory.packed_frame;
+      if (given.exists()) {
+        const auto packed = PatternBytes(Pattern::kNoise, 4 * info.PreviewWidth,
+                                         info.PreviewHeight, 5);
+        std::copy(packed.begin(), packed.end(), given.bytes());
+      }
       for (TestFrame& frame : frames) {
         EXPECT_EQ(frame.Render(from_depth), ZUQEL_SUCCESS);
       }
@@ -67,7 +69,6 @@ class GraphicBufferTest : public testing::Test {
 
   const CallerContext caller_{64, 48};
   LogCapture log_;
-  FrameSession& frame_session_ = TheSession().frame;
 };
 
 TEST_F(GraphicBufferTest, GivesThePictureOfReadBack) {

@@ -25,7 +25,7 @@
 #include "depth/morphology.h"
 #include "depth/refocus_refinement.h"
 #include "depth/statistics.h"
-#include "frame/focus_dot.h"
+#include "frame/focus.h"
 #include "render/plane_conversion.h"
 
 namespace zuqel {

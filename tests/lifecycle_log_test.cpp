@@ -71,7 +71,7 @@ f number = )" +
 class LifecycleLog : public FreshSessionTest {
  protected:
   [[nodiscard]] Handles HandlesHeld() const {
-    const ContextSlot& slot = session_.context;
+    const ContextSlot& slot = session_.frame_context;
     return {slot.display != EGL_NO_DISPLAY, slot.surface != EGL_NO_SURFACE,
             slot.context != EGL_NO_CONTEXT};
   }
@@ -141,7 +141,7 @@ TEST_F(LifecycleLog, Frames) {
     for (const bool from_depth : {false, true}) {
       row.call.from_depth = from_depth;
       // A second ends with the frame from depth.
-      session_.frame.counters.time_of_last_fps_line =
+      session_.frames.counters.time_of_last_fps_line =
           MillisecondClock() - (from_depth ? 1000 : 0);
       TakeLog();
       EXPECT_EQ(CallerFrame(info).Render(row.call), 0U);

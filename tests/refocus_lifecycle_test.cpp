@@ -98,12 +98,12 @@ class RefocusLifecycle : public FreshSessionTest {
       }
       log.append(event).append("gLastDepth = 0x0\n");
     }
-    session_.frame.counters.frame_index = 9;
+    session_.frames.counters.frame_index = 9;
     TakeLog();
     EXPECT_EQ(zuQelRT_GenRefocusMap_Deinit(), 0U);
     EXPECT_EQ(TakeMaskedLog(),
               log + kDeletion + deletion + "Deinit RefocusMap Gen -\n");
-    EXPECT_EQ(session_.frame.counters.frame_index, 0U);
+    EXPECT_EQ(session_.frames.counters.frame_index, 0U);
   }
   // Of a scene whose left is far, focused there.
   static Bytes Generate(auto generator) {
@@ -178,10 +178,12 @@ TEST_F(RefocusLifecycle, BothThreadsDrawAtOnce) {
 TEST_F(RefocusLifecycle, ASecondInitMakesEverythingAnew) {
   const ScopedSession session(SmallInfo());
   ExpectInit("", kCompiled);
-  const auto& framebuffer = session_.refocus_map.render.framebuffers[1];
-  const GLuint first = framebuffer.get();
+  const auto framebuffer = [&] {
+    return session_.refocus_maps.gl.IfCurrent()->framebuffers[1].get();
+  };
+  const GLuint first = framebuffer();
   ExpectInit("", kCompiled, "#");
-  const GLuint second = framebuffer.get();
+  const GLuint second = framebuffer();
   EXPECT_NE(first, second);
   EXPECT_TRUE(MakesMap());
   ExpectDeinit(kSkipped, "#");
@@ -200,21 +202,23 @@ TEST_F(RefocusLifecycle, ProgramsComeFromTheCache) {
     ExpectDeinit(kSkipped, "#");
   }
   const ScopedSession session(SmallInfo(), cache.data());
-  const auto& programs = session_.refocus_map.render.programs;
+  const auto program = [&](ProgramRole role) {
+    return session_.refocus_maps.gl.IfCurrent()->programs[role].name();
+  };
   ExpectInit("", valid + loaded + loaded + loaded);
-  EXPECT_EQ(programs[ProgramRole::AllInFocusWeightProgram].name(), 0U);
+  EXPECT_EQ(program(ProgramRole::AllInFocusWeightProgram), 0U);
   EXPECT_TRUE(MakesMap());
   Generate(zuQelRT_GenRefocusMap_ZU4410_DispartyBase);
   ExpectDeinit(kSkipped, "#");
   // One that loads is enough: DepthWeightProgram and BlurHProgram do not.
-  auto& entries = session_.program_cache.binaryInfo.entries;
+  auto& entries = RunningFrame().memory.program_cache.binaryInfo.entries;
   entries[3] = entries[0] = {};
   ExpectInit("", valid + broken + broken + loaded);
   EXPECT_FALSE(MakesMap());
   ExpectDeinit(kSkipped, "#");
   entries[1] = {};
   ExpectInit("", valid + broken + broken + broken + "load binary fail\n");
-  EXPECT_EQ(programs[ProgramRole::AllInFocusWeightProgram].name(), 0U);
+  EXPECT_EQ(program(ProgramRole::AllInFocusWeightProgram), 0U);
   EXPECT_TRUE(MakesMap());
   ExpectDeinit(kSkipped, "#");
 }

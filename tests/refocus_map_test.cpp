@@ -103,7 +103,7 @@ class RefocusMap : public FreshSessionTest {
   // The weights as they were read back from the GPU.
   Bytes Weights() {
     const uint8_t* bytes =
-        session_.buffers[BufferRole::kWeightMapCharRm].bytes();
+        session_.refocus_maps.buffers.WeightMap_buffer_char_RM.bytes();
     return {bytes, bytes + kMap.area()};
   }
   [[nodiscard]] Bytes PlainWeights(auto shader, uint32_t focus) const {

@@ -27,8 +27,7 @@ using Uniforms = std::vector<std::pair<const char*, double>>;
 constexpr Size kMaps = {320, 240};
 
 Texture Upload(const Image& image) {
-  Texture texture;
-  texture.Generate();
+  Texture texture = Texture::Generate();
   UploadTexture(texture.get(), GL_RGBA, image.size.width, image.size.height,
                 image.rgba.data(),
                 {image.linear ? GL_LINEAR : GL_NEAREST, GL_CLAMP_TO_EDGE});
@@ -53,7 +52,7 @@ class ShaderTest : public testing::Test {
   static Image Check(ProgramRole role, Size size, const Inputs& inputs,
                      const Uniforms& uniforms, Tolerance tolerance,
                      const std::function<Rgba(Point)>& shade) {
-    const RenderState& state = TheSession().frame.render;
+    const RenderState& state = RunningRender();
     const LinkedProgram& program = state.programs[role];
     glUseProgram(program.name());
     std::vector<Texture> textures;

@@ -66,6 +66,15 @@ class ScopedSession {
   uint32_t status_;
 };
 
+// What frames are rendered with in the session that runs, and the GL objects of
+// those where their context is current.
+inline FrameSession& RunningFrame() {
+  return *TheSession().RunningFrame();
+}
+inline const RenderState& RunningRender() {
+  return *RunningFrame().gl.IfCurrent();
+}
+
 // Puts the session back to what it is at load. None runs.
 inline void ResetSession() {
   Session* session = &TheSession();

@@ -17,11 +17,8 @@ uint32_t zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(uint8_t* yPlane,
     return ZUQEL_SUCCESS;
   }
   zuqel::Session& session = zuqel::TheSession();
-  const GLInitInfo& info = session.gInfo;
-  const auto [width, height] =
-      zuqel::SizeFrom(info.PreviewWidth, info.PreviewHeight);
-  const auto [depth_width, depth_height] =
-      zuqel::SizeFrom(info.DepthWidth, info.DepthHeight);
+  const auto [width, height] = session.frame_setup.preview;
+  const auto [depth_width, depth_height] = session.frame_setup.depth;
   const auto chroma_bytes =
       static_cast<size_t>(width) * static_cast<size_t>(height / 2);
   const bool rendered = zuqel::RenderExpansion(
@@ -30,7 +27,7 @@ uint32_t zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(uint8_t* yPlane,
        .disparity = {disparity, depth_width, depth_height},
        .focus_x = a_dReX,
        .focus_y = static_cast<int32_t>(a_dReY)},
-      session.expansion, session.expansionFrameCounter);
+      session.until_close->expansion, session.expansionFrameCounter);
   if (rendered) {
     ZUQEL_LOG("Bokeh_ZU4410_DisparityBase_Expansion take %d ms",
               zuqel::ElapsedSince(start));

@@ -1,13 +1,14 @@
-// The calls that manage the debug pictures.
+// Takes and shows debug pictures.
 #include <zuQelRT_GL.h>
 
 #include "api/session.h"
 #include "base/log.h"
-#include "gl/gl_state.h"
-#include "render/debug_pictures.h"
+
+using zuqel::Session;
+using zuqel::TheSession;
 
 uint32_t zuQelRT_GLShowDebugPicture(int32_t isShow, int32_t isBlending) {
-  zuqel::DebugPictures& pictures = zuqel::TheSession().frame.debug_pictures;
+  zuqel::DebugPictures& pictures = TheSession().frames.debug_pictures;
   pictures.show = isShow != 0;
   pictures.blend = isBlending != 0;
   ZUQEL_LOG("isShow = %d, isBlending = %d", isShow, isBlending);
@@ -16,13 +17,7 @@ uint32_t zuQelRT_GLShowDebugPicture(int32_t isShow, int32_t isBlending) {
 
 uint32_t zuQelRT_GLSetDebugPicture(const DebugPicture* table) {
   if (table == nullptr) return ZUQEL_NULL_POINTER;
-  zuqel::FrameSession& frame = zuqel::TheSession().frame;
-  if (zuqel::IsCurrent(frame.render_context)) {
-    const zuqel::PlainGlState plain_state;
-    zuqel::LoadDebugPictures(&frame.render.debug_pictures, table,
-                             frame.debug_pictures);
-  } else {
-    zuqel::LoadDebugPictures(nullptr, table, frame.debug_pictures);
-  }
+  Session& session = TheSession();
+  zuqel::TakeDebugPictures(session.RunningFrame(), table, session.frames);
   return ZUQEL_SUCCESS;
 }

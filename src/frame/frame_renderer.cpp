@@ -1,7 +1,8 @@
-// The order of passes of a frame.
+// Runs the passes of a frame in order.
 #include "frame/frame_renderer.h"
 
 #include <array>
+#include <optional>
 
 #include "base/buffer.h"
 #include "base/clock.h"
@@ -31,59 +32,76 @@ float BlurScale(float f_number) {
   return scale > 0 ? scale : 0.1F;
 }
 
-// Ready textures are sampled as they are, others through the work image. With
-// depth from the chip, three planes have no case of their own.
-bool IsReadyTexture(const FrameJob& job) {
-  if (!job.off_screen || job.source_format == kFormatNv21) return false;
-  return job.depth != nullptr || job.source_format != kFormatPlanar;
+FrameSizes SizesOf(const FrameSetup& setup) {
+  return {.image = setup.preview, .work = setup.work, .output = setup.output};
 }
 
-GLuint ImageTexture(const RenderState& state, const FrameJob& job) {
-  return IsReadyTexture(job) ? state.inputs[kInputY].get()
-                             : state.targets.texture(kWorkImage);
-}
+// One frame's way through the passes.
+class FramePasses {
+ public:
+  FramePasses(const RenderState& state, const FrameSetup& setup,
+              const FrameCall& call)
+      : state_(state),
+        setup_(setup),
+        call_(call),
+        sizes_(SizesOf(setup)),
+        scale_(BlurScale(call.f_number)) {}
 
-FrameSizes SizesOf(const FrameJob& job) {
-  return {.image = job.image, .work = job.work, .output = job.output};
-}
-
-void BlurImage(const RenderState& state, const FrameJob& job, float scale) {
-  const FrameSizes sizes = SizesOf(job);
-  if (job.off_screen && job.source_format == kFormatNv21) {
-    PassNv21Pack(state, sizes);
-  } else if (job.off_screen && !IsReadyTexture(job)) {
-    PassPlanarYuvPack(state, sizes);
+  void BlurImage() const {
+    if (setup_.off_screen && setup_.source_format == kFormatNv21) {
+      PassNv21Pack(state_, sizes_);
+    } else if (setup_.off_screen && !HasReadyTexture()) {
+      PassPlanarYuvPack(state_, sizes_);
+    }
+    PassBlurImage(state_, sizes_, ImageTexture(), scale_);
   }
-  PassBlurImage(state, sizes, ImageTexture(state, job), scale);
-}
 
-// Weights from depth, cleaned of blurred specks below three pixels by an
-// opening, and softened.
-void MakeWeights(const RenderState& state, const FrameJob& job, float scale) {
-  const FrameSizes sizes = SizesOf(job);
-  PassDepthWeight(state, sizes,
-                  {.mouse_x = static_cast<float>(job.focus_x) /
-                              static_cast<float>(job.image.width),
-                   .mouse_y = static_cast<float>(job.focus_y) /
-                              static_cast<float>(job.image.height),
-                   .focus_plane = static_cast<float>(job.depth->focus),
-                   .min_depth = static_cast<float>(job.depth->min),
-                   .max_depth = static_cast<float>(job.depth->max),
-                   .focal_length = job.focal_length});
-  PassErodeWeights(state, sizes);
-  PassDilateWeights(state, sizes);
-  PassBlurWeights(state, sizes, scale);
-}
+  // Weights from depth, cleaned of blurred specks below three pixels by an
+  // opening, and softened.
+  void MakeWeights(const DepthStatistics& depth) const {
+    PassDepthWeight(state_, sizes_,
+                    {.mouse_x = static_cast<float>(call_.focus_x) /
+                                static_cast<float>(setup_.preview.width),
+                     .mouse_y = static_cast<float>(call_.focus_y) /
+                                static_cast<float>(setup_.preview.height),
+                     .focus_plane = static_cast<float>(depth.focus),
+                     .min_depth = static_cast<float>(depth.min),
+                     .max_depth = static_cast<float>(depth.max),
+                     .focal_length = setup_.focal_length});
+    PassErodeWeights(state_, sizes_);
+    PassDilateWeights(state_, sizes_);
+    PassBlurWeights(state_, sizes_, scale_);
+  }
 
-void Composite(const RenderState& state, const FrameJob& job) {
-  PassComposite(state, SizesOf(job),
-                {.image_texture = ImageTexture(state, job),
-                 .weight_texture = job.depth != nullptr
-                                       ? state.targets.texture(kBlurredWeights)
-                                       : state.inputs[kInputRefocus].get(),
-                 .off_screen = job.off_screen,
-                 .portrait = job.portrait});
-}
+  void Composite() const {
+    PassComposite(
+        state_, sizes_,
+        {.image_texture = ImageTexture(),
+         .weight_texture = call_.from_depth
+                               ? state_.targets.texture(kBlurredWeights)
+                               : state_.inputs[kInputRefocus].get(),
+         .off_screen = setup_.off_screen,
+         .portrait = call_.portrait});
+  }
+
+ private:
+  // Ready textures are sampled as they are, others through the work image. With
+  // depth from the chip, three planes have no case of their own.
+  [[nodiscard]] bool HasReadyTexture() const {
+    if (!setup_.off_screen || setup_.source_format == kFormatNv21) return false;
+    return call_.from_depth || setup_.source_format != kFormatPlanar;
+  }
+  [[nodiscard]] GLuint ImageTexture() const {
+    return HasReadyTexture() ? state_.inputs[kInputY].get()
+                             : state_.targets.texture(kWorkImage);
+  }
+
+  const RenderState& state_;
+  const FrameSetup& setup_;
+  const FrameCall& call_;
+  FrameSizes sizes_;
+  float scale_;
+};
 
 ImageSize CurrentViewport() {
   std::array<GLint, 4> viewport = {};
@@ -95,7 +113,7 @@ ImageSize CurrentViewport() {
 void DumpOutput(ImageSize size, const DumpName& name) {
   if (!DumpsAreOn()) return;
   Buffer pixels;
-  if (!pixels.Reserve(ByteCount(size.width, size.height, 4))) return;
+  if (!pixels.Reserve(ByteCount(size, 4))) return;
   glReadPixels(0, 0, size.width, size.height, GL_RGBA, GL_UNSIGNED_BYTE,
                pixels.bytes());
   DumpFrame({pixels.bytes(), pixels.size(), size.width, size.height, "Output"},
@@ -104,61 +122,48 @@ void DumpOutput(ImageSize size, const DumpName& name) {
 
 }  // namespace
 
-void CreateImages(RenderState& state, ImageSize preview,
-                  GraphicBuffer* graphic_buffer) {
-  for (Texture& input : state.inputs) input.Generate();
-  for (Texture& picture : state.debug_pictures) picture.Generate();
-  state.targets.Create(preview.width, preview.height, graphic_buffer);
+DumpName DumpNameOf(const FrameCall& call, const FrameHistory& history) {
+  return {history.counters.dump_number, static_cast<int32_t>(call.focus_x),
+          static_cast<int32_t>(call.focus_y)};
 }
 
-void DeleteRenderState(RenderState& state) {
-  for (Texture& picture : state.debug_pictures) picture.Delete();
-  for (Texture& input : state.inputs) input.Delete();
-  state.targets.DeleteTextures();
-  state.targets.DeleteFramebuffers();
-  state.programs.DeleteAll();
-}
-
-void ForgetRenderState(RenderState& state) {
-  for (Texture& picture : state.debug_pictures) picture.Forget();
-  for (Texture& input : state.inputs) input.Forget();
-  state.targets.Forget();
-  state.programs.Forget();
-}
-
-void RenderFrame(const RenderState* state, const FrameJob& job) {
+void RenderPasses(const RenderState* state, const FrameSetup& setup,
+                  const FrameCall& call, const FrameHistory& history) {
   StepClock clock;
   const ImageSize viewport = state != nullptr ? CurrentViewport() : ImageSize{};
   ZUQEL_LOG("*VX* zuQelRT_GL initialize shader_bypass(1) = %d (ms)",
             clock.Lap());
-  if (state != nullptr && !job.off_screen) PassNv21ToRgb(*state, SizesOf(job));
-  if (job.bypass) {
-    if (state != nullptr && !job.off_screen) {
-      PassBypass(*state, SizesOf(job), job.portrait);
+  if (state != nullptr && !setup.off_screen) {
+    PassNv21ToRgb(*state, SizesOf(setup));
+  }
+  if (call.bypass) {
+    if (state != nullptr && !setup.off_screen) {
+      PassBypass(*state, SizesOf(setup), call.portrait);
     }
     return;
   }
 
+  std::optional<FramePasses> passes;
+  if (state != nullptr) passes.emplace(*state, setup, call);
   ZUQEL_LOG("*VX* zuQelRT_GL minimize depth shader_bypass(2) = %d (ms)",
             clock.Lap());
-  const float scale = BlurScale(job.f_number);
-  ZUQEL_LOG("f number = %f, scale = %f", static_cast<double>(job.f_number),
-            static_cast<double>(scale));
-  if (state != nullptr) BlurImage(*state, job, scale);
+  ZUQEL_LOG("f number = %f, scale = %f", static_cast<double>(call.f_number),
+            static_cast<double>(BlurScale(call.f_number)));
+  if (passes) passes->BlurImage();
   ZUQEL_LOG("*VX* zuQelRT_GL depth blur shader_gauss(1) = %d (ms)",
             clock.Lap());
 
-  if (state != nullptr && job.depth != nullptr) MakeWeights(*state, job, scale);
+  if (passes && call.from_depth) passes->MakeWeights(history.depth);
   ZUQEL_LOG("*VX* zuQelRT_GL minimize depth shader_bypass(3) = %d (ms)",
             clock.Lap());
-  if (state != nullptr) {
-    Composite(*state, job);
+  if (passes) {
+    passes->Composite();
     DrawDebugPictures(
         state->programs[ProgramRole::CopyProgram], state->debug_pictures,
-        state->targets.framebuffer(kOutputTarget), *job.debug_pictures);
+        state->targets.framebuffer(kOutputTarget), history.debug_pictures);
   }
   ZUQEL_LOG("*VX* zuQelRT_GL refocus(2) = %d (ms)", clock.Lap());
-  if (state != nullptr) DumpOutput(viewport, job.dump_name);
+  if (state != nullptr) DumpOutput(viewport, DumpNameOf(call, history));
 }
 
 }  // namespace zuqel

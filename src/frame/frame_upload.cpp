@@ -13,91 +13,116 @@ constexpr TextureSampling kSmooth = {GL_LINEAR, GL_CLAMP_TO_EDGE};
 constexpr TextureSampling kSharp = {GL_NEAREST, GL_CLAMP_TO_EDGE};
 constexpr TextureSampling kRepeated = {GL_LINEAR, GL_REPEAT};
 
+size_t Area(int32_t width, int32_t height) {
+  return static_cast<size_t>(width) * static_cast<size_t>(height);
+}
+
+// Where the U plane of a planar frame begins, and the bytes of each plane. An
+// odd height makes the plane reach past the chroma buffer.
+size_t UPlaneOffset(ImageSize size) {
+  return Area(size.height, size.width / 2) / 2;
+}
+size_t ChromaPlaneBytes(ImageSize size) {
+  return Area(size.width / 2, size.height / 2);
+}
+
 void UploadLuma(const RenderState& state, Plane<const uint8_t> luma) {
   UploadTexture(state.inputs[kInputY].get(), GL_LUMINANCE, luma.width,
                 luma.height, luma.data, kSmooth);
 }
 
-// `count` bytes of the chroma buffer from `offset` on; those outside of it, as
-// odd image heights have them, are 0. Null when there is no memory.
-const uint8_t* ChromaBytes(std::span<const uint8_t> chroma, size_t offset,
-                           size_t count, Buffer& scratch) {
+// The U plane; bytes past the end of the buffer are 0.
+const uint8_t* UPlane(std::span<const uint8_t> chroma, ImageSize size,
+                      std::span<uint8_t> scratch) {
+  const size_t offset = UPlaneOffset(size);
+  const size_t count = ChromaPlaneBytes(size);
   if (offset + count <= chroma.size()) return chroma.data() + offset;
-  if (!scratch.Reserve(count)) return nullptr;
   const size_t inside =
       offset < chroma.size() ? std::min(count, chroma.size() - offset) : 0;
-  if (inside > 0) std::memcpy(scratch.bytes(), &chroma[offset], inside);
-  std::memset(scratch.bytes() + inside, 0, count - inside);
-  return scratch.bytes();
+  if (inside > 0) std::memcpy(scratch.data(), &chroma[offset], inside);
+  std::memset(scratch.data() + inside, 0, count - inside);
+  return scratch.data();
 }
 
 // The whole pairs of each chroma row, without the odd byte that ends the rows
-// of an odd width. Null when there is no memory.
-const uint8_t* ChromaPairs(const Frame& frame, Buffer& scratch) {
+// of an odd width.
+const uint8_t* ChromaPairs(const Frame& frame, std::span<uint8_t> scratch) {
   const auto width = static_cast<size_t>(frame.luma.width);
   if (width % 2 == 0) return frame.chroma.data();
   const auto rows = static_cast<size_t>(frame.luma.height / 2);
-  if (!scratch.Reserve((width - 1) * rows)) return nullptr;
   for (size_t y = 0; y < rows; ++y) {
-    std::memcpy(scratch.bytes() + y * (width - 1),
+    std::memcpy(scratch.data() + y * (width - 1),
                 frame.chroma.data() + y * width, width - 1);
   }
-  return scratch.bytes();
+  return scratch.data();
+}
+
+void UploadNv21(const RenderState& state, const Frame& frame, bool sharp_chroma,
+                std::span<uint8_t> scratch) {
+  UploadLuma(state, frame.luma);
+  UploadTexture(state.inputs[kInputUV].get(), GL_LUMINANCE_ALPHA,
+                frame.luma.width / 2, frame.luma.height / 2,
+                ChromaPairs(frame, scratch), sharp_chroma ? kSharp : kSmooth);
+}
+
+void UploadPlanar(const RenderState& state, const Frame& frame, ImageSize size,
+                  std::span<uint8_t> scratch) {
+  UploadLuma(state, frame.luma);
+  UploadTexture(state.inputs[kInputUV].get(), GL_LUMINANCE, size.width / 2,
+                size.height / 2, UPlane(frame.chroma, size, scratch), kSharp);
+  UploadTexture(state.inputs[kInputV].get(), GL_LUMINANCE, size.width / 2,
+                size.height / 2, frame.chroma.data(), kSharp);
 }
 
 }  // namespace
 
-bool UploadWeights(const RenderState& state, Plane<const uint8_t> weights,
-                   Buffer& rgba) {
-  if (!rgba.Reserve(ByteCount(weights.width, weights.height, 4))) return false;
-  PackWeights(weights, rgba.words());
+void UploadWeights(const RenderState& state, Plane<const uint8_t> weights,
+                   std::span<uint32_t> rgba) {
+  PackWeights(weights, rgba);
   UploadTexture(state.inputs[kInputRefocus].get(), GL_RGBA, weights.width,
-                weights.height, rgba.bytes(), kSmooth);
-  return true;
+                weights.height, rgba.data(), kSmooth);
 }
 
-bool UploadDepth(const RenderState& state, Plane<const uint16_t> depth,
-                 Buffer& rgba) {
-  if (!rgba.Reserve(ByteCount(depth.width, depth.height, 4))) return false;
-  PackDepth(depth, rgba.words());
+void UploadDepth(const RenderState& state, Plane<const uint16_t> depth,
+                 std::span<uint32_t> rgba) {
+  PackDepth(depth, rgba);
   UploadTexture(state.inputs[kInputRefocus].get(), GL_RGBA, depth.width,
-                depth.height, rgba.bytes(), kRepeated);
-  return true;
+                depth.height, rgba.data(), kRepeated);
 }
 
-bool UploadNv21(const RenderState& state, const Frame& frame, bool sharp_chroma,
-                Buffer& scratch) {
-  const uint8_t* pairs = ChromaPairs(frame, scratch);
-  if (pairs == nullptr) return false;
-  UploadLuma(state, frame.luma);
-  UploadTexture(state.inputs[kInputUV].get(), GL_LUMINANCE_ALPHA,
-                frame.luma.width / 2, frame.luma.height / 2, pairs,
-                sharp_chroma ? kSharp : kSmooth);
-  return true;
+size_t ChromaScratchBytes(const FrameSetup& setup) {
+  const auto [width, height] = setup.preview;
+  switch (UploadKindOf(setup)) {
+    case UploadKind::kNv21:
+      return width % 2 == 0 ? 0 : Area(width - 1, height / 2);
+    case UploadKind::kPlanar: {
+      const size_t plane = ChromaPlaneBytes(setup.preview);
+      const bool is_inside =
+          UPlaneOffset(setup.preview) + plane <= Area(width, height / 2);
+      return is_inside ? 0 : plane;
+    }
+    case UploadKind::kPacked:
+      return 0;
+  }
+  return 0;
 }
 
-bool UploadPlanar(const RenderState& state, const Frame& frame,
-                  Buffer& scratch) {
-  const int32_t half_width = frame.luma.width / 2;
-  const int32_t half_height = frame.luma.height / 2;
-  const auto plane_size =
-      static_cast<size_t>(half_width) * static_cast<size_t>(half_height);
-  const size_t u_offset = static_cast<size_t>(frame.luma.height) *
-                          static_cast<size_t>(half_width) / 2;
-  const uint8_t* u = ChromaBytes(frame.chroma, u_offset, plane_size, scratch);
-  if (u == nullptr) return false;
-  UploadLuma(state, frame.luma);
-  UploadTexture(state.inputs[kInputUV].get(), GL_LUMINANCE, half_width,
-                half_height, u, kSharp);
-  UploadTexture(state.inputs[kInputV].get(), GL_LUMINANCE, half_width,
-                half_height, frame.chroma.data(), kSharp);
-  return true;
-}
-
-void UploadPacked(const RenderState& state, ImageSize size,
-                  const Buffer& packed_frame) {
-  UploadTexture(state.inputs[kInputY].get(), GL_RGBA, size.width, size.height,
-                packed_frame.bytes(), kSmooth);
+void UploadFrame(const RenderState& state, const FrameSetup& setup,
+                 const Frame& frame, std::span<uint32_t> packed,
+                 std::span<uint8_t> chroma_scratch) {
+  switch (UploadKindOf(setup)) {
+    case UploadKind::kNv21:
+      UploadNv21(state, frame, setup.off_screen, chroma_scratch);
+      break;
+    case UploadKind::kPlanar:
+      UploadPlanar(state, frame, setup.preview, chroma_scratch);
+      break;
+    case UploadKind::kPacked:
+      if (setup.source_format == kFormatPacked) PackFrame(frame, packed);
+      UploadTexture(state.inputs[kInputY].get(), GL_RGBA, setup.preview.width,
+                    setup.preview.height, packed.data(), kSmooth);
+      break;
+  }
 }
 
 }  // namespace zuqel

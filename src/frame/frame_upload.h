@@ -1,41 +1,41 @@
-// Moves a frame and its weights or depth into textures.
-#ifndef ZUQEL_FRAME_UPLOAD_H_
-#define ZUQEL_FRAME_UPLOAD_H_
+// Moves a frame and its weights or disparity into textures.
+#ifndef ZUQEL_FRAME_FRAME_UPLOAD_H_
+#define ZUQEL_FRAME_FRAME_UPLOAD_H_
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 
-#include "base/buffer.h"
+#include "base/plane.h"
+#include "frame/frame_setup.h"
 #include "frame/passes.h"
 #include "render/plane_conversion.h"
 
 namespace zuqel {
 
-// Uploads are made with PlainGlState. Buffers are scratch that the next frame
-// uses again; a function that returns false found no memory for it and uploaded
-// nothing.
+// Uploads are made with PlainGlState.
 
-// Weights go to the refocus texture, clamped to the edge.
-[[nodiscard]] bool UploadWeights(const RenderState& state,
-                                 Plane<const uint8_t> weights, Buffer& rgba);
+// Weights go to the refocus texture, clamped to the edge. `rgba` has room for a
+// word for each of them.
+void UploadWeights(const RenderState& state, Plane<const uint8_t> weights,
+                   std::span<uint32_t> rgba);
 
 // Disparity goes to the refocus texture, repeated beyond its edges.
-[[nodiscard]] bool UploadDepth(const RenderState& state,
-                               Plane<const uint16_t> depth, Buffer& rgba);
+void UploadDepth(const RenderState& state, Plane<const uint16_t> depth,
+                 std::span<uint32_t> rgba);
 
-// NV21: luma to the Y texture, chroma to the UV texture. `sharp_chroma` samples
-// chroma nearest, so that a sharp pixel's planes come back exactly; smooth
-// chroma is for display.
-[[nodiscard]] bool UploadNv21(const RenderState& state, const Frame& frame,
-                              bool sharp_chroma, Buffer& scratch);
+// Bytes of scratch that UploadFrame needs: none unless the preview has an odd
+// side.
+size_t ChromaScratchBytes(const FrameSetup& setup);
 
-// Luma to the Y texture, the two chroma planes to the UV (U) and V textures.
-[[nodiscard]] bool UploadPlanar(const RenderState& state, const Frame& frame,
-                                Buffer& scratch);
-
-// One pixel a word for each pixel of the image, to the Y texture.
-void UploadPacked(const RenderState& state, ImageSize size,
-                  const Buffer& packed_frame);
+// The frame by its kind of upload: NV21 and planar frames to textures for each
+// of their planes, chroma sampled nearest off screen, so that a sharp pixel's
+// planes come back exactly; others as one texture of `packed` pixels, which
+// kFormatPacked fills first.
+void UploadFrame(const RenderState& state, const FrameSetup& setup,
+                 const Frame& frame, std::span<uint32_t> packed,
+                 std::span<uint8_t> chroma_scratch);
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_FRAME_UPLOAD_H_
+#endif  // ZUQEL_FRAME_FRAME_UPLOAD_H_

@@ -30,7 +30,8 @@ inline constexpr size_t kInputV = 2;
 inline constexpr size_t kInputRefocus = 3;  // weights, or packed disparity
 inline constexpr size_t kInputCount = 10;
 
-// All GL objects of the frame renderer.
+// All GL objects of the frames. Destroyed from the last: pictures and inputs go
+// before targets, programs at the end.
 struct RenderState {
   ProgramTable programs;
   RenderTargets targets;

@@ -44,8 +44,6 @@ bool Succeeded(EGLBoolean result, const char* step) {
   return false;
 }
 
-}  // namespace
-
 void CreateContext(ContextSlot& slot) {
   ZUQEL_LOG("OpenGLCreateContextSurface");
 
@@ -100,8 +98,19 @@ void CreateContext(ContextSlot& slot) {
   ZUQEL_LOG("eglMakeCurrent successfully");
 }
 
-void DeleteContext(ContextSlot& slot, int index) {
-  ZUQEL_LOG("OpenGLDeltet tid = %d, index = %d", gettid(), index);
+}  // namespace
+
+void EnsureContext(ContextSlot& slot) {
+  if (eglGetCurrentContext() != EGL_NO_CONTEXT) return;
+  ZUQEL_LOG(
+      "There is no openGL context, going to create opengl context, tid = %d, "
+      "index %d",
+      gettid(), slot.index);
+  CreateContext(slot);
+}
+
+void DeleteContext(ContextSlot& slot) {
+  ZUQEL_LOG("OpenGLDeltet tid = %d, index = %d", gettid(), slot.index);
   if (slot.display == EGL_NO_DISPLAY || slot.surface == EGL_NO_SURFACE ||
       slot.context == EGL_NO_CONTEXT) {
     ZUQEL_LOG("EGL display, surface and context are NULL, skip delete process");
@@ -115,7 +124,7 @@ void DeleteContext(ContextSlot& slot, int index) {
                        Succeeded(eglDestroyContext(slot.display, slot.context),
                                  "eglDestroyContext") &&
                        Succeeded(eglTerminate(slot.display), "eglTerminate");
-  if (deleted) slot = {};
+  if (deleted) slot = {.index = slot.index};
 }
 
 bool IsCurrent(EGLContext home) {

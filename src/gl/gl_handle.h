@@ -8,8 +8,9 @@
 
 namespace zuqel {
 
-// Owns one GL name; zero owns nothing. The name's context is current when the
-// owner dies; where it is not, call Forget first.
+// Owns one GL name; zero owns nothing. The context it was made in is current
+// when it dies: names that outlive the call that made them are held by
+// InContext, which sees to that.
 template <typename Traits>
 class GlHandle {
  public:
@@ -22,19 +23,15 @@ class GlHandle {
   }
   GlHandle(const GlHandle&) = delete;
   GlHandle& operator=(const GlHandle&) = delete;
-  ~GlHandle() { Delete(); }
-
-  // Makes a new name. One that was held is forgotten.
-  void Generate() {
-    name_ = 0;
-    Traits::Generate(&name_);
-  }
-  void Delete() {
+  ~GlHandle() {
     if (name_ != 0) Traits::Delete(name_);
-    name_ = 0;
   }
-  // Lets go of a name that died with its context.
-  void Forget() { name_ = 0; }
+
+  static GlHandle Generate() {
+    GLuint name = 0;
+    Traits::Generate(&name);
+    return GlHandle(name);
+  }
 
   [[nodiscard]] GLuint get() const { return name_; }
 

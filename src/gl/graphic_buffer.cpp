@@ -18,17 +18,25 @@ constexpr std::array<EGLint, 3> kImageAttributes = {EGL_IMAGE_PRESERVED_KHR,
 
 }  // namespace
 
-void GraphicBuffer::Create(int32_t width, int32_t height) {
-  if (!wrapper_) wrapper_.emplace();
-  wrapper_->AllocBuffer(width, height, kBufferFormat, kBufferIndex);
-  width_ = width;
-  height_ = height;
+bool GraphicBuffersAreUsable() {
+  return isValidGBWrapper();
+}
+
+GraphicBuffer::GraphicBuffer(ImageSize size)
+    : display_(eglGetCurrentDisplay()), size_(size) {
+  wrapper_.AllocBuffer(size.width, size.height, kBufferFormat, kBufferIndex);
   const auto create_image = GetExtensions().CreateImage;
   if (create_image == nullptr) return;
   image_ = create_image(
-      eglGetCurrentDisplay(), EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
-      static_cast<EGLClientBuffer>(wrapper_->getNativeBuffer(kBufferIndex)),
+      display_, EGL_NO_CONTEXT, EGL_NATIVE_BUFFER_ANDROID,
+      static_cast<EGLClientBuffer>(wrapper_.getNativeBuffer(kBufferIndex)),
       kImageAttributes.data());
+}
+
+GraphicBuffer::~GraphicBuffer() {
+  const auto destroy_image = GetExtensions().DestroyImage;
+  if (image_ == EGL_NO_IMAGE_KHR || destroy_image == nullptr) return;
+  destroy_image(display_, image_);
 }
 
 void GraphicBuffer::BackBoundTexture() const {
@@ -41,24 +49,15 @@ std::span<const uint32_t> GraphicBuffer::Lock() {
   glFlush();
   glFinish();
   void* pixels = nullptr;
-  wrapper_->lock_read(&pixels, kBufferIndex);
+  wrapper_.lock_read(&pixels, kBufferIndex);
   return {static_cast<const uint32_t*>(pixels),
-          pixels == nullptr
-              ? 0
-              : static_cast<size_t>(width_) * static_cast<size_t>(height_)};
+          pixels == nullptr ? 0
+                            : static_cast<size_t>(size_.width) *
+                                  static_cast<size_t>(size_.height)};
 }
 
 void GraphicBuffer::Unlock() {
-  wrapper_->unlock(kBufferIndex);
-}
-
-void GraphicBuffer::Release() {
-  const auto destroy_image = GetExtensions().DestroyImage;
-  if (image_ != EGL_NO_IMAGE_KHR && destroy_image != nullptr) {
-    destroy_image(eglGetCurrentDisplay(), image_);
-  }
-  image_ = EGL_NO_IMAGE_KHR;
-  wrapper_.reset();
+  wrapper_.unlock(kBufferIndex);
 }
 
 }  // namespace zuqel

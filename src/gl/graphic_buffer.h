@@ -7,16 +7,24 @@
 #include <gb_wrapper.h>
 
 #include <cstdint>
-#include <optional>
 #include <span>
+
+#include "base/image_size.h"
 
 namespace zuqel {
 
+// Whether the device's wrapper can be used at all.
+bool GraphicBuffersAreUsable();
+
+// Owns the buffer and its EGL image.
 class GraphicBuffer {
  public:
-  // Makes the buffer, of `width` x `height` RGBA pixels, and its EGL image on
-  // the current display.
-  void Create(int32_t width, int32_t height);
+  // Makes the buffer, of `size` RGBA pixels, and its EGL image on the current
+  // display.
+  explicit GraphicBuffer(ImageSize size);
+  ~GraphicBuffer();
+  GraphicBuffer(const GraphicBuffer&) = delete;
+  GraphicBuffer& operator=(const GraphicBuffer&) = delete;
 
   // Gives the texture bound to GL_TEXTURE_2D the buffer as its storage.
   void BackBoundTexture() const;
@@ -30,19 +38,14 @@ class GraphicBuffer {
     Unlock();
   }
 
-  [[nodiscard]] bool exists() const { return wrapper_.has_value(); }
-
-  // Destroys image and buffer.
-  void Release();
-
  private:
   std::span<const uint32_t> Lock();
   void Unlock();
 
-  std::optional<GBWrapper> wrapper_;
+  GBWrapper wrapper_;
+  EGLDisplay display_;
   EGLImageKHR image_ = EGL_NO_IMAGE_KHR;
-  int32_t width_ = 0;
-  int32_t height_ = 0;
+  ImageSize size_;
 };
 
 }  // namespace zuqel

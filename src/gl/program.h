@@ -50,9 +50,6 @@ class LinkedProgram {
   }
   [[nodiscard]] GLint uniform(size_t index) const { return uniforms_[index]; }
 
-  // Lets go of a name that died with its context.
-  void Forget() { program_.Forget(); }
-
  private:
   Program program_;
   std::array<GLint, kMaxAttributes> attributes_;

@@ -5,7 +5,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
+#include "base/image_size.h"
 #include "gl/gl_handle.h"
 #include "gl/graphic_buffer.h"
 
@@ -27,14 +29,12 @@ class RenderTargets {
  public:
   static constexpr size_t kCount = 14;
 
-  // Makes all of them for one preview size, in pixels; leaves framebuffer 0
-  // bound. With a graphic buffer the output texture has its storage there.
-  void Create(int32_t preview_width, int32_t preview_height,
-              GraphicBuffer* graphic_buffer);
-  void DeleteTextures();
-  void DeleteFramebuffers();
-  // Lets go of names that died with their context.
-  void Forget();
+  RenderTargets() = default;
+  // Makes all of them for one preview size; leaves framebuffer 0 bound. Where
+  // `graphic_buffer` is asked for, it is made here, and the output texture has
+  // its storage there.
+  RenderTargets(ImageSize preview, bool has_graphic_buffer,
+                std::optional<GraphicBuffer>& graphic_buffer);
 
   [[nodiscard]] GLuint texture(size_t index) const {
     return textures_[index].get();
@@ -44,10 +44,9 @@ class RenderTargets {
   }
 
  private:
-  void Attach(size_t index) const;
-
-  std::array<Texture, kCount> textures_;
+  // Destroyed from the last: the textures go first.
   std::array<Framebuffer, kCount> framebuffers_;
+  std::array<Texture, kCount> textures_;
 };
 
 }  // namespace zuqel

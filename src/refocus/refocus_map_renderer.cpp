@@ -5,8 +5,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "gl/texture.h"
+#include "render/cached_programs.h"
 #include "render/plane_conversion.h"
 
 namespace zuqel {
@@ -50,33 +52,25 @@ void SetUpTarget(const RefocusMapState& state, size_t index, ImageSize size) {
   AttachDepth(state.depth_buffers[index].get(), size);
 }
 
-// All names but the programs', in the order of their deletion.
-template <typename Action>
-void ForEachImage(RefocusMapState& state, Action action) {
-  action(state.depth_texture);
-  action(state.map_texture);
-  for (Texture& texture : state.colour_textures) action(texture);
-  for (Framebuffer& framebuffer : state.framebuffers) action(framebuffer);
-  for (Renderbuffer& buffer : state.depth_buffers) action(buffer);
-}
-
 }  // namespace
 
-void CreateRefocusMapImages(RefocusMapState& state, ImageSize map_size) {
-  ForEachImage(state, [](auto& image) { image.Generate(); });
+InContext<RefocusMapState> MakeRefocusMapState(
+    ImageSize map_size, const ProgramCache& program_cache) {
+  RefocusMapState state;
+  state.depth_texture = Texture::Generate();
+  state.map_texture = Texture::Generate();
+  for (Texture& texture : state.colour_textures) texture = Texture::Generate();
+  for (Framebuffer& framebuffer : state.framebuffers) {
+    framebuffer = Framebuffer::Generate();
+  }
+  for (Renderbuffer& buffer : state.depth_buffers) {
+    buffer = Renderbuffer::Generate();
+  }
   SetUpTarget(state, 0, map_size);
   SetUpTarget(state, 1, map_size);
   glBindFramebuffer(GL_FRAMEBUFFER, 0);
-}
-
-void DeleteRefocusMapState(RefocusMapState& state) {
-  ForEachImage(state, [](auto& image) { image.Delete(); });
-  state.programs.DeleteAll();
-}
-
-void ForgetRefocusMapState(RefocusMapState& state) {
-  ForEachImage(state, [](auto& image) { image.Forget(); });
-  state.programs.Forget();
+  PrepareRefocusMapPrograms(program_cache, state.programs);
+  return InContext<RefocusMapState>(std::move(state));
 }
 
 void UploadRefocusDepth(const RefocusMapState& state,

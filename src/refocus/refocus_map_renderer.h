@@ -9,6 +9,8 @@
 
 #include "base/plane.h"
 #include "gl/gl_handle.h"
+#include "gl/in_context.h"
+#include "gl/program_cache.h"
 #include "render/pass_draws.h"
 #include "render/shader_catalogue.h"
 
@@ -16,27 +18,24 @@ namespace zuqel {
 
 // All GL objects of the refocus maps. The two targets have the size of the map:
 // RGBA colour and 24-bit depth. The programs are DepthWeightProgram,
-// AllInFocusWeightProgram, BlurHProgram and BlurVProgram.
+// AllInFocusWeightProgram, BlurHProgram and BlurVProgram. Destroyed from the
+// last.
 struct RefocusMapState {
-  Texture depth_texture;
-  Texture map_texture;
-  std::array<Texture, 2> colour_textures;
-  std::array<Framebuffer, 2> framebuffers;
-  std::array<Renderbuffer, 2> depth_buffers;
   ProgramTable programs;
+  std::array<Renderbuffer, 2> depth_buffers;
+  std::array<Framebuffer, 2> framebuffers;
+  std::array<Texture, 2> colour_textures;
+  Texture map_texture;
+  Texture depth_texture;
 };
 
 // The functions below need PlainGlState; `rgba` is room for one word for each
 // pixel of the map at hand.
 
-// Makes textures and targets; leaves framebuffer 0 bound.
-void CreateRefocusMapImages(RefocusMapState& state, ImageSize map_size);
-
-// Deletes images and programs; their context is current.
-void DeleteRefocusMapState(RefocusMapState& state);
-
-// Lets go of them: their context is gone or not current.
-void ForgetRefocusMapState(RefocusMapState& state);
+// Makes textures, targets and programs in the current context; leaves
+// framebuffer 0 bound. `program_cache` is as in PrepareRefocusMapPrograms.
+InContext<RefocusMapState> MakeRefocusMapState(
+    ImageSize map_size, const ProgramCache& program_cache);
 
 // Packs disparity and gives it to the depth texture.
 void UploadRefocusDepth(const RefocusMapState& state,

@@ -37,12 +37,4 @@ void ProgramTable::BuildAll() {
   for (const ProgramRow& row : kPrograms) Build(row.role);
 }
 
-void ProgramTable::DeleteAll() {
-  for (LinkedProgram& program : programs_) program = {};
-}
-
-void ProgramTable::Forget() {
-  for (LinkedProgram& program : programs_) program.Forget();
-}
-
 }  // namespace zuqel

@@ -60,9 +60,6 @@ class ProgramTable {
     programs_[static_cast<size_t>(role)] =
         LinkedProgram(std::move(program), kProgramInterface);
   }
-  void DeleteAll();
-  // Lets go of names that died with their context.
-  void Forget();
 
   [[nodiscard]] const LinkedProgram& operator[](ProgramRole role) const {
     return programs_[static_cast<size_t>(role)];

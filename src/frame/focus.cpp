@@ -1,5 +1,5 @@
 // Finds the centre of focus and draws the dot.
-#include "frame/focus_dot.h"
+#include "frame/focus.h"
 
 namespace zuqel {
 namespace {

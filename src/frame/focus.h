@@ -1,6 +1,6 @@
 // The focus rectangle and the dot that shows where focus lies.
-#ifndef ZUQEL_FRAME_FOCUS_DOT_H_
-#define ZUQEL_FRAME_FOCUS_DOT_H_
+#ifndef ZUQEL_FRAME_FOCUS_H_
+#define ZUQEL_FRAME_FOCUS_H_
 
 #include <zuQelRT_GL.h>
 
@@ -29,4 +29,4 @@ void DrawFocusDot(Plane<uint8_t> luma, FocusPoint centre);
 
 }  // namespace zuqel
 
-#endif  // ZUQEL_FRAME_FOCUS_DOT_H_
+#endif  // ZUQEL_FRAME_FOCUS_H_
