@@ -1,6 +1,19 @@
 # Writes every shader file as a named string constant: pass_through.vert becomes
-# kPassThroughVert. Run with -DOUTPUT=<header> -DSHADERS=<files, separated by |>.
+# kPassThroughVert. A line #include "file" becomes that file, which lies beside
+# the shader. Run with -DOUTPUT=<header> -DSHADERS=<files, separated by |>.
 string(REPLACE "|" ";" SHADERS "${SHADERS}")
+
+function(read_with_includes file result)
+  file(READ "${file}" source)
+  get_filename_component(folder "${file}" DIRECTORY)
+  while(source MATCHES "#include \"([^\"\n]+)\"\n")
+    set(line "${CMAKE_MATCH_0}")
+    file(READ "${folder}/${CMAKE_MATCH_1}" included)
+    string(REPLACE "${line}" "${included}" source "${source}")
+  endwhile()
+  set(${result} "${source}" PARENT_SCOPE)
+endfunction()
+
 set(text "// Made from the shader files by the build.\n#pragma once\n\n")
 string(APPEND text "namespace zuqel::shaders {\n")
 foreach(shader IN LISTS SHADERS)
@@ -13,7 +26,7 @@ foreach(shader IN LISTS SHADERS)
     string(TOUPPER "${initial}" initial)
     string(APPEND constant "${initial}${rest}")
   endforeach()
-  file(READ "${shader}" source)
+  read_with_includes("${shader}" source)
   string(APPEND text "inline constexpr char ${constant}[] = R\"glsl(${source})glsl\";\n")
 endforeach()
 string(APPEND text "}  // namespace zuqel::shaders\n")

@@ -6,26 +6,11 @@ precision highp float;
 #define AllinRatio_BG 30.0        // percent of the background range kept sharp
 #define AllinRatio_BG_alpha 40.0  // percent at which the ramp ends
 
-// Two 8-bit halves make a 16-bit value: the sample keeps all of its bits.
-uniform highp sampler2D depthTexture;
-uniform sampler2D depthTexture2;  // blurred depth
-uniform float focusPlane;
-uniform float mouseX;
-uniform float mouseY;
-uniform float min_depth;
-uniform float max_depth;
-uniform float F_number;
-uniform float baseline;
-uniform float focal_length;
-varying vec2 textureCoordinate;
+#include "weight_inputs.glsl"
 
 void main() {
-  // A sample is low precision until it stands in a variable of its own.
-  vec4 depth = texture2D(depthTexture, textureCoordinate);
-  float currentDepth = 256.0 * 256.0 * depth.g + 256.0 * depth.r;
-  currentDepth = max(min(currentDepth, max_depth), min_depth);
-
-  float focusplane = max(min(focusPlane, max_depth), min_depth);
+  float currentDepth = DepthHere();
+  float focusplane = ClampToRange(focusPlane);
   float dRangeBg = focusplane - min_depth;
   float dRangeFg = max_depth - focusplane;
 

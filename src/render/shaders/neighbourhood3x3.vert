@@ -7,18 +7,15 @@ precision highp float;
 //   [3] [0] [1]
 //   [7] [4] [8]
 
-attribute vec4 position;
-attribute vec2 inputTextureCoordinate;
-uniform mat4 projection;
+#include "quad_vertex.glsl"
+
 uniform float fWidth;
 uniform float fHeight;
 uniform float scale;
 varying vec2 blurCoordinates[9];
-varying vec2 textureCoordinate;
 
 void main() {
-  gl_Position = projection * position;
-  textureCoordinate = inputTextureCoordinate.xy;
+  PlaceVertex();
 
   vec2 dx = vec2(scale / fWidth, 0.0);
   vec2 dy = vec2(0.0, scale / fHeight);
