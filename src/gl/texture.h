@@ -13,6 +13,15 @@ struct TextureSampling {
   GLint wrap = GL_CLAMP_TO_EDGE;
 };
 
+// Whether an image has a size that the driver allows; `limit` is
+// GL_MAX_TEXTURE_SIZE or GL_MAX_RENDERBUFFER_SIZE. GL would refuse another one,
+// but a driver's own arithmetic may overflow before it does.
+inline bool FitsDriver(GLenum limit, int32_t width, int32_t height) {
+  GLint largest = 0;
+  glGetIntegerv(limit, &largest);
+  return width <= largest && height <= largest;
+}
+
 // Binds `texture` to the active unit and sets how it is sampled.
 inline void BindTexture(GLuint texture, TextureSampling sampling) {
   glBindTexture(GL_TEXTURE_2D, texture);
@@ -24,17 +33,13 @@ inline void BindTexture(GLuint texture, TextureSampling sampling) {
 
 // Binds `texture` to the active unit and gives it an image of unsigned bytes.
 // `format` is GL_RGBA, GL_LUMINANCE_ALPHA or GL_LUMINANCE; `pixels` are rows
-// without padding, or null for storage without content. A size that GL does not
-// have leaves the texture's image as it was. Needs PlainGlState.
+// without padding, or null for storage without content. A size that the driver
+// does not allow leaves the texture's image as it was. Needs PlainGlState.
 inline void UploadTexture(GLuint texture, GLint format, int32_t width,
                           int32_t height, const void* pixels,
                           TextureSampling sampling) {
   BindTexture(texture, sampling);
-  // GL would refuse such a size, but a driver's own arithmetic may overflow
-  // before it does.
-  GLint largest = 0;
-  glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
-  if (width > largest || height > largest) return;
+  if (!FitsDriver(GL_MAX_TEXTURE_SIZE, width, height)) return;
   glTexImage2D(GL_TEXTURE_2D, 0, format, width, height, 0,
                static_cast<GLenum>(format), GL_UNSIGNED_BYTE, pixels);
 }

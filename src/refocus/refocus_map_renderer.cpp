@@ -32,10 +32,7 @@ Pass PassOf(const PassRow& row, const RefocusMapState& state, ImageSize size) {
 
 void AttachDepth(GLuint depth_buffer, ImageSize size) {
   glBindRenderbuffer(GL_RENDERBUFFER, depth_buffer);
-  // Like a texture's, a size that the driver does not have is not handed to it.
-  GLint largest = 0;
-  glGetIntegerv(GL_MAX_RENDERBUFFER_SIZE, &largest);
-  if (size.width <= largest && size.height <= largest) {
+  if (FitsDriver(GL_MAX_RENDERBUFFER_SIZE, size.width, size.height)) {
     glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24_OES, size.width,
                           size.height);
   }
