@@ -4,22 +4,22 @@
 
 #include <benchmark/benchmark.h>
 
-#include "bench_images.h"
+#include "plane_image.h"
 
 namespace zuqel::bench {
 
 // Masks of 0 and 255 whose outer ring is clear, 640 x 480, always the same.
-using MaskMaker = Image (*)();
+using MaskMaker = Image<uint8_t> (*)();
 
-// What a refocus map's mask looks like: a subject with ragged edges and holes,
-// thin leaves, islands. The environment variable ZUQEL_BENCH_MASK may name a
-// binary PGM of any size to take instead; from 128 on its pixels are set.
-Image SceneMask();
-// Each pixel set by chance; half of them, or enough for them to join up.
-Image HalfNoise();
-Image DenseNoise();
+// What a refocus map's mask looks like. The environment variable
+// ZUQEL_BENCH_MASK may name a binary PGM of any size to take instead; from 128
+// on its pixels are set.
+Image<uint8_t> SceneMask();
+// Half of the pixels set by chance, and enough for them to join up.
+Image<uint8_t> HalfNoise();
+Image<uint8_t> DenseNoise();
 // Single pixels: more components than the clean-ups have labels for.
-Image Checkerboard();
+Image<uint8_t> Checkerboard();
 
 inline void Radii(benchmark::internal::Benchmark* benchmark) {
   benchmark->ArgName("radius")->Arg(2)->Arg(4)->Arg(32);

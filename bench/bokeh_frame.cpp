@@ -8,22 +8,12 @@
 #include <cmath>
 #include <cstdio>
 
+#include "disparity_scenes.h"
+
 namespace zuqel::bench {
 namespace {
 
 constexpr int32_t kWidth = 1280, kHeight = 960;
-constexpr int32_t kMapWidth = 320, kMapHeight = 240;
-
-// 1 on the subject's outline, less inside.
-double Outline(int32_t x, int32_t y) {
-  return std::hypot((x - 150) / 60.0, (y - 140) / 90.0);
-}
-
-uint16_t Disparity(int32_t x, int32_t y) {
-  if (Outline(x, y) < 1) return static_cast<uint16_t>(700 + x % 5);
-  if (Outline(x + 8, y) < 1) return 1023;  // hidden from the second camera
-  return static_cast<uint16_t>(80 + y / 2 + (x * 7 + y * 3) % 4);
-}
 
 // Waves with some grain.
 uint8_t Texture(int32_t x, int32_t y, uint8_t grain) {
@@ -34,18 +24,17 @@ uint8_t Texture(int32_t x, int32_t y, uint8_t grain) {
 }  // namespace
 
 BokehFrame::BokehFrame()
-    : luma(GreyNoise(kWidth, kHeight)), chroma(GreyNoise(kWidth, kHeight / 2)) {
+    : luma(NoiseImage<uint8_t>(kWidth, kHeight, 5)),
+      chroma(NoiseImage<uint8_t>(kWidth, kHeight / 2, 6)),
+      disparity(SubjectScene(320, 240)) {
   for (int32_t y = 0; y < kHeight; ++y) {
     for (int32_t x = 0; x < kWidth; ++x) {
       uint8_t& pixel = luma.View().row(y)[x];
       pixel = Texture(x, y, pixel);
     }
   }
-  for (uint8_t& sample : chroma.pixels) {
+  for (uint8_t& sample : chroma.values) {
     sample = static_cast<uint8_t>(120 + sample / 16);
-  }
-  for (int32_t i = 0; i < kMapWidth * kMapHeight; ++i) {
-    disparity.push_back(Disparity(i % kMapWidth, i / kMapWidth));
   }
   source_luma_ = luma;
   source_chroma_ = chroma;
@@ -53,15 +42,15 @@ BokehFrame::BokehFrame()
 }
 
 void BokehFrame::Restore() {
-  luma.pixels = source_luma_.pixels;
-  chroma.pixels = source_chroma_.pixels;
-  disparity = source_disparity_;
+  luma.values = source_luma_.values;
+  chroma.values = source_chroma_.values;
+  disparity.values = source_disparity_.values;
 }
 
 ExpansionFrame BokehFrame::View() {
   return {.luma = luma.View(),
-          .chroma = chroma.pixels,
-          .disparity = {disparity.data(), kMapWidth, kMapHeight},
+          .chroma = chroma.values,
+          .disparity = disparity.View(),
           .focus_x = 600,
           .focus_y = 560};
 }

@@ -3,33 +3,31 @@
 #define ZUQEL_BENCH_BOKEH_FRAME_H_
 
 #include <cstdint>
-#include <vector>
 
-#include "bench_images.h"
 #include "cpu_bokeh/expansion.h"
+#include "plane_image.h"
 
 namespace zuqel::bench {
 
-// 1280 x 960 NV21 with disparity of 320 x 240: a near subject before a ground
-// that comes nearer from the top to the bottom, textured all over, with holes
-// beside the subject. The focus is on the subject.
+// 1280 x 960 NV21, textured all over, with a subject's disparity of 320 x 240.
+// The focus is on the subject.
 struct BokehFrame {
   BokehFrame();
 
-  // Puts back what a call has changed; about the cost of a copy.
+  // Undoes what a call has changed, at about the cost of a copy.
   void Restore();
   ExpansionFrame View();
 
-  Image luma, chroma;  // chroma: rows of V and U pairs
-  std::vector<uint16_t> disparity;
+  Image<uint8_t> luma, chroma;  // chroma: rows of V and U pairs
+  Image<uint16_t> disparity;
 
  private:
-  Image source_luma_, source_chroma_;
-  std::vector<uint16_t> source_disparity_;
+  Image<uint8_t> source_luma_, source_chroma_;
+  Image<uint16_t> source_disparity_;
 };
 
-// While it lives, what the call logs and prints goes nowhere: the table of
-// benchmarks is on standard output, too.
+// Discards what the library logs and prints while it lives: the table of
+// benchmarks goes to standard output, too.
 class Silence {
  public:
   Silence();

@@ -11,6 +11,7 @@
 #include "bench_masks.h"
 #include "depth/component_cleanup.h"
 #include "depth/refocus_refinement.h"
+#include "time_rounds.h"
 
 namespace zuqel::bench {
 namespace {
@@ -18,8 +19,8 @@ namespace {
 constexpr size_t kLabelLimit = 65535;
 
 // A pixel of the largest component.
-MaskPoint FocusOf(const Image& mask) {
-  std::vector<uint32_t> labels(mask.pixels.size());
+MaskPoint FocusOf(const Image<uint8_t>& mask) {
+  std::vector<uint32_t> labels(mask.values.size());
   std::vector<uint32_t> areas(kLabelLimit);
   Buffer scratch;
   const auto largest =
@@ -30,22 +31,22 @@ MaskPoint FocusOf(const Image& mask) {
 }
 
 void LabelComponents(benchmark::State& state, MaskMaker make_mask) {
-  const Image mask = make_mask();
-  std::vector<uint32_t> labels(mask.pixels.size());
+  const Image<uint8_t> mask = make_mask();
+  std::vector<uint32_t> labels(mask.values.size());
   std::vector<uint32_t> areas(kLabelLimit);
   Buffer scratch;
-  TimeRounds(state, 5 * mask.pixels.size(), [&] {
+  TimeRounds(state, 5 * mask.values.size(), [&] {
     benchmark::DoNotOptimize(
         zuqel::LabelComponents(mask.View(), labels, areas, scratch));
   });
 }
 
 void PruneComponents(benchmark::State& state, MaskMaker make_mask) {
-  const Image mask = make_mask();
+  const Image<uint8_t> mask = make_mask();
   const MaskPoint focus = FocusOf(mask);
-  Image pruned = mask;
+  Image<uint8_t> pruned = mask;
   CleanupScratch scratch;
-  TimeRounds(state, 2 * mask.pixels.size(), [&] {
+  TimeRounds(state, 2 * mask.values.size(), [&] {
     benchmark::DoNotOptimize(
         zuqel::PruneComponents(mask.View(), focus, /*keep_only_focus=*/true,
                                scratch, pruned.View(), nullptr));
@@ -54,12 +55,12 @@ void PruneComponents(benchmark::State& state, MaskMaker make_mask) {
 
 // What is set in the mask is sharp in the map.
 void RefineRefocusMap(benchmark::State& state, MaskMaker make_mask) {
-  Image map = make_mask();
+  Image<uint8_t> map = make_mask();
   const MaskPoint focus = FocusOf(map);
-  for (uint8_t& pixel : map.pixels) pixel = pixel == 0 ? 200 : 30;
-  Image refined = map;
+  for (uint8_t& pixel : map.values) pixel = pixel == 0 ? 200 : 30;
+  Image<uint8_t> refined = map;
   RefinementScratch scratch;
-  TimeRounds(state, 2 * map.pixels.size(), [&] {
+  TimeRounds(state, 2 * map.values.size(), [&] {
     benchmark::DoNotOptimize(
         zuqel::RefineRefocusMap(map.View(), focus, scratch, refined.View()));
   });

@@ -1,4 +1,4 @@
-// Times the conversions between planes and pixels beside a plain copy of the
+// Times the conversions between planes and pixels against a plain copy of the
 // bytes they touch, and whole frames through the C interface.
 #include <android/log.h>
 #include <benchmark/benchmark.h>
@@ -8,9 +8,9 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <random>
 #include <vector>
 
+#include "random.h"
 #include "render/plane_conversion.h"
 
 namespace {
@@ -29,20 +29,14 @@ struct Planes {
   }
 };
 
-std::vector<uint8_t> RandomBytes(size_t count) {
-  std::seed_seq seed = {11};
-  std::mt19937 random(seed);
-  std::vector<uint8_t> bytes(count);
-  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random() >> 24);
-  return bytes;
-}
-
 Planes MakePlanes(const benchmark::State& state) {
   const auto width = static_cast<int32_t>(state.range(0));
   const auto height = static_cast<int32_t>(state.range(1));
   const size_t pixels =
       static_cast<size_t>(width) * static_cast<size_t>(height);
-  return {width, height, RandomBytes(pixels), RandomBytes(pixels / 2)};
+  zuqel::Random random(11);
+  return {width, height, random.Values<uint8_t>(pixels),
+          random.Values<uint8_t>(pixels / 2)};
 }
 
 // Pixels of 4 bytes and planes of 1.5.
@@ -52,7 +46,7 @@ void SetTouchedBytes(benchmark::State& state, const Planes& planes) {
                           static_cast<int64_t>(pixels * 4 + pixels * 3 / 2));
 }
 
-// A copy that reads and writes as many bytes as a conversion does.
+// A copy that reads and writes as many bytes as a conversion.
 void CopyAsMany(benchmark::State& state) {
   const Planes planes = MakePlanes(state);
   const size_t half = (planes.luma.size() * 4 + planes.luma.size() * 3 / 2) / 2;
@@ -120,7 +114,7 @@ class Session {
 void FrameFromWeights(benchmark::State& state) {
   Planes planes = MakePlanes(state);
   const std::vector<uint8_t> weights =
-      RandomBytes(size_t{kMapWidth} * kMapHeight);
+      zuqel::Random(12).Values<uint8_t>(size_t{kMapWidth} * kMapHeight);
   const Session session(planes);
   if (!session.started()) state.SkipWithError("no session");
   while (state.KeepRunning()) {

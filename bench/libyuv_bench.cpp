@@ -1,69 +1,74 @@
-// Times libyuv on the same planes, once its results are seen to be the same but
-// for the rounding.
+// Times libyuv on the same planes, after checking that its results differ in
+// rounding only.
 #include <benchmark/benchmark.h>
 #include <libyuv/planar_functions.h>
 #include <libyuv/scale.h>
 
 #include <cstdint>
 
-#include "bench_images.h"
-#include "compare_images.h"
 #include "cpu_bokeh/resize/resize_plane.h"
 #include "cpu_bokeh/two_level_blur.h"
-#include "resize_cases.h"
+#include "difference.h"
+#include "expect.h"
+#include "plane_image.h"
+#include "resize_rows.h"
+#include "time_rounds.h"
 
 namespace zuqel::bench {
 namespace {
 
-void Scale(const Image& image, Image& scaled) {
-  libyuv::ScalePlane(image.pixels.data(), image.width, image.width,
-                     image.height, scaled.pixels.data(), scaled.width,
+void Scale(const Image<uint8_t>& image, Image<uint8_t>& scaled) {
+  libyuv::ScalePlane(image.values.data(), image.width, image.width,
+                     image.height, scaled.values.data(), scaled.width,
                      scaled.width, scaled.height, libyuv::kFilterBox);
 }
 
-void BlendPlanes(const Image& over, const Image& under, const Image& mask,
-                 Image& blended) {
-  libyuv::BlendPlane(over.pixels.data(), over.width, under.pixels.data(),
-                     under.width, mask.pixels.data(), mask.width,
-                     blended.pixels.data(), blended.width, blended.width,
+void BlendPlanes(const Image<uint8_t>& over, const Image<uint8_t>& under,
+                 const Image<uint8_t>& mask, Image<uint8_t>& blended) {
+  libyuv::BlendPlane(over.values.data(), over.width, under.values.data(),
+                     under.width, mask.values.data(), mask.width,
+                     blended.values.data(), blended.width, blended.width,
                      blended.height);
 }
 
 bool CompareAll() noexcept {
   ResizeScratch scratch;
   for (const ResizeCase& sizes : {kHalf, kQuarter}) {
-    const Image image = GreyNoise(sizes.from_width, sizes.from_height);
-    Image ours = GreyNoise(sizes.to_width, sizes.to_height), theirs = ours;
+    const Image image =
+        NoiseImage<uint8_t>(sizes.from_width, sizes.from_height, 5);
+    Image ours = NoiseImage<uint8_t>(sizes.to_width, sizes.to_height, 5),
+          theirs = ours;
     Scale(image, theirs);
     ExpectTrue(ResizePlane(image.View(), scratch, ours.View()) &&
-                   ShareWithin(1, ours.pixels, theirs.pixels) == 1,
+                   ShareWithin(1, ours.values, theirs.values) == 1,
                "ScalePlane");
   }
   // Without sharp pixels of their own, both blend two planes.
-  const Image strong = GreyNoise(1280, 960);
-  Image ours = strong;
-  for (uint8_t& pixel : ours.pixels) pixel = static_cast<uint8_t>(~pixel);
-  const Image mild = ours;
-  Image theirs = ours;
+  const Image strong = NoiseImage<uint8_t>(1280, 960, 5);
+  Image<uint8_t> ours = strong;
+  for (uint8_t& pixel : ours.values) pixel = static_cast<uint8_t>(~pixel);
+  const Image<uint8_t> mild = ours;
+  Image<uint8_t> theirs = ours;
   BlendPlanes(strong, mild, strong, theirs);
   BlendByMask(strong.View(), mild.View(), strong.View(), ours.View());
-  ExpectTrue(ShareWithin(1, ours.pixels, theirs.pixels) == 1, "BlendPlane");
+  ExpectTrue(ShareWithin(1, ours.values, theirs.values) == 1, "BlendPlane");
   return true;
 }
 [[maybe_unused]] const bool kIsCompared = CompareAll();
 
 void YuvScale(benchmark::State& state, ResizeCase sizes) {
-  const Image image = GreyNoise(sizes.from_width, sizes.from_height);
-  Image scaled = GreyNoise(sizes.to_width, sizes.to_height);
-  TimeRounds(state, image.pixels.size() + scaled.pixels.size(),
+  const Image image =
+      NoiseImage<uint8_t>(sizes.from_width, sizes.from_height, 5);
+  Image scaled = NoiseImage<uint8_t>(sizes.to_width, sizes.to_height, 5);
+  TimeRounds(state, image.values.size() + scaled.values.size(),
              [&] { Scale(image, scaled); });
 }
 
 void YuvBlend(benchmark::State& state) {
-  const Image over = GreyNoise(1280, 960);
-  const Image under = over, mask = over;
-  Image blended = over;
-  TimeRounds(state, 4 * over.pixels.size(),
+  const Image over = NoiseImage<uint8_t>(1280, 960, 5);
+  const Image<uint8_t> under = over, mask = over;
+  Image<uint8_t> blended = over;
+  TimeRounds(state, 4 * over.values.size(),
              [&] { BlendPlanes(over, under, mask, blended); });
 }
 

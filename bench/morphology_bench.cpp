@@ -7,6 +7,7 @@
 
 #include "base/buffer.h"
 #include "bench_masks.h"
+#include "time_rounds.h"
 
 namespace zuqel::bench {
 namespace {
@@ -14,11 +15,11 @@ namespace {
 using Filter = bool (*)(Plane<const uint8_t>, uint8_t, Buffer&, Plane<uint8_t>);
 
 void SquareFilter(benchmark::State& state, Filter filter) {
-  const Image image = GreyNoise(640, 480);
+  const Image image = NoiseImage<uint8_t>(640, 480, 5);
   const auto radius = static_cast<uint8_t>(state.range(0));
-  Image filtered = image;
+  Image<uint8_t> filtered = image;
   Buffer scratch;
-  TimeRounds(state, 2 * image.pixels.size(), [&] {
+  TimeRounds(state, 2 * image.values.size(), [&] {
     benchmark::DoNotOptimize(
         filter(image.View(), radius, scratch, filtered.View()));
   });

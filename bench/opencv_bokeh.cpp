@@ -23,8 +23,8 @@ void ClearRing(cv::Mat& mask) {
 
 }  // namespace
 
-// Chroma of half the size is packed at the start of a full plane; what lies
-// behind it is the last row again.
+// Chroma of half the size is packed at the start of a full plane; the last
+// row fills what follows it.
 void OpenCvBokeh::SplitFrame(const ExpansionFrame& frame) {
   const cv::Size size(frame.luma.width, frame.luma.height);
   planes_[0] = cv::Mat(size, CV_8UC1, frame.luma.data);

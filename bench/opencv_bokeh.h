@@ -12,10 +12,10 @@
 
 namespace zuqel::bench {
 
-// The same steps on three full planes, each result handed on without a copy.
+// The same steps on three full planes, without copies in between.
 // What OpenCV has no operation for (the disparity's holes and range, the
-// growing of the region in focus) is the library's own. Without the smoothing
-// over calls, which leaves a mask that does not change as it is.
+// growing of the region in focus) is the library's own. Without the temporal
+// smoothing, which does not change a still scene.
 class OpenCvBokeh {
  public:
   void Render(const ExpansionFrame& frame);

@@ -1,5 +1,5 @@
-// Times OpenCV on the same planes and frame, on one thread, once its results
-// are seen to be the same but for the rounding.
+// Times OpenCV on the same planes and frame, on one thread, after checking that
+// its results differ in rounding only.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -7,12 +7,14 @@
 #include <opencv2/imgproc.hpp>
 
 #include "bokeh_frame.h"
-#include "compare_images.h"
 #include "cpu_bokeh/box_blur.h"
 #include "cpu_bokeh/resize/resize_plane.h"
+#include "difference.h"
+#include "expect.h"
 #include "opencv_bokeh.h"
 #include "opencv_images.h"
-#include "resize_cases.h"
+#include "resize_rows.h"
+#include "time_rounds.h"
 
 namespace zuqel::bench {
 namespace {
@@ -23,30 +25,31 @@ void Resize(const cv::Mat& image, const ResizeCase& sizes, cv::Mat& resized) {
              grows ? cv::INTER_LINEAR : cv::INTER_AREA);
 }
 
-// Coverages of 8 bits take a few pixels a level further away.
+// Coverages of 8 bits move a few pixels by one more level.
 void CompareResizing() {
   ResizeScratch scratch;
   for (const ResizeCase& sizes :
        {kHalf, kQuarter, kTwice, kFourTimes, kAreas}) {
-    const Image image = GreyNoise(sizes.from_width, sizes.from_height);
-    Image ours = GreyNoise(sizes.to_width, sizes.to_height);
+    const Image image =
+        NoiseImage<uint8_t>(sizes.from_width, sizes.from_height, 5);
+    Image ours = NoiseImage<uint8_t>(sizes.to_width, sizes.to_height, 5);
     cv::Mat theirs;
     Resize(MatOf(image), sizes, theirs);
     ExpectTrue(ResizePlane(image.View(), scratch, ours.View()) &&
-                   ShareWithin(2, ours.pixels, BytesOf(theirs)) >= 0.9999,
+                   ShareWithin(2, ours.values, BytesOf(theirs)) >= 0.9999,
                "cv::resize");
   }
 }
 
-// Ours cuts after each pass, theirs rounds once.
+// Ours truncates after each pass, theirs rounds once.
 void CompareBlur() {
-  const Image image = GreyNoise(1280, 960);
-  Image ours = image;
+  const Image image = NoiseImage<uint8_t>(1280, 960, 5);
+  Image<uint8_t> ours = image;
   cv::Mat theirs;
   Buffer scratch;
   cv::blur(MatOf(image), theirs, {3, 3}, {-1, -1}, cv::BORDER_REPLICATE);
   ExpectTrue(BoxBlur(image.View(), 1, scratch, ours.View()) &&
-                 ShareWithin(2, ours.pixels, BytesOf(theirs)) == 1,
+                 ShareWithin(2, ours.values, BytesOf(theirs)) == 1,
              "cv::blur");
 }
 
@@ -57,16 +60,16 @@ void CompareFrames() {
   int32_t frame_counter = 0;
   OpenCvBokeh opencv;
   ExpectTrue(RenderExpansion(ours.View(), buffers, frame_counter), "memory");
-  ExpectTrue(ShareWithin(0, ours.luma.pixels, theirs.luma.pixels) < 0.9,
+  ExpectTrue(ShareWithin(0, ours.luma.values, theirs.luma.values) < 0.9,
              "nothing is blurred");
   opencv.Render(theirs.View());
   ExpectTrue(
-      ShareWithin(3, ours.luma.pixels, theirs.luma.pixels) >= 0.95 &&
-          ShareWithin(3, ours.chroma.pixels, theirs.chroma.pixels) >= 0.95,
+      ShareWithin(3, ours.luma.values, theirs.luma.values) >= 0.95 &&
+          ShareWithin(3, ours.chroma.values, theirs.chroma.values) >= 0.95,
       "the whole frame");
 }
 
-// Before any row is timed; what goes wrong here ends the program.
+// Before anything is timed; a difference ends the program.
 bool CompareAll() noexcept {
   cv::setNumThreads(1);
   CompareResizing();
@@ -77,18 +80,19 @@ bool CompareAll() noexcept {
 [[maybe_unused]] const bool kIsCompared = CompareAll();
 
 void CvResize(benchmark::State& state, ResizeCase sizes) {
-  const Image image = GreyNoise(sizes.from_width, sizes.from_height);
-  Image resized = GreyNoise(sizes.to_width, sizes.to_height);
+  const Image image =
+      NoiseImage<uint8_t>(sizes.from_width, sizes.from_height, 5);
+  Image resized = NoiseImage<uint8_t>(sizes.to_width, sizes.to_height, 5);
   cv::Mat out = MatOf(resized);
-  TimeRounds(state, image.pixels.size() + resized.pixels.size(),
+  TimeRounds(state, image.values.size() + resized.values.size(),
              [&] { Resize(MatOf(image), sizes, out); });
 }
 
 void CvBlur(benchmark::State& state) {
-  const Image image = GreyNoise(1280, 960);
+  const Image image = NoiseImage<uint8_t>(1280, 960, 5);
   cv::Mat blurred;
   const auto side = 2 * static_cast<int32_t>(state.range(0)) + 1;
-  TimeRounds(state, 2 * image.pixels.size(), [&] {
+  TimeRounds(state, 2 * image.values.size(), [&] {
     cv::blur(MatOf(image), blurred, {side, side}, {-1, -1},
              cv::BORDER_REPLICATE);
   });
@@ -98,7 +102,7 @@ void CvWholeCall(benchmark::State& state) {
   const Silence silence;
   BokehFrame frame;
   OpenCvBokeh opencv;
-  TimeRounds(state, 2 * (frame.luma.pixels.size() * 3 / 2), [&] {
+  TimeRounds(state, 2 * (frame.luma.values.size() * 3 / 2), [&] {
     frame.Restore();
     opencv.Render(frame.View());
   });

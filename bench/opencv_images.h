@@ -1,4 +1,4 @@
-// Images as OpenCV sees them.
+// Views of images for OpenCV.
 #ifndef ZUQEL_BENCH_OPENCV_IMAGES_H_
 #define ZUQEL_BENCH_OPENCV_IMAGES_H_
 
@@ -7,14 +7,14 @@
 #include <opencv2/core/utility.hpp>
 #include <span>
 
-#include "bench_images.h"
+#include "plane_image.h"
 
 namespace zuqel::bench {
 
 // A header on pixels that it neither owns nor writes.
-inline cv::Mat MatOf(const Image& image) {
+inline cv::Mat MatOf(const Image<uint8_t>& image) {
   return {image.height, image.width, CV_8UC1,
-          const_cast<uint8_t*>(image.pixels.data())};
+          const_cast<uint8_t*>(image.values.data())};
 }
 
 // All bytes of an image that has no gaps.

@@ -1,5 +1,5 @@
-// Times OpenCV on the same masks, on one thread, once both are seen to give the
-// same components and pixels.
+// Times OpenCV on the same masks, on one thread, after checking that both give
+// the same components and pixels.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -14,10 +14,12 @@
 
 #include "base/buffer.h"
 #include "bench_masks.h"
-#include "compare_images.h"
 #include "depth/labelling/components.h"
 #include "depth/morphology.h"
+#include "difference.h"
+#include "expect.h"
 #include "opencv_images.h"
+#include "time_rounds.h"
 
 namespace zuqel::bench {
 namespace {
@@ -27,14 +29,13 @@ cv::Mat SquareOf(int32_t radius) {
   return cv::getStructuringElement(cv::MORPH_RECT, {side, side});
 }
 
-// Each of our labels stands for one of theirs and the other way round; areas
-// are equal. Past the limit of labels ours would share the last one, so they
-// are given room for all.
-void CompareComponents(const Image& mask, const char* name) {
+// Labels map one to one and areas are equal. Past the label limit ours would
+// share the last one, so there is room for all.
+void CompareComponents(const Image<uint8_t>& mask, const char* name) {
   cv::Mat theirs, statistics, centroids;
   const int32_t count = cv::connectedComponentsWithStats(
       MatOf(mask), theirs, statistics, centroids, 4);
-  const size_t pixels = mask.pixels.size();
+  const size_t pixels = mask.values.size();
   std::vector<uint32_t> ours(pixels), areas(pixels + 1);
   Buffer scratch;
   static_cast<void>(LabelComponents(mask.View(), ours, areas, scratch));
@@ -60,12 +61,13 @@ void CompareComponents(const Image& mask, const char* name) {
   }
 }
 
-void CompareFilters(const Image& image, const Image& mask, int32_t radius) {
+void CompareFilters(const Image<uint8_t>& image, const Image<uint8_t>& mask,
+                    int32_t radius) {
   Buffer scratch;
-  Image ours = image;
+  Image<uint8_t> ours = image;
   cv::Mat theirs;
   const auto expect_equal = [&ours, &theirs](bool is_done, const char* name) {
-    ExpectTrue(is_done && std::equal(ours.pixels.begin(), ours.pixels.end(),
+    ExpectTrue(is_done && std::equal(ours.values.begin(), ours.values.end(),
                                      theirs.datastart),
                name);
   };
@@ -81,7 +83,7 @@ void CompareFilters(const Image& image, const Image& mask, int32_t radius) {
                "DilateMask");
 }
 
-// Before any row is timed; what goes wrong here ends the program.
+// Before anything is timed; a difference ends the program.
 bool CompareAll() noexcept {
   cv::setNumThreads(1);
   CompareComponents(SceneMask(), "components of the scene");
@@ -89,16 +91,16 @@ bool CompareAll() noexcept {
   CompareComponents(DenseNoise(), "components of dense noise");
   CompareComponents(Checkerboard(), "components of a checkerboard");
   for (const int32_t radius : {2, 4, 32}) {
-    CompareFilters(GreyNoise(640, 480), SceneMask(), radius);
+    CompareFilters(NoiseImage<uint8_t>(640, 480, 5), SceneMask(), radius);
   }
   return true;
 }
 [[maybe_unused]] const bool kIsCompared = CompareAll();
 
 void CvComponents(benchmark::State& state, MaskMaker make_mask) {
-  const Image mask = make_mask();
+  const Image<uint8_t> mask = make_mask();
   cv::Mat labels, statistics, centroids;
-  TimeRounds(state, 5 * mask.pixels.size(), [&] {
+  TimeRounds(state, 5 * mask.values.size(), [&] {
     benchmark::DoNotOptimize(cv::connectedComponentsWithStats(
         MatOf(mask), labels, statistics, centroids, 4));
   });
@@ -108,10 +110,10 @@ using CvFilter = void (*)(cv::InputArray, cv::OutputArray, cv::InputArray,
                           cv::Point, int, int, const cv::Scalar&);
 
 void CvSquareFilter(benchmark::State& state, CvFilter filter) {
-  const Image image = GreyNoise(640, 480);
+  const Image image = NoiseImage<uint8_t>(640, 480, 5);
   const cv::Mat square = SquareOf(static_cast<int32_t>(state.range(0)));
   cv::Mat filtered;
-  TimeRounds(state, 2 * image.pixels.size(), [&] {
+  TimeRounds(state, 2 * image.values.size(), [&] {
     filter(MatOf(image), filtered, square, {-1, -1}, 1, cv::BORDER_CONSTANT,
            cv::morphologyDefaultBorderValue());
   });

@@ -7,10 +7,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
-#include <vector>
 
+#include "difference.h"
 #include "reference_render.h"
 
 namespace zuqel {
@@ -34,22 +33,17 @@ inline testing::AssertionResult IsNear(std::span<const uint8_t> actual,
   if (actual.empty() || actual.size() != expected.size()) {
     return testing::AssertionFailure() << "of " << actual.size() << " bytes";
   }
-  std::vector<size_t> outside;  // one byte of each such pixel
-  for (size_t i = 0; i < actual.size(); ++i) {
-    if (std::abs(actual[i] - expected[i]) <= tolerance.levels) continue;
-    if (outside.empty() || outside.back() / channels != i / channels) {
-      outside.push_back(i);
-    }
+  const Difference found =
+      FindDifference(actual, expected, tolerance.levels, channels);
+  if (found.share_within >= tolerance.share) {
+    return testing::AssertionSuccess();
   }
-  const double share = 1 - static_cast<double>(outside.size() * channels) /
-                               static_cast<double>(actual.size());
-  if (share >= tolerance.share) return testing::AssertionSuccess();
-  const size_t i = outside.front();
+  const size_t i = found.first_byte;
   return testing::AssertionFailure()
-         << "only " << 100 * share << " % within " << tolerance.levels
-         << " levels; first pixel outside: " << i / channels << ", channel "
-         << i % channels << ": " << int{actual[i]} << " instead of "
-         << int{expected[i]};
+         << "only " << 100 * found.share_within << " % within "
+         << tolerance.levels << " levels; first pixel outside: " << i / channels
+         << ", channel " << i % channels << ": " << int{actual[i]}
+         << " instead of " << int{expected[i]};
 }
 
 // Reads a framebuffer of the current context.

@@ -13,6 +13,7 @@
 
 #include "depth/hole_filling.h"
 #include "depth/statistics.h"
+#include "disparity_scenes.h"
 #include "same_image.h"
 
 namespace zuqel {
@@ -85,6 +86,8 @@ void ForEachMap(auto check) {
       if (testing::Test::HasFailure()) return;
     }
   }
+  SCOPED_TRACE("boxes");
+  check(BoxesScene(160, 120));
 }
 
 using MinMax = std::array<int, 2>;

@@ -22,7 +22,7 @@ namespace {
 
 using Mask = Image<uint8_t>;
 
-// Logarithms of likelihoods, in 1/1024, by the distance behind the focus.
+// Shares of the tolerances, by the distance behind the focus.
 constexpr std::array kWeights = {
     1.0,    1.0,    1.125, 1.125, 1.125, 0.75, 0.75, 0.75, 0.75,  0.375, 0.375,
     0.1875, 0.1875, 0.105, 0.105, 0.06,  0.06, 0.03, 0.03, 0.015, 0.015};

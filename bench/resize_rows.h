@@ -1,26 +1,11 @@
-// The changes of size that are timed.
-#ifndef ZUQEL_BENCH_RESIZE_CASES_H_
-#define ZUQEL_BENCH_RESIZE_CASES_H_
+// One row for each change of size that is timed.
+#ifndef ZUQEL_BENCH_RESIZE_ROWS_H_
+#define ZUQEL_BENCH_RESIZE_ROWS_H_
 
 #include <benchmark/benchmark.h>
 
-#include <cstdint>
+#include "resize_cases.h"
 
-namespace zuqel::bench {
-
-struct ResizeCase {
-  int32_t from_width, from_height, to_width, to_height;
-};
-
-inline constexpr ResizeCase kHalf = {1280, 960, 640, 480};
-inline constexpr ResizeCase kQuarter = {1280, 960, 320, 240};
-inline constexpr ResizeCase kTwice = {640, 480, 1280, 960};
-inline constexpr ResizeCase kFourTimes = {320, 240, 1280, 960};
-inline constexpr ResizeCase kAreas = {1440, 1080, 640, 480};
-
-}  // namespace zuqel::bench
-
-// One row for each of them.
 #define ZUQEL_BENCH_RESIZE_CASES(function)                                   \
   BENCHMARK_CAPTURE(function, half, kHalf)->Unit(benchmark::kMicrosecond);   \
   BENCHMARK_CAPTURE(function, quarter, kQuarter)                             \
@@ -30,4 +15,4 @@ inline constexpr ResizeCase kAreas = {1440, 1080, 640, 480};
       ->Unit(benchmark::kMicrosecond);                                       \
   BENCHMARK_CAPTURE(function, areas, kAreas)->Unit(benchmark::kMicrosecond)
 
-#endif  // ZUQEL_BENCH_RESIZE_CASES_H_
+#endif  // ZUQEL_BENCH_RESIZE_ROWS_H_

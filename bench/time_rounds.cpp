@@ -1,21 +1,10 @@
-// Makes images and times copies.
-#include "bench_images.h"
+// Times copies.
+#include "time_rounds.h"
 
-#include <algorithm>
 #include <cstring>
-#include <random>
+#include <vector>
 
 namespace zuqel::bench {
-
-Image GreyNoise(int32_t width, int32_t height) {
-  std::seed_seq seed = {5};
-  std::mt19937 random(seed);
-  Image image{width, height, {}};
-  image.pixels.resize(image.View().size());
-  std::generate(image.pixels.begin(), image.pixels.end(),
-                [&random] { return static_cast<uint8_t>(random() >> 24); });
-  return image;
-}
 
 double CopySeconds(size_t bytes) {
   constexpr int kRounds = 1000;

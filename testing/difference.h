@@ -1,0 +1,43 @@
+// Counts pixels that differ.
+#ifndef ZUQEL_TESTING_DIFFERENCE_H_
+#define ZUQEL_TESTING_DIFFERENCE_H_
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <span>
+
+namespace zuqel {
+
+// Of two images of one size and `channels` bytes a pixel.
+struct Difference {
+  size_t pixels = 0;      // some byte of which is too far away
+  size_t first_byte = 0;  // of those
+  double share_within = 0;
+};
+
+inline Difference FindDifference(std::span<const uint8_t> a,
+                                 std::span<const uint8_t> b, int levels,
+                                 size_t channels) {
+  Difference found;
+  size_t past_last = 0;  // byte after the last pixel counted
+  for (size_t i = 0; i < a.size(); ++i) {
+    if (i < past_last || std::abs(a[i] - b[i]) <= levels) continue;
+    if (found.pixels++ == 0) found.first_byte = i;
+    past_last = (i / channels + 1) * channels;
+  }
+  found.share_within = 1 - static_cast<double>(found.pixels * channels) /
+                               static_cast<double>(a.size());
+  return found;
+}
+
+// Share of the bytes that are at most `levels` apart; 0 of different sizes.
+inline double ShareWithin(int levels, std::span<const uint8_t> a,
+                          std::span<const uint8_t> b) {
+  if (a.size() != b.size() || a.empty()) return 0;
+  return FindDifference(a, b, levels, 1).share_within;
+}
+
+}  // namespace zuqel
+
+#endif  // ZUQEL_TESTING_DIFFERENCE_H_
