@@ -20,9 +20,9 @@ constexpr std::array<size_t, kProgramCacheEntries> kEntryOrder = {
     0, 1, 2, 3, 4, 6, 5, 7, 8, 9, 10};
 
 const ProgramRow& RowOfEntry(size_t entry) {
-  return *std::ranges::find_if(kPrograms, [=](const ProgramRow& row) {
-    return row.cache_entry == entry;
-  });
+  return *std::find_if(
+      std::begin(kPrograms), std::end(kPrograms),
+      [=](const ProgramRow& row) { return row.cache_entry == entry; });
 }
 
 size_t EntryOf(ProgramRole role) {

@@ -21,7 +21,9 @@ constexpr bool EachEntryHasOneProgram() {
     const auto is_entry = [=](const ProgramRow& row) {
       return row.cache_entry == entry;
     };
-    if (std::ranges::count_if(kPrograms, is_entry) != 1) return false;
+    const auto rows =
+        std::count_if(std::begin(kPrograms), std::end(kPrograms), is_entry);
+    if (rows != 1) return false;
   }
   return true;
 }
