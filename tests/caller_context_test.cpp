@@ -116,9 +116,9 @@ std::vector<GLint> ReadState() {
     glGetIntegerv(name, values.data());
     state.insert(state.end(), values.begin(), values.end());
   };
-  std::ranges::for_each(kPixelStore, read);
-  std::ranges::for_each(kSwitches, read);
-  std::ranges::for_each(kOthers, read);
+  std::for_each(std::begin(kPixelStore), std::end(kPixelStore), read);
+  std::for_each(std::begin(kSwitches), std::end(kSwitches), read);
+  std::for_each(std::begin(kOthers), std::end(kOthers), read);
   GLint vertex_array = 0;
   glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertex_array);
   ReadAttributes(state);

@@ -59,8 +59,8 @@ struct CallerFrame {
     const auto next = [&] {
       return static_cast<uint8_t>((noise *= 69069) >> 24);
     };
-    std::ranges::generate(luma.span(), next);
-    std::ranges::generate(chroma.span(), next);
+    std::generate(luma.span().begin(), luma.span().end(), next);
+    std::generate(chroma.span().begin(), chroma.span().end(), next);
     constexpr std::array<uint16_t, 3> kDepths = {0xFFFF, 1023, 500};
     for (size_t i = 0; i < depth.size(); ++i) depth.data()[i] = kDepths[i % 3];
   }

@@ -37,8 +37,9 @@ constexpr std::array<size_t, 12> kBuildOrder = {0, 1, 2, 3, 4, 6,
                                                 6, 5, 7, 8, 9, 10};
 
 const ProgramRow& RowOfEntry(size_t entry) {
-  return *std::ranges::find(kPrograms, std::optional(entry),
-                            &ProgramRow::cache_entry);
+  return *std::find_if(
+      std::begin(kPrograms), std::end(kPrograms),
+      [=](const ProgramRow& row) { return row.cache_entry == entry; });
 }
 
 Entries All() {
