@@ -64,7 +64,7 @@ void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
     programs.BuildAll();
     return;
   }
-  const std::span<uint8_t, kProgramCacheBytes> bytes(cache, kProgramCacheBytes);
+  const ProgramCacheBytes bytes(cache, kProgramCacheBytes);
   BinaryInfo& info = session_cache.binaryInfo;
   std::memcpy(&info, cache, sizeof(info));
   std::memcpy(session_cache.copy.bytes(), cache, kProgramCacheBytes);
@@ -76,9 +76,12 @@ void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
     return;
   }
 
-  std::memset(session_cache.copy.bytes(), 0, kProgramCacheBytes);
+  // Built in the session's copy, so that the caller never holds half a cache.
   info = {};
-  Rebuild(bytes);
+  uint8_t* copy = session_cache.copy.bytes();
+  Rebuild(std::span<uint8_t, kProgramCacheBytes>(copy, kProgramCacheBytes));
+  std::memcpy(cache, copy, kProgramCacheBytes);
+  std::memset(copy, 0, kProgramCacheBytes);
   programs.BuildAll();
 }
 
