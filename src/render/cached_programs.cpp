@@ -29,7 +29,7 @@ size_t EntryOf(ProgramRole role) {
   return RowOf(role).cache_entry.value_or(kProgramCacheEntries);
 }
 
-// True when a single one loads.
+// True if at least one of them loads.
 bool Load(ProgramCacheBytes cache, const BinaryInfo& info,
           std::span<const size_t> entries, ProgramTable& programs) {
   GLint loaded = 0;
@@ -42,9 +42,9 @@ bool Load(ProgramCacheBytes cache, const BinaryInfo& info,
 }
 
 void Rebuild(std::span<uint8_t, kProgramCacheBytes> cache) {
-  // The conversion to RGB is built twice: the entry of its first binary goes to
-  // the repacking program afterwards, and its bytes stay unreferenced. Readers
-  // of old caches rely on where everything lies.
+  // The conversion to RGB is built twice: the repacking program takes over the
+  // entry of the first binary, whose bytes stay unreferenced. Existing caches
+  // have this layout.
   const size_t built_twice = EntryOf(Nv21ToRgbProgram);
   std::array<CacheStep, kEntryOrder.size() + 1> steps;
   CacheStep* step = steps.data();

@@ -7,6 +7,7 @@
 #include "shader_sources.h"
 
 namespace zuqel {
+
 #define ZUQEL_ROW(role, vertex, fragment, entry) \
   ProgramRow{                                    \
       ProgramRole::role, {shaders::k##vertex, shaders::k##fragment}, entry},
