@@ -42,7 +42,13 @@ Point TextureCoordinates(Turn turn, double u, double v) {
   return {u, v};
 }
 
-// Where the chroma of a pixel lies: U, then V.
+double Disparity(Rgba depth, const DepthRange& range) {
+  return std::clamp<double>(256 * 256 * depth.g + 256 * depth.r, range.min,
+                            range.max);
+}
+
+}  // namespace
+
 std::array<size_t, 2> ChromaIndex(size_t pixel, Size size, int format) {
   const int x = static_cast<int>(pixel) % size.width;
   const int y = static_cast<int>(pixel) / size.width;
@@ -54,13 +60,6 @@ std::array<size_t, 2> ChromaIndex(size_t pixel, Size size, int format) {
   const size_t v = Index(x / block * block, y / block, size.width);
   return {v + 1, v};
 }
-
-double Disparity(Rgba depth, const DepthRange& range) {
-  return std::clamp<double>(256 * 256 * depth.g + 256 * depth.r, range.min,
-                            range.max);
-}
-
-}  // namespace
 
 Image FromBytes(std::span<const uint8_t> bytes, Size size, int channels) {
   Image image(size);

@@ -3,6 +3,7 @@
 #ifndef ZUQEL_TESTING_REFERENCE_RENDER_H_
 #define ZUQEL_TESTING_REFERENCE_RENDER_H_
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -75,6 +76,9 @@ struct Planes {
   Size size;
   std::vector<uint8_t> luma, chroma;
 };
+
+// Where the chroma of a pixel lies in a layout: U, then V.
+std::array<size_t, 2> ChromaIndex(size_t pixel, Size size, int format);
 
 // What the passes make of a frame before they blur it: off screen, where
 // `packed` stands in for formats that are not read from the planes, and on.

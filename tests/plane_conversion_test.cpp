@@ -1,76 +1,93 @@
-// Conversions between planes and pixels against plain per-pixel forms, for
-// sizes at which linear chroma indices run into one another.
+// Conversions between planes and pixels against plain per-pixel forms, also in
+// sizes at which linear chroma indices overlap.
 #include "render/plane_conversion.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <utility>
+#include <array>
+#include <cstdint>
 #include <vector>
 
-#include "guarded_memory.h"
+#include "reference_render.h"
+#include "same_image.h"
 
 namespace zuqel {
 namespace {
 
-// Where the U and the V of a pixel lie.
-std::pair<size_t, size_t> PlaceOf(int32_t format, size_t x, size_t y,
-                                  size_t width, size_t height) {
-  if (format == 2) {
-    const size_t at = x / 2 + width / 2 * (y / 2);
-    return {(width / 2) * (height / 2) + at, at};
-  }
-  const size_t step = format == 7 ? 4 : 2;
-  const size_t at = (x - x % step) + width * (y / step);
-  return {at + 1, at};
-}
+struct FormatRow {
+  const char* name;
+  int32_t format;
+};
+
+struct PlainFrame {
+  Image<uint8_t> luma, chroma;
+};
 
 // What lies outside reads as zero; written, it is dropped.
-void ExpectLikeEachPixelByItself(size_t width, size_t height, int32_t format) {
-  SCOPED_TRACE(testing::Message()
-               << width << "x" << height << ", format " << format);
-  const GuardedMemory<uint32_t> rgba(width * height);
-  const GuardedMemory<uint8_t> luma(width * height);
-  const GuardedMemory<uint8_t> chroma(width * (height / 2));
-  const Frame frame = {
-      {luma.data(), static_cast<int32_t>(width), static_cast<int32_t>(height)},
-      chroma.span()};
-  std::vector<uint8_t> expected_luma(luma.size());
-  // Its last element stands for all that lies outside.
-  std::vector<uint8_t> expected_chroma(chroma.size() + 1);
-  const auto at = [&](size_t index) -> uint8_t& {
-    return expected_chroma[std::min(index, chroma.size())];
+PlainFrame ReferenceUnpack(const Image<uint32_t>& rgba, int32_t format) {
+  PlainFrame made = {{rgba.width, rgba.height}, {rgba.width, rgba.height / 2}};
+  const auto write = [&](size_t index, uint32_t value) {
+    std::vector<uint8_t>& chroma = made.chroma.values;
+    if (index < chroma.size()) chroma[index] = static_cast<uint8_t>(value);
   };
-  for (size_t i = 0; i < rgba.size(); ++i) {
-    // Four bytes that all differ from the next pixel's.
-    const uint32_t pixel = static_cast<uint32_t>(i + 1) * 2654435761U;
-    rgba.data()[i] = pixel;
-    expected_luma[i] = static_cast<uint8_t>(pixel);
-    const auto [u, v] = PlaceOf(format, i % width, i / width, width, height);
-    at(u) = static_cast<uint8_t>(pixel >> 8);
-    at(v) = static_cast<uint8_t>(pixel >> 16);
+  for (size_t i = 0; i < rgba.values.size(); ++i) {
+    const uint32_t pixel = rgba.values[i];
+    const auto [u, v] =
+        reference::ChromaIndex(i, {rgba.width, rgba.height}, format);
+    made.luma.values[i] = static_cast<uint8_t>(pixel);
+    write(u, pixel >> 8);
+    write(v, pixel >> 16);
   }
-  UnpackFrame(rgba.span(), format, frame);
-  EXPECT_TRUE(std::equal(luma.span().begin(), luma.span().end(),
-                         expected_luma.begin(), expected_luma.end()));
-  expected_chroma.back() = 0;
-  EXPECT_TRUE(std::equal(chroma.span().begin(), chroma.span().end(),
-                         expected_chroma.begin()));
-  if (format != 7) return;
-
-  PackFrame(frame, rgba.span());
-  for (size_t i = 0; i < rgba.size(); ++i) {
-    const auto [u, v] = PlaceOf(format, i % width, i / width, width, height);
-    ASSERT_EQ(rgba.data()[i], expected_luma[i] | uint32_t{at(u)} << 8 |
-                                  uint32_t{at(v)} << 16 | 255U << 24);
-  }
+  return made;
 }
 
-TEST(PlaneConversion, IsLikeEachPixelByItself) {
-  for (const size_t width : {0U, 1U, 2U, 3U, 4U, 5U, 7U, 8U, 15U, 17U, 32U}) {
-    for (const size_t height : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U}) {
-      for (const int32_t format : {0, 1, 2, 7, -1}) {
-        ExpectLikeEachPixelByItself(width, height, format);
+Image<uint32_t> ReferencePack(const PlainFrame& frame) {
+  const auto read = [&](size_t index) -> uint32_t {
+    const std::vector<uint8_t>& chroma = frame.chroma.values;
+    return index < chroma.size() ? chroma[index] : 0;
+  };
+  const auto& [width, height, luma] = frame.luma;
+  Image<uint32_t> rgba = {width, height};
+  for (size_t i = 0; i < luma.size(); ++i) {
+    const auto [u, v] =
+        reference::ChromaIndex(i, {width, height}, kFormatPacked);
+    rgba.values[i] = luma[i] | read(u) << 8 | read(v) << 16 | 255U << 24;
+  }
+  return rgba;
+}
+
+void CheckConversions(int32_t width, int32_t height, int32_t format) {
+  const Image rgba = NoiseImage<uint32_t>(width, height, 1);
+  const GuardedImage<uint8_t> luma(Image<uint8_t>{width, height});
+  const GuardedImage<uint8_t> chroma(Image<uint8_t>{width, height / 2});
+  const Plane<uint8_t> chroma_plane = chroma.View();
+  const Frame frame = {luma.View(), {chroma_plane.data, chroma_plane.size()}};
+  const GuardedMemory<uint32_t> guarded(rgba.values);
+  UnpackFrame(guarded.span(), format, frame);
+  const PlainFrame expected = ReferenceUnpack(rgba, format);
+  EXPECT_TRUE(IsSame(luma.Copy(), expected.luma));
+  EXPECT_TRUE(IsSame(chroma.Copy(), expected.chroma)) << "chroma";
+  if (format != kFormatPacked) return;
+
+  PackFrame(frame, guarded.span());
+  EXPECT_TRUE(
+      IsSame({width, height, {guarded.span().begin(), guarded.span().end()}},
+             ReferencePack(expected)));
+}
+
+TEST(PlaneConversion, EqualsThatOfEachPixelByItself) {
+  for (const auto& [name, format] : std::to_array<FormatRow>({
+           {"NV21", kFormatNv21},
+           {"planar", kFormatPlanar},
+           {"packed", kFormatPacked},
+           {"unknown", 1},
+           {"negative", -1},
+       })) {
+    for (const int32_t width : {0, 1, 2, 3, 4, 5, 7, 8, 15, 17, 32}) {
+      for (int32_t height = 0; height <= 9; ++height) {
+        SCOPED_TRACE(testing::Message()
+                     << name << ", " << width << " x " << height);
+        CheckConversions(width, height, format);
       }
     }
   }
