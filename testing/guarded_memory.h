@@ -14,9 +14,9 @@
 
 namespace zuqel {
 
-// Owns elements, zeroed or copied, between two protected pages. The one behind
-// begins right after the last element; the one in front ends at the first only
-// when the elements fill whole pages. A touch of either ends the program.
+// Owns elements, zeroed or copied, between two protected pages. The second page
+// begins right after the last element; the first ends at the first element only
+// when the elements fill whole pages. Touching either ends the program.
 template <typename T>
 class GuardedMemory {
   static_assert(std::is_trivial_v<T>);

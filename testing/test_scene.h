@@ -5,23 +5,9 @@
 #include <cstdint>
 #include <vector>
 
+#include "random.h"
+
 namespace zuqel {
-
-// The next number of a sequence.
-inline int Noise(uint32_t& state) {
-  state = state * 1664525U + 1013904223U;
-  return static_cast<int>(state >> 24);
-}
-
-struct TestRandom {
-  uint64_t state = 1;
-
-  // The next number, 0 to `count` - 1.
-  int operator()(int count) {
-    state = state * 6364136223846793005U + 1442695040888963407U;
-    return static_cast<int>((state >> 33) % static_cast<uint64_t>(count));
-  }
-};
 
 // A scene has blocks with hard edges and flat insides above noise. A mask is
 // noise whose reds are black or white.
@@ -31,10 +17,10 @@ enum class Pattern { kNoise, kMask, kRamp, kScene };
 inline std::vector<uint8_t> PatternBytes(Pattern pattern, int row_bytes,
                                          int rows, int seed) {
   std::vector<uint8_t> bytes;
-  auto state = static_cast<uint32_t>(seed);
+  Random random(static_cast<uint64_t>(seed));
   for (int y = 0; y < rows; ++y) {
     for (int x = 0; x < row_bytes; ++x) {
-      int value = Noise(state);
+      int value = static_cast<int>(random.Below(256));
       if (pattern == Pattern::kMask && x % 4 == 0) value = value / 128 * 255;
       if (pattern == Pattern::kRamp)
         value = x * 200 / row_bytes + y * 55 / rows;
@@ -52,14 +38,14 @@ inline std::vector<uint8_t> PatternBytes(Pattern pattern, int row_bytes,
 inline std::vector<uint16_t> DisparityScene(int width, int height, int low,
                                             int high) {
   std::vector<uint16_t> disparity;
-  uint32_t state = 9;
+  Random random(9);
   for (int y = 0; y < height; ++y) {
     for (int x = 0; x < width; ++x) {
       const int steps = y * 3 / height == 1 ? width : 5;
       const int value = low + x * steps / width * (high - low) / steps;
-      const bool is_hole = Noise(state) < 6;
+      const bool is_hole = random.Chance(2);
       disparity.push_back(
-          static_cast<uint16_t>(is_hole ? 1023 : value + Noise(state) % 3));
+          static_cast<uint16_t>(is_hole ? 1023 : value + random.Between(0, 2)));
     }
   }
   return disparity;

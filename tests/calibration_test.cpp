@@ -14,7 +14,6 @@
 #include <functional>
 #include <limits>
 #include <optional>
-#include <random>
 #include <span>
 #include <unordered_set>
 #include <utility>
@@ -24,6 +23,7 @@
 #include "calib/gcm.h"
 #include "calib/key_wrap.h"
 #include "guarded_memory.h"
+#include "random.h"
 
 namespace zuqel::calib {
 namespace {
@@ -56,8 +56,7 @@ constexpr auto kForms = std::to_array<Form>({
 });
 
 const Form& FormOf(size_t length) {
-  return *std::find_if(std::begin(kForms), std::end(kForms),
-                       [=](const Form& form) { return form.length == length; });
+  return *std::ranges::find(kForms, length, &Form::length);
 }
 
 Bytes MakeKey(uint8_t first) {
@@ -428,13 +427,6 @@ bool Holds(std::span<const uint8_t> memory, std::span<const uint8_t> secret) {
   return false;
 }
 
-Bytes Noise(size_t size, uint32_t seed) {
-  std::mt19937 random(seed);
-  Bytes bytes(size);
-  for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(random());
-  return bytes;
-}
-
 struct Secret {
   const char* name;
   Bytes bytes;
@@ -470,9 +462,9 @@ TEST(Calibration, StackKeepsNoSecrets) {
     for (Bytes& unit : units) {
       // No eight bytes past the header occur anywhere else.
       const auto seed = static_cast<uint32_t>(secrets.size());
-      secrets.push_back({"unit", Noise(form.unit_size - 248, seed)});
-      std::copy(secrets.back().bytes.begin(), secrets.back().bytes.end(),
-                unit.begin() + 248);
+      secrets.push_back(
+          {"unit", Random(seed).Values<uint8_t>(form.unit_size - 248)});
+      std::ranges::copy(secrets.back().bytes, unit.begin() + 248);
     }
     const Bytes container = MakeContainer(form, units);
     const CalibrationInput input = {
@@ -504,13 +496,13 @@ TEST(Calibration, StackKeepsNoSecrets) {
 
     RunOnStack(stack, keep_unit);
     EXPECT_TRUE(Holds(stack, secrets.back().bytes));
-    std::fill(stack.begin(), stack.end(), 0);
+    std::ranges::fill(stack, 0);
     RunOnStack(stack, decode);
     EXPECT_EQ(status, ZUQEL_SUCCESS);
     for (const auto& [name, bytes] : secrets) {
       EXPECT_FALSE(Holds(stack, bytes)) << name << " of " << form.length;
     }
-    std::fill(stack.begin(), stack.end(), 0);
+    std::ranges::fill(stack, 0);
     RunOnStack(stack, initialise);
     EXPECT_EQ(status, ZUQEL_INIT_REFUSED);
     for (const auto& [name, bytes] : secrets) {

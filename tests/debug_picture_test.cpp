@@ -6,8 +6,9 @@
 #include <cmath>
 #include <vector>
 
+#include "caller_frame.h"
 #include "compare.h"
-#include "test_frame.h"
+#include "test_session.h"
 
 namespace zuqel {
 namespace {
@@ -87,7 +88,7 @@ class DebugPictureTest : public testing::Test {
 };
 
 TEST_F(DebugPictureTest, OnlyEntriesInUseAreDrawn) {
-  const ScopedSession session(SmallInfo());
+  const ScopedSession session(SmallPreviewInfo());
   const DrawRegion all = {0, 0, 64, 48};
   const Bytes plain = RenderFrame(false, false);
   const Table used = {Picture({6, 5}, all)};
@@ -108,7 +109,7 @@ TEST_F(DebugPictureTest, LieOverTheFrame) {
       {}};
   for (size_t i = 0; i < tables.size(); ++i) {
     glDisable(GL_BLEND);
-    const ScopedSession session(SmallInfo());
+    const ScopedSession session(SmallPreviewInfo());
     Table table = tables[i];
     ASSERT_EQ(zuQelRT_GLSetDebugPicture(table.data()), 0U);
     table = {};           // has been copied
@@ -127,7 +128,7 @@ TEST_F(DebugPictureTest, LieOverTheFrame) {
 }
 
 TEST_F(DebugPictureTest, OnScreenTheyAreReadFromTheOutputTarget) {
-  const ScopedSession session(SmallInfo(0));
+  const ScopedSession session(SmallPreviewInfo(0));
   const Table table = {Picture({6, 5}, {4, 3, 30, 40})};
   ASSERT_EQ(zuQelRT_GLSetDebugPicture(table.data()), 0U);
   const Bytes expected = DrawnOverTarget(table, false);

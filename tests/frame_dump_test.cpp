@@ -12,9 +12,11 @@
 #include <string>
 #include <vector>
 
+#include "caller_frame.h"
 #include "compare.h"
 #include "log_capture.h"
-#include "test_frame.h"
+#include "scoped_property.h"
+#include "test_session.h"
 
 namespace zuqel {
 namespace {
@@ -75,7 +77,7 @@ TEST_F(FrameDumpTest, FilesHoldTheFrame) {
   const ScopedProperty on(kSwitch, "1");
   const Bytes luma = TestFrame().luma;
   TestFrame frame;
-  const ScopedSession session(SmallInfo());
+  const ScopedSession session(SmallPreviewInfo());
   TheSession().frames.counters.dump_number = 9998;
   EXPECT_EQ(frame.Render(), ZUQEL_SUCCESS);
   // The viewport of the first frame's beginning is the context's own.
@@ -91,7 +93,7 @@ TEST_F(FrameDumpTest, FilesHoldTheFrame) {
 }
 
 TEST_F(FrameDumpTest, SwitchAndDirectoryAreReadAtEveryDump) {
-  const ScopedSession session(SmallInfo());
+  const ScopedSession session(SmallPreviewInfo());
   const auto dumped = [&](const char* value) {
     const ScopedProperty property(kSwitch, value);
     EXPECT_EQ(TestFrame().Render(), ZUQEL_SUCCESS);

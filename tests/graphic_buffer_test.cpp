@@ -6,9 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "caller_frame.h"
 #include "compare.h"
 #include "log_capture.h"
-#include "test_frame.h"
+#include "scoped_property.h"
+#include "test_session.h"
 
 namespace zuqel {
 namespace {
@@ -16,7 +18,7 @@ namespace {
 constexpr const char* kProperty = "zuqel.graphicbuffer";
 
 GLInitInfo Info(bool graphic_buffer, int32_t format = 0, int32_t width = 64) {
-  GLInitInfo info = SmallInfo(1, width);
+  GLInitInfo info = SmallPreviewInfo(1, width);
   info.srcformat = format;
   info.GraphicBufferFlag = graphic_buffer ? 1 : 0;
   return info;

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "fresh_session.h"
+#include "random.h"
 
 namespace zuqel {
 namespace {
@@ -95,9 +96,9 @@ TEST(HostileInput, RefocusMapsStayInsideTheirBuffers) {
     const ScopedSession session(info);
     const CallerFrame frame(info);
     const auto fill = [&](uint32_t step) {
-      uint32_t noise = 1;
+      Random random(1);
       for (uint16_t& value : frame.depth.span()) {
-        value = static_cast<uint16_t>((noise *= 69069) >> 16 | step);
+        value = static_cast<uint16_t>(random.Bits() | step);
       }
     };
     const GuardedMemory<uint8_t> map(frame.weights.size());
@@ -186,7 +187,7 @@ TEST(HostileInput, SmallCallsStayInsideTheirBuffers) {
   for (const uint32_t size : {1U, 464U, 512U, 544U, 1403U, 1488U, 1547U, 1643U,
                               2080U, 2801U, 2993U}) {
     const GuardedMemory<uint8_t> block(size);
-    std::fill(block.span().begin(), block.span().end(), uint8_t{0xFF});
+    std::ranges::fill(block.span(), uint8_t{0xFF});
     zuQelRT_GLInitV1(block.data(), size, nullptr, 0, info.data());
     EXPECT_EQ(zuQelRT_GLClose(), 0U);
     zuQelRT_GLInitV1(nullptr, 0, block.data(), size, info.data());

@@ -1,4 +1,4 @@
-// Small picture files of every kind for the tests of the command-line program.
+// Small picture files of every kind for the tests of the tools.
 #include "image_samples.h"
 
 #include <zlib.h>
@@ -10,11 +10,12 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <random>
 #include <stdexcept>
 
 // Needs FILE and size_t before it.
 #include <jpeglib.h>
+
+#include "random.h"
 
 namespace zuqel::tools {
 namespace {
@@ -46,10 +47,9 @@ std::string TemporaryFolder::operator/(const std::string& name) const {
 }
 
 Picture NoisePicture(int width, int height) {
-  std::seed_seq seed = {1};
-  std::mt19937 random(seed);
+  Random random(1);
   Picture picture(width, height);
-  for (uint8_t& byte : picture.rgb) byte = static_cast<uint8_t>(random());
+  for (uint8_t& byte : picture.rgb) byte = static_cast<uint8_t>(random.Bits());
   return picture;
 }
 

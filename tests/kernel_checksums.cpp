@@ -26,6 +26,7 @@
 #include "depth/refocus_refinement.h"
 #include "depth/statistics.h"
 #include "frame/focus.h"
+#include "random.h"
 #include "render/plane_conversion.h"
 
 namespace zuqel {
@@ -33,22 +34,11 @@ namespace {
 
 using Size = Plane<uint8_t>;  // without data
 
-// SplitMix64 makes the inputs; FNV-1a sums the results, low byte first.
+// FNV-1a sums the results, low byte first.
 struct Trial {
-  uint64_t random = 0, sum = 0xCBF29CE484222325;
+  Random random = Random(0);
+  uint64_t sum = 0xCBF29CE484222325;
 
-  uint32_t Below(uint64_t limit) {
-    uint64_t z = random += 0x9E3779B97F4A7C15;
-    z = (z ^ (z >> 30)) * 0xBF58476D1CE4E5B9;
-    z = (z ^ (z >> 27)) * 0x94D049BB133111EB;
-    return static_cast<uint32_t>((z >> 32) % limit);
-  }
-  template <typename T>
-  std::vector<T> Noise(size_t count) {
-    std::vector<T> values(count);
-    for (T& value : values) value = static_cast<T>(Below(uint64_t{1} << 32));
-    return values;
-  }
   void Add(const auto& values) {
     for (const uint64_t value : values) {
       for (size_t bit = 0; bit < 8 * sizeof(values[0]); bit += 8) {
@@ -65,7 +55,7 @@ Plane<T> View(std::vector<T>& values, Size size) {
 
 template <typename T, void (*kPack)(Plane<const T>, std::span<uint32_t>)>
 void SumPack(Size size, Trial& trial) {
-  auto plane = trial.Noise<T>(size.size());
+  auto plane = trial.random.Values<T>(size.size());
   std::vector<uint32_t> rgba(size.size());
   kPack(View(plane, size), rgba);
   trial.Add(rgba);
@@ -74,10 +64,10 @@ void SumPack(Size size, Trial& trial) {
 // With a format, unpacks; else packs.
 template <int32_t... kFormat>
 void SumFrame(Size size, Trial& trial) {
-  auto luma = trial.Noise<uint8_t>(size.size());
-  auto chroma =
-      trial.Noise<uint8_t>(Size{nullptr, size.width, size.height / 2}.size());
-  auto rgba = trial.Noise<uint32_t>(size.size());
+  auto luma = trial.random.Values<uint8_t>(size.size());
+  auto chroma = trial.random.Values<uint8_t>(
+      Size{nullptr, size.width, size.height / 2}.size());
+  auto rgba = trial.random.Values<uint32_t>(size.size());
   const Frame frame = {View(luma, size), chroma};
   if constexpr (sizeof...(kFormat) == 0) PackFrame(frame, rgba);
   (UnpackFrame(rgba, kFormat, frame), ...);
@@ -87,7 +77,7 @@ void SumFrame(Size size, Trial& trial) {
 }
 
 void SumFocusDot(Size size, Trial& trial) {
-  auto luma = trial.Noise<uint8_t>(size.size());
+  auto luma = trial.random.Values<uint8_t>(size.size());
   for (const FocusPoint point :
        {FocusPoint{0, 0}, FocusPoint{size.width / 2, size.height / 2},
         FocusPoint{size.width - 1, size.height - 1},
@@ -148,12 +138,13 @@ void SumDisparity(Size size, Trial& trial) {
   for (const uint32_t hole_percent : {10U, 90U}) {
     std::vector<uint16_t> map(size.size());
     for (size_t i = 0; i < map.size();) {
-      const size_t end = i + 1 + trial.Below(20);
-      const bool is_hole = trial.Below(100) < hole_percent;
-      const uint32_t base = is_hole ? kInvalidDisparity : trial.Below(1000);
-      const uint32_t span = is_hole ? trial.Below(2) * 64000 + 1 : 23;
+      const size_t end = i + 1 + trial.random.Below(20);
+      const bool is_hole = trial.random.Below(100) < hole_percent;
+      const uint32_t base =
+          is_hole ? kInvalidDisparity : trial.random.Below(1000);
+      const uint32_t span = is_hole ? trial.random.Below(2) * 64000 + 1 : 23;
       for (; i < map.size() && i < end; ++i) {
-        map[i] = static_cast<uint16_t>(base + trial.Below(span));
+        map[i] = static_cast<uint16_t>(base + trial.random.Below(span));
       }
     }
     Sum(kKernel, View(map, size), trial);
@@ -167,7 +158,7 @@ bool Box(Plane<const uint8_t> in, uint8_t radius, Buffer& scratch,
 
 template <auto kFilter>
 void SumFilter(Size size, Trial& trial) {
-  auto plane = trial.Noise<uint8_t>(size.size());
+  auto plane = trial.random.Values<uint8_t>(size.size());
   Buffer scratch;
   EXPECT_TRUE(kFilter(View(plane, size), 4, scratch, View(plane, size)));
   trial.Add(plane);
@@ -175,7 +166,7 @@ void SumFilter(Size size, Trial& trial) {
 
 void SumResizePlane(Size size, Trial& trial) {
   ResizeScratch scratch;
-  auto plane = trial.Noise<uint8_t>(size.size());
+  auto plane = trial.random.Values<uint8_t>(size.size());
   for (const int32_t percent : {15, 25, 34, 50, 75, 130, 200, 300, 600}) {
     const Size to = {nullptr, size.width * percent / 100,
                      size.height * percent / 100};
@@ -190,10 +181,10 @@ void SumRenderExpansion(Size size, Trial& trial) {
   int32_t counter = 0;
   const Size chroma_size = {nullptr, size.width, size.height / 2};
   const Size small = {nullptr, (size.width + 1) / 2, (size.height + 2) / 3};
-  auto luma = trial.Noise<uint8_t>(size.size());
-  auto chroma = trial.Noise<uint8_t>(chroma_size.size());
+  auto luma = trial.random.Values<uint8_t>(size.size());
+  auto chroma = trial.random.Values<uint8_t>(chroma_size.size());
   for (int32_t x = 0; x < 5; ++x) {
-    auto map = trial.Noise<uint16_t>(small.size());
+    auto map = trial.random.Values<uint16_t>(small.size());
     EXPECT_TRUE(RenderExpansion(
         {View(luma, size), chroma, View(map, small), x, x}, buffers, counter));
     trial.Add(luma);
@@ -206,9 +197,9 @@ void SumRenderExpansion(Size size, Trial& trial) {
 void SumDecodeCalibration(Size size, Trial& trial) {
   // Any bits, or the number of eighths that a module may have.
   const auto optical = [&trial](uint32_t least, uint32_t span) {
-    return trial.Below(9) == 0
-               ? std::bit_cast<float>(trial.Below(uint64_t{1} << 32))
-               : static_cast<float>(least + trial.Below(span)) / 8;
+    return trial.random.Below(9) == 0
+               ? std::bit_cast<float>(trial.random.Bits())
+               : static_cast<float>(least + trial.random.Below(span)) / 8;
   };
   // Length, records, the place of the first one's values, bytes to the next.
   constexpr std::array<std::array<size_t, 4>, 4> kContainers = {
@@ -218,7 +209,7 @@ void SumDecodeCalibration(Size size, Trial& trial) {
        {1488, 1, 340, 0}}};
   for (const auto& [length, records, place, stride] : kContainers) {
     for (int32_t position = 0; position < 8 * size.width; position += 2) {
-      auto block = trial.Noise<uint8_t>(length);
+      auto block = trial.random.Values<uint8_t>(length);
       for (size_t k = 0; k < records; ++k) {
         const float slope = optical(800, 8000), offset = optical(0, 1600),
                     focal_length = optical(20, 20),

@@ -11,11 +11,12 @@
 #include <string>
 #include <vector>
 
+#include "caller_frame.h"
 #include "gl/extensions.h"
 #include "guarded_memory.h"
 #include "log_capture.h"
 #include "render/cached_programs.h"
-#include "test_frame.h"
+#include "test_session.h"
 
 namespace zuqel {
 namespace {
@@ -28,20 +29,17 @@ using Cache = GuardedMemory<uint8_t>;
 constexpr size_t kCacheBytes = 262144;
 constexpr size_t kHeadBytes = 92;
 constexpr size_t kValidWord = 22;
-// Shaders that a start compiles with a usable cache, without one, and when it
-// builds one.
-constexpr int kUncached = 2 * (kProgramCount - kProgramCacheEntries);
+// Shaders that a start without a usable cache compiles, and one that builds it.
 constexpr int kCompiled = 2 * kProgramCount;
 constexpr int kRebuilt = kCompiled + 2 * (kProgramCacheEntries + 1);
 constexpr size_t kEntries = kProgramCacheEntries;
-// Entry 6 is built twice; its first binary stays unreferenced.
+// The first binary of entry 6 lies unreferenced in front of its twin.
 constexpr std::array<size_t, 12> kBuildOrder = {0, 1, 2, 3, 4, 6,
                                                 6, 5, 7, 8, 9, 10};
 
 const ProgramRow& RowOfEntry(size_t entry) {
-  return *std::find_if(
-      std::begin(kPrograms), std::end(kPrograms),
-      [=](const ProgramRow& row) { return row.cache_entry == entry; });
+  return *std::ranges::find(kPrograms, std::optional(entry),
+                            &ProgramRow::cache_entry);
 }
 
 Entries All() {
@@ -109,7 +107,7 @@ class ProgramCacheTest : public testing::Test {
   Bytes Start(uint8_t* cache, int shaders, const Entries& linked,
               const Bytes& kept) {
     const int before = driver::CallCount(driver::Call::kCompileShader);
-    const ScopedSession session(SmallInfo(), cache);
+    const ScopedSession session(SmallPreviewInfo(), cache);
     EXPECT_EQ(driver::CallCount(driver::Call::kCompileShader),
               before + shaders);
     for (size_t i = 0; i < kEntries; ++i) {
@@ -188,7 +186,7 @@ TEST(ProgramCacheFormatTest, EntriesStayWhereTheyAre) {
 
 TEST_F(ProgramCacheTest, OneGoodEntryIsEnough) {
   const Built fresh = [] {
-    const ScopedSession session(SmallInfo(), nullptr);
+    const ScopedSession session(SmallPreviewInfo(), nullptr);
     return Expected({kBuildOrder.begin(), kBuildOrder.end()});
   }();
   const Bytes none(kCacheBytes);
@@ -199,9 +197,9 @@ TEST_F(ProgramCacheTest, OneGoodEntryIsEnough) {
     row.change(cache.span());
     Bytes expected(cache.data(), cache.data() + kCacheBytes);
     const bool accepted = !row.loaded.empty();
-    const Bytes picture =
-        accepted ? Start(cache.data(), kUncached, row.loaded, expected)
-                 : Start(cache.data(), kRebuilt, All(), none);
+    const Bytes picture = accepted
+                              ? Start(cache.data(), 0, row.loaded, expected)
+                              : Start(cache.data(), kRebuilt, All(), none);
     if (row.loaded.size() != 1) {
       EXPECT_EQ(picture, compiled);
     }
@@ -217,7 +215,7 @@ TEST_F(ProgramCacheTest, OneGoodEntryIsEnough) {
 
 TEST_F(ProgramCacheTest, BuilderStaysInsideTheCache) {
   // What is filled leaves room for a small program but not for a large one.
-  const ScopedSession session(SmallInfo(), nullptr);
+  const ScopedSession session(SmallPreviewInfo(), nullptr);
   const size_t small = BinaryOf(2).size(), large = BinaryOf(9).size();
   ASSERT_GT(large, small);
   const size_t room = kCacheBytes - kHeadBytes, count = room / small - 1;
@@ -258,7 +256,7 @@ TEST_F(ProgramCacheTest, BinariesMayPlaceTheirAttributes) {
     glEnableVertexAttribArray(location);
   }
   const Bytes kept(cache.data(), cache.data() + kCacheBytes);
-  EXPECT_EQ(Start(cache.data(), kUncached, All(), kept), compiled);
+  EXPECT_EQ(Start(cache.data(), 0, All(), kept), compiled);
   for (const GLuint location : {2U, 4U}) {
     void* pointer = nullptr;
     GLint type = 0, is_enabled = 0;
@@ -282,7 +280,7 @@ TEST_F(ProgramCacheTest, LocationsAreLookedUpAtTheStartOnly) {
     SCOPED_TRACE(start);
     const int32_t off_screen = start == std::string("on screen") ? 0 : 1;
     const int before = look_ups();
-    const ScopedSession session(SmallInfo(off_screen), cache.data());
+    const ScopedSession session(SmallPreviewInfo(off_screen), cache.data());
     zuQelRT_GenRefocusMap_init();
     const int after_start = look_ups();
     EXPECT_GT(after_start, before);
@@ -302,7 +300,7 @@ TEST_F(ProgramCacheTest, LocationsAreLookedUpAtTheStartOnly) {
 
 // As on a driver that links programs but keeps no binaries.
 TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {
-  const ScopedSession session(SmallInfo(), nullptr);
+  const ScopedSession session(SmallPreviewInfo(), nullptr);
   const std::array<CacheStep, 2> steps = {
       {{&RowOfEntry(2).source, 2}, {&RowOfEntry(6).source, 6}}};
   Bytes expected(kCacheBytes);

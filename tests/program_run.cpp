@@ -1,4 +1,4 @@
-// Runs the zuqel program as a child process.
+// Runs the zuqel program from outside.
 #include "program_run.h"
 
 #include <fcntl.h>

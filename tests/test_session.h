@@ -11,25 +11,10 @@
 
 #include "api/session.h"
 #include "caller_context.h"
+#include "caller_frame.h"
 #include "pin_driver.h"
 
 namespace zuqel {
-
-// 640 x 480 NV21 off screen with maps of 320 x 240.
-inline GLInitInfo DefaultInfo() {
-  return {.PreviewWidth = 640,
-          .PreviewHeight = 480,
-          .DepthWidth = 320,
-          .DepthHeight = 240,
-          .WorkWidth = 320,
-          .WorkHeight = 240,
-          .OutputWidth = 640,
-          .OutputHeight = 480,
-          .PortraitMode = 0,
-          .offmode = 1,
-          .srcformat = 0,
-          .GraphicBufferFlag = 0};
-}
 
 // Initialises with a calibration record of zeros, which gives no camera values.
 inline uint32_t InitSession(const GLInitInfo& info) {

@@ -1,4 +1,4 @@
-// Reads and writes whole files.
+// Whole files.
 #include "file_bytes.h"
 
 #include <cerrno>

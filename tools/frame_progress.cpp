@@ -1,4 +1,4 @@
-// Frame times, and the progress of a longer run.
+// Tells how long frames took, and how far a longer run has come.
 #include "frame_progress.h"
 
 #include <unistd.h>

@@ -1,4 +1,4 @@
-// Frame times, and the progress of a longer run.
+// Tells how long frames took, and how far a longer run has come.
 #ifndef ZUQEL_TOOLS_FRAME_PROGRESS_H_
 #define ZUQEL_TOOLS_FRAME_PROGRESS_H_
 
@@ -11,15 +11,15 @@ struct FrameTimes {
   double worst_ms;
 };
 
-// With an even number of frames the median is the mean of the middle two.
+// Of an even number of frames the median is the mean of the middle two.
 // `times_ms` is not empty.
 FrameTimes Summarise(std::vector<double> times_ms);
 
-// A bar on standard error if that is a terminal, else nothing.
+// A bar on standard error where that is a terminal; nothing elsewhere.
 class ProgressBar {
  public:
   explicit ProgressBar(int total);
-  ~ProgressBar();  // erases the bar
+  ~ProgressBar();  // wipes the bar
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 

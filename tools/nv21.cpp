@@ -1,4 +1,4 @@
-// NV21, the camera's frame format, and its conversion from and to RGB.
+// The camera's frame format, and the way to it from RGB and back.
 #include "nv21.h"
 
 #include <algorithm>

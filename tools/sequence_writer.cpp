@@ -1,4 +1,4 @@
-// Writes a series of frames as numbered pictures or as one video.
+// Where a series of frames goes: numbered pictures or one video.
 #include "sequence_writer.h"
 
 #include "coordinates.h"
@@ -12,7 +12,7 @@ SequenceWriter::SequenceWriter(const SequenceTarget& target) : target_(target) {
     return;
   }
   if (target.frames_per_second) {
-    throw InputError("--fps: works with a .y4m file only");
+    throw InputError("--fps: is for a .y4m file");
   }
   pictures_.emplace("--output", target.path);
   for (int i = 0; i < target.count; ++i) {
@@ -30,12 +30,12 @@ void SequenceWriter::Add(const Nv21Frame& frame) {
 }
 
 void SequenceWriter::AddToVideo(const Nv21Frame& frame) {
-  constexpr int kDefaultRate = 25;
+  constexpr int kUsualRate = 25;
   if (!video_) {
     const std::string size = ToText(SizeOf(frame)) + ", " +
                              std::to_string(target_.count) + " frames";
     video_.emplace(outputs_.Begin(target_.path, size), SizeOf(frame),
-                   target_.frames_per_second.value_or(kDefaultRate));
+                   target_.frames_per_second.value_or(kUsualRate));
   }
   video_->Add(frame);
 }

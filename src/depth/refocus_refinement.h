@@ -1,4 +1,4 @@
-// Cleans up a refocus map read back from the GPU.
+// Clean-up of a refocus map read back from the GPU.
 #ifndef ZUQEL_DEPTH_REFOCUS_REFINEMENT_H_
 #define ZUQEL_DEPTH_REFOCUS_REFINEMENT_H_
 
@@ -11,7 +11,7 @@
 
 namespace zuqel {
 
-// Memory kept between calls.
+// Buffers kept between calls.
 struct RefinementScratch {
   Buffer work_a;
   Buffer work_b;

@@ -17,8 +17,7 @@ constexpr int32_t kNotReached = INT32_MIN;
 constexpr double kLowestLikelihood = -294.58644219062364;
 constexpr double kParentBonus = 30.268213495341495;
 
-// Tolerance by the position between the focus and the limit of growing, in 20
-// steps.
+// Tolerance by place between focus and the limit of growing, in 20 steps.
 constexpr std::array<double, 21> kToleranceWeights = {
     1.0,    1.0,    1.125, 1.125, 1.125, 0.75, 0.75, 0.75, 0.75,  0.375, 0.375,
     0.1875, 0.1875, 0.105, 0.105, 0.06,  0.06, 0.03, 0.03, 0.015, 0.015};
@@ -28,7 +27,7 @@ constexpr int32_t kFullGrowLimit = 40;
 constexpr int32_t kWidestBrightness = 255 * 255;
 constexpr int32_t kWidestColour = 510 * 510;
 
-// Truncated toward zero; saturated, and 0 for NaN.
+// Cut toward zero; saturated, and 0 for no number.
 int32_t ToInteger(double value) {
   if (std::isnan(value)) return 0;
   return static_cast<int32_t>(std::clamp<double>(value, INT32_MIN, INT32_MAX));
@@ -41,13 +40,13 @@ struct Tolerance {
 };
 
 Tolerance ToleranceOf(int32_t score) {
-  const double position =
+  const double place =
       static_cast<double>(score) / kFullGrowLimit * kToleranceSteps;
-  const double below = std::floor(position);
-  const double share = position - below;
+  const double below = std::floor(place);
+  const double share = place - below;
   const double weight =
       kToleranceWeights[static_cast<size_t>(below)] * (1 - share) +
-      kToleranceWeights[static_cast<size_t>(std::ceil(position))] * share;
+      kToleranceWeights[static_cast<size_t>(std::ceil(place))] * share;
   const int32_t brightness = ToInteger(weight * 255 + 0.5);
   const int32_t colour = ToInteger(weight * 510 + 0.5);
   return {colour * colour, brightness * brightness};
@@ -61,7 +60,7 @@ int32_t DepthTolerance(double focus, const GrowthLimits& limits) {
   return ToInteger(tolerance * tolerance);
 }
 
-// The cost of a difference: its square in units of the tolerance. The product
+// What a difference costs: its square, in units of the tolerance. The product
 // has 32 bits.
 int32_t Cost(uint32_t difference, int32_t squared_tolerance) {
   const auto scaled =

@@ -7,7 +7,6 @@
 #include "shader_sources.h"
 
 namespace zuqel {
-
 #define ZUQEL_ROW(role, vertex, fragment, entry) \
   ProgramRow{                                    \
       ProgramRole::role, {shaders::k##vertex, shaders::k##fragment}, entry},
@@ -22,9 +21,7 @@ constexpr bool EachEntryHasOneProgram() {
     const auto is_entry = [=](const ProgramRow& row) {
       return row.cache_entry == entry;
     };
-    const auto rows =
-        std::count_if(std::begin(kPrograms), std::end(kPrograms), is_entry);
-    if (rows != 1) return false;
+    if (std::ranges::count_if(kPrograms, is_entry) != 1) return false;
   }
   return true;
 }

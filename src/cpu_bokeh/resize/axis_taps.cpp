@@ -1,4 +1,4 @@
-// Walks along an axis and records the weights.
+// Walks along an axis and notes the weights it passes.
 #include "cpu_bokeh/resize/axis_taps.h"
 
 #include <algorithm>
