@@ -1,6 +1,6 @@
 # Writes every shader file as a named string constant: pass_through.vert becomes
-# kPassThroughVert. A line #include "file" becomes that file, which lies beside
-# the shader. Run with -DOUTPUT=<header> -DSHADERS=<files, separated by |>.
+# kPassThroughVert. A line #include "file" is replaced with that file from the
+# shader's folder. Run with -DOUTPUT=<header> -DSHADERS=<files, separated by |>.
 string(REPLACE "|" ";" SHADERS "${SHADERS}")
 
 function(read_with_includes file result)

@@ -52,7 +52,10 @@ Components LabelComponents(const Mask& mask, size_t label_limit) {
     if (up == 255 && left == 255) {
       labels[i] = std::min(labels[i - width], labels[i - 1]);
       const uint32_t a = least[labels[i - width]], b = least[labels[i - 1]];
-      if (a != b) std::ranges::replace(least, std::max(a, b), std::min(a, b));
+      if (a != b) {
+        std::replace(least.begin(), least.end(), std::max(a, b),
+                     std::min(a, b));
+      }
     } else if ((up == 255 && left == 0) || (up == 0 && left == 255)) {
       labels[i] = labels[up == 255 ? i - width : i - 1];
     } else if (up == 0 && left == 0) {
@@ -79,7 +82,7 @@ Mask PruneComponents(Mask mask, int64_t focus, bool keep_only_focus,
   const Components components = LabelComponents(mask, kLabelLimit);
   const std::vector<uint32_t>& areas = components.areas;
   const uint32_t focus_label = LabelAt(components, focus);
-  const uint32_t largest_area = *std::ranges::max_element(areas);
+  const uint32_t largest_area = *std::max_element(areas.begin(), areas.end());
   RemoveUnless(
       [&](uint32_t label) {
         const bool is_large =

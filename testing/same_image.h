@@ -20,7 +20,9 @@ testing::AssertionResult IsSame(const Image<T>& actual,
            << actual.width << " x " << actual.height << " instead of "
            << expected.width << " x " << expected.height;
   }
-  const auto [a, b] = std::ranges::mismatch(actual.values, expected.values);
+  const auto [a, b] =
+      std::mismatch(actual.values.begin(), actual.values.end(),
+                    expected.values.begin(), expected.values.end());
   if (a == actual.values.end() && b == expected.values.end()) {
     return testing::AssertionSuccess();
   }

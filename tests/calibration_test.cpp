@@ -56,7 +56,8 @@ constexpr auto kForms = std::to_array<Form>({
 });
 
 const Form& FormOf(size_t length) {
-  return *std::ranges::find(kForms, length, &Form::length);
+  return *std::find_if(std::begin(kForms), std::end(kForms),
+                       [=](const Form& form) { return form.length == length; });
 }
 
 Bytes MakeKey(uint8_t first) {
@@ -464,7 +465,8 @@ TEST(Calibration, StackKeepsNoSecrets) {
       const auto seed = static_cast<uint32_t>(secrets.size());
       secrets.push_back(
           {"unit", Random(seed).Values<uint8_t>(form.unit_size - 248)});
-      std::ranges::copy(secrets.back().bytes, unit.begin() + 248);
+      std::copy(secrets.back().bytes.begin(), secrets.back().bytes.end(),
+                unit.begin() + 248);
     }
     const Bytes container = MakeContainer(form, units);
     const CalibrationInput input = {
@@ -496,13 +498,13 @@ TEST(Calibration, StackKeepsNoSecrets) {
 
     RunOnStack(stack, keep_unit);
     EXPECT_TRUE(Holds(stack, secrets.back().bytes));
-    std::ranges::fill(stack, 0);
+    std::fill(stack.begin(), stack.end(), 0);
     RunOnStack(stack, decode);
     EXPECT_EQ(status, ZUQEL_SUCCESS);
     for (const auto& [name, bytes] : secrets) {
       EXPECT_FALSE(Holds(stack, bytes)) << name << " of " << form.length;
     }
-    std::ranges::fill(stack, 0);
+    std::fill(stack.begin(), stack.end(), 0);
     RunOnStack(stack, initialise);
     EXPECT_EQ(status, ZUQEL_INIT_REFUSED);
     for (const auto& [name, bytes] : secrets) {

@@ -1,5 +1,5 @@
-// The library inside a caller's ES 3 context full of state that would bend its
-// draws and transfers. Links the shared library alone.
+// The library in a caller's ES 3 context whose state would break its draws and
+// transfers. Links the shared library alone.
 #include <GLES3/gl3.h>
 #include <gtest/gtest.h>
 #include <zuQelRT_GL.h>
@@ -25,7 +25,7 @@ uint32_t Init() {
                           &kInfo);
 }
 
-// Frames with weights and from depth: their planes, one behind the other.
+// Frames with weights and from depth: their planes, one after the other.
 std::vector<uint8_t> RenderFrames() {
   const auto weights = PatternBytes(Pattern::kRamp, 320, 240, 1);
   auto disparity = DisparityScene(320, 240, 100, 900);
@@ -116,9 +116,9 @@ std::vector<GLint> ReadState() {
     glGetIntegerv(name, values.data());
     state.insert(state.end(), values.begin(), values.end());
   };
-  std::ranges::for_each(kPixelStore, read);
-  std::ranges::for_each(kSwitches, read);
-  std::ranges::for_each(kOthers, read);
+  std::for_each(std::begin(kPixelStore), std::end(kPixelStore), read);
+  std::for_each(std::begin(kSwitches), std::end(kSwitches), read);
+  std::for_each(std::begin(kOthers), std::end(kOthers), read);
   GLint vertex_array = 0;
   glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertex_array);
   ReadAttributes(state);
@@ -128,7 +128,7 @@ std::vector<GLint> ReadState() {
   return state;
 }
 
-TEST(CallerContextTest, StateNeitherBendsTheFrameNorIsChanged) {
+TEST(CallerContextTest, StateNeitherAffectsTheFrameNorChanges) {
   ASSERT_EQ(Init(), ZUQEL_SUCCESS);
   PinDriverLibraries();
   const std::vector<uint8_t> in_own_context = RenderFrames();

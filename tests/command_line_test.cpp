@@ -1,4 +1,4 @@
-// The program as people run it: arguments in; exit code, words and files out.
+// The command-line program: arguments in; exit code, messages and files out.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -54,7 +54,7 @@ class CommandLine : public testing::Test {
   Picture picture_;
 };
 
-TEST_F(CommandLine, TellsAboutItself) {
+TEST_F(CommandLine, PrintsHelpAndVersion) {
   const std::vector<std::pair<const char*, const char*>> cases = {
       {"--help", "COMMAND --help"},
       {"--version", "zuqel 0.54.07\n"},
@@ -102,8 +102,10 @@ TEST_F(CommandLine, RefusesBadInputInOneLineAndTouchesNothing) {
       {good + " -o none/o.png", "none/o.png: the folder none "},
       {good + " -o /dev/null", "/dev/null: is not a regular file"},
       {good + " -o o.png --panel ./o.png", "./o.png: is given for two outputs"},
-      {photo + " --weights d.png --map-from gpu" + to, "--map-from: goes with"},
-      {refocus + "cpu --disparity d.png", "--generator: cpu is none of gpu "},
+      {photo + " --weights d.png --map-from gpu" + to,
+       "--map-from: works with"},
+      {refocus + "cpu --disparity d.png",
+       "--generator: cpu is not one of gpu "},
       {refocus + "gpu --distance d.png", "--distance: gpu takes --disparity"},
       {refocus + "distance --distance d.png --size 9x9", "--size: distance "},
       {"demo -o kept.png", "kept.png: the folder cannot be"},

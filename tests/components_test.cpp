@@ -97,7 +97,8 @@ TEST(LabelComponents, EqualsTheLabelsPixelByPixel) {
       const reference::Components expected =
           reference::LabelComponents(mask, limit);
       EXPECT_TRUE(IsSame(labels.Copy(), expected.labels));
-      EXPECT_TRUE(std::ranges::equal(areas.span(), expected.areas));
+      EXPECT_TRUE(std::equal(areas.span().begin(), areas.span().end(),
+                             expected.areas.begin(), expected.areas.end()));
       EXPECT_EQ(largest, expected.largest);
     }
   });
@@ -162,7 +163,7 @@ TEST(CleanUps, FoldLabelsPastTheLimit) {
   CleanupScratch scratch;
   const Mask mask = DrawMask({"", IsNoise<30>, 1}, 800, 700);
   const auto labels = reference::LabelComponents(mask, 100000).labels.values;
-  ASSERT_GT(*std::ranges::max_element(labels), 66000U);
+  ASSERT_GT(*std::max_element(labels.begin(), labels.end()), 66000U);
   ExpectKeepsFocus(mask, {"focus among many labels", {398, 398}}, scratch);
   ExpectRemovesSpecks(mask, 400, scratch);
 }

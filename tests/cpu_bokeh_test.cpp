@@ -67,8 +67,8 @@ void CheckResize(const ResizeCase& row) {
                      reference::ResizePlane(image, width, height)));
   if (image.values.empty()) return;
   Image<T> expected = {width, height};
-  std::ranges::fill(image.values, static_cast<T>(-1));
-  std::ranges::fill(expected.values, static_cast<T>(-1));
+  std::fill(image.values.begin(), image.values.end(), static_cast<T>(-1));
+  std::fill(expected.values.begin(), expected.values.end(), static_cast<T>(-1));
   EXPECT_TRUE(IsSame(Resized(image, width, height), expected)) << "constant";
 }
 

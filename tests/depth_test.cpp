@@ -151,13 +151,13 @@ TEST(DispRange, CountsAnyNumberOfPixels) {
   for (const int32_t others : {0, 1, 20, 30000}) {
     SCOPED_TRACE(testing::Message() << others << " others");
     Map map = {640, 480};
-    std::ranges::fill(map.values, uint16_t{500});
+    std::fill(map.values.begin(), map.values.end(), uint16_t{500});
     std::fill_n(map.values.begin(), others, uint16_t{10});
     std::fill_n(map.values.rbegin(), 3 * others / 2, uint16_t{1000});
     CheckRanges(map);
   }
   Map all_wrap = {256, 256};
-  std::ranges::fill(all_wrap.values, uint16_t{7});
+  std::fill(all_wrap.values.begin(), all_wrap.values.end(), uint16_t{7});
   CheckRanges(all_wrap);
 }
 
@@ -267,7 +267,8 @@ TEST(QuantisedDistance, IsAQuarterAboveTheSmallest) {
   EXPECT_EQ(SmallestDistance({}), 65535);
   ForEachMap([](Map map) {
     const GuardedImage<uint16_t> in(map), out(Map{map.width, map.height});
-    const uint16_t smallest = *std::ranges::min_element(map.values);
+    const uint16_t smallest =
+        *std::min_element(map.values.begin(), map.values.end());
     ASSERT_EQ(SmallestDistance(in.View()), smallest);
     QuantiseDistance(in.View(), smallest, out.View());
     for (uint16_t& value : map.values) {
@@ -311,7 +312,8 @@ int DrawFocus(Plane<uint16_t> map, int32_t x, int32_t y, bool is_one_value,
   }
   counts[0] = 0;
   for (int& count : counts) count %= 65536;
-  return static_cast<int>(std::ranges::max_element(counts) - counts.begin());
+  return static_cast<int>(std::max_element(counts.begin(), counts.end()) -
+                          counts.begin());
 }
 
 TEST(FocusDisparity, IsTheMostFrequentOne) {

@@ -175,7 +175,7 @@ TEST_F(FrameTest, FramesAreThePlainResult) {
     const auto packed = PatternBytes(Pattern::kNoise, row.preview.width * 4,
                                      row.preview.height, 5);
     const Buffer& given = RunningFrame().memory.packed_frame;
-    if (given.exists()) std::ranges::copy(packed, given.bytes());
+    if (given.exists()) std::copy(packed.begin(), packed.end(), given.bytes());
     call.Render();
 
     const Image image =
@@ -217,8 +217,8 @@ TEST_F(FrameTest, SharpAndBypassedFramesAreTheInput) {
     Call call(row);
     const Planes before = call.planes;
     if (row.bypass == 0) {
-      std::ranges::fill(call.weights, uint8_t{0});
-      std::ranges::fill(call.disparity, uint16_t{300});
+      std::fill(call.weights.begin(), call.weights.end(), uint8_t{0});
+      std::fill(call.disparity.begin(), call.disparity.end(), uint16_t{300});
     }
     call.Render();
     EXPECT_EQ(call.planes.luma, before.luma);

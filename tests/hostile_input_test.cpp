@@ -187,7 +187,7 @@ TEST(HostileInput, SmallCallsStayInsideTheirBuffers) {
   for (const uint32_t size : {1U, 464U, 512U, 544U, 1403U, 1488U, 1547U, 1643U,
                               2080U, 2801U, 2993U}) {
     const GuardedMemory<uint8_t> block(size);
-    std::ranges::fill(block.span(), uint8_t{0xFF});
+    std::fill(block.span().begin(), block.span().end(), uint8_t{0xFF});
     zuQelRT_GLInitV1(block.data(), size, nullptr, 0, info.data());
     EXPECT_EQ(zuQelRT_GLClose(), 0U);
     zuQelRT_GLInitV1(nullptr, 0, block.data(), size, info.data());

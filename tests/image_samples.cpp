@@ -1,4 +1,4 @@
-// Small picture files of every kind for the tests of the tools.
+// Small picture files of every kind for the tests of the command-line program.
 #include "image_samples.h"
 
 #include <zlib.h>

@@ -1,4 +1,4 @@
-// Small picture files of every kind for the tests of the tools.
+// Small picture files of every kind for the tests of the command-line program.
 #ifndef ZUQEL_TESTS_IMAGE_SAMPLES_H_
 #define ZUQEL_TESTS_IMAGE_SAMPLES_H_
 
@@ -13,7 +13,7 @@
 
 namespace zuqel::tools {
 
-// A folder that goes with its content at the end.
+// A temporary folder, removed with its contents by the destructor.
 class TemporaryFolder {
  public:
   TemporaryFolder();
@@ -27,7 +27,7 @@ class TemporaryFolder {
   std::string path_;
 };
 
-// Every pixel at random.
+// Random pixels, the same each time.
 Picture NoisePicture(int width, int height);
 
 // `format` as in libpng's simplified interface; with a colour map of RGB, the

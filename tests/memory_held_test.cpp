@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <string>
 #include <vector>
 
 #include "fresh_session.h"
@@ -57,10 +56,8 @@ void GenerateMaps(const CallerFrame& frame) {
 
 // Everything that a camera service calls between start and end.
 void UseEveryCall(const GLInitInfo& info) {
-  const std::string folder = testing::TempDir();
   const ScopedProperty dumps("persist.zu.VLGLbokeh.readfile", "1");
-  const ScopedProperty directory("persist.zu.LVGLbokeh.fileDir",
-                                 folder.c_str());
+  const ScopedProperty directory("persist.zu.LVGLbokeh.fileDir", "/nowhere/");
   const std::array<uint8_t, 16> picture = {};
   std::array<DebugPicture, 10> pictures = {};
   pictures[3] = {picture.data(), 2, 2, 8, 8, 20, 20};

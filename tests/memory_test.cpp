@@ -53,7 +53,7 @@ TEST(Memory, IsFlatOverFramesAndSessions) {
     expect_flat(10, 50, 64, [&](int turn) {
       const ScopedSession session(with_buffer, cache.data());
       render(turn);
-      if (!is_kept) std::ranges::fill(cache, uint8_t{0});
+      if (!is_kept) std::fill(cache.begin(), cache.end(), uint8_t{0});
     });
   }
   // Refocus maps whose start is repeated, and which outlive the session.

@@ -1,9 +1,11 @@
 // Calls that find no memory: no exception leaves them, and what they are given
 // stays as it is.
 #include <gtest/gtest.h>
+#include <zuQelRT_generators.h>
 
+#include <algorithm>
 #include <array>
-#include <string>
+#include <optional>
 #include <vector>
 
 #include "fresh_session.h"
@@ -18,10 +20,8 @@ using library_allocations::FailingBlock;
 using library_allocations::FailingNew;
 
 void RenderDumped(const GLInitInfo& info) {
-  const std::string folder = testing::TempDir();
   const ScopedProperty dumps("persist.zu.VLGLbokeh.readfile", "1");
-  const ScopedProperty directory("persist.zu.LVGLbokeh.fileDir",
-                                 folder.c_str());
+  const ScopedProperty directory("persist.zu.LVGLbokeh.fileDir", "/nowhere/");
   const CallerFrame frame(info);
   const FailingNew failing;
   EXPECT_EQ(frame.Render({}), 0U);
@@ -77,6 +77,122 @@ TEST(OutOfMemory, ARefusedInitialisationKeepsNothing) {
       EXPECT_EQ(frame.Render({}), 0U);
       EXPECT_EQ(frame.Contents(), contents);
       EXPECT_EQ(BytesHeld(), 0U);
+    }
+  }
+}
+
+// What a call may change, as it is handed in.
+struct Handed {
+  explicit Handed(const GLInitInfo& info) : frame(info), map(64 * 48) {
+    std::ranges::fill(map.span(), uint8_t{77});
+  }
+
+  [[nodiscard]] std::vector<uint16_t> Contents() const {
+    std::vector<uint16_t> all = frame.Contents();
+    all.insert(all.end(), map.span().begin(), map.span().end());
+    all.insert(all.end(), out.begin(), out.end());
+    return all;
+  }
+
+  CallerFrame frame;
+  GuardedMemory<uint8_t> map;
+  std::array<uint32_t, 3> out = {7, 7, 7};
+};
+
+struct CallCase {
+  const char* name;
+  void (*call)(Handed&);
+};
+
+// The generators' two kinds of arguments.
+template <typename Y>
+void Generate(uint32_t (*generator)(uint8_t*, uint16_t*, uint32_t, Y, uint32_t*,
+                                    uint32_t*, uint32_t*),
+              Handed& handed) {
+  generator(handed.map.data(), handed.frame.depth.data(), 2, 2, &handed.out[0],
+            &handed.out[1], &handed.out[2]);
+}
+void Generate(uint32_t (*generator)(uint8_t*, uint16_t*, uint32_t, int32_t),
+              Handed& handed) {
+  generator(handed.map.data(), handed.frame.depth.data(), 2, 2);
+}
+
+#define GENERATOR_CASE(id, name, call, y_type, input, map_size, summary) \
+  {name, [](Handed& handed) { Generate(call, handed); }},
+constexpr auto kCalls = std::to_array<CallCase>(
+    {{"frame", [](Handed& handed) { EXPECT_EQ(handed.frame.Render({}), 0U); }},
+     {"frame from depth",
+      [](Handed& handed) {
+        EXPECT_EQ(handed.frame.Render({.from_depth = true}), 0U);
+      }},
+     {"frame on the CPU",
+      [](Handed& handed) {
+        zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(
+            handed.frame.luma.data(), handed.frame.chroma.data(),
+            handed.frame.depth.data(), 9, 9);
+      }},
+     ZUQEL_REFOCUS_GENERATORS(GENERATOR_CASE)});
+#undef GENERATOR_CASE
+
+// A session of its own for each call, so that it takes all that it needs. Odd
+// and planar, with dumps and a focus dot: everything that a call may reserve or
+// change early.
+class FirstCall {
+ public:
+  explicit FirstCall(bool maps_have_started) {
+    EXPECT_EQ(InitSession(kInfo), 0U);
+    if (maps_have_started) {
+      zuQelRT_GenRefocusMap_init();
+    } else {
+      zuQelRT_GenRefocusMap_Deinit();  // takes the buffers of the maps away
+    }
+  }
+  ~FirstCall() {
+    zuQelRT_GenRefocusMap_Deinit();
+    zuQelRT_GLClose();
+  }
+  FirstCall(const FirstCall&) = delete;
+  FirstCall& operator=(const FirstCall&) = delete;
+
+  // What the call leaves, the `failing`-th block not to be had; 0 for none.
+  static std::vector<uint16_t> Run(const CallCase& row, int failing) {
+    Handed handed(kInfo);
+    std::optional<FailingBlock> block;
+    if (failing > 0) block.emplace(failing);
+    row.call(handed);
+    block.reset();
+    return handed.Contents();
+  }
+
+  static constexpr GLInitInfo kInfo = {61, 47, 16, 12, 32, 24,
+                                       61, 47, 0,  1,  2,  0};
+};
+
+TEST(OutOfMemory, FailedCallsTouchNothingOfTheCallers) {
+  const ScopedProperty dumps("persist.zu.VLGLbokeh.readfile", "1");
+  const ScopedProperty directory("persist.zu.LVGLbokeh.fileDir", "/nowhere/");
+  const ScopedProperty dot("persist.zu.LVGLbokeh.FocusDot", "1");
+  const auto untouched = Handed(FirstCall::kInfo).Contents();
+  for (const CallCase& row : kCalls) {
+    for (const bool maps_have_started : {true, false}) {
+      ResetSession();
+      int blocks = 0;
+      const auto unfailed = [&] {
+        const FirstCall first(maps_have_started);
+        const int before = library_allocations::Count();
+        auto contents = FirstCall::Run(row, 0);
+        blocks = library_allocations::Count() - before;
+        return contents;
+      }();
+      EXPECT_NE(unfailed, untouched) << row.name;
+      EXPECT_GT(blocks, 0) << row.name;
+      for (int number = 1; number <= blocks; ++number) {
+        const FirstCall first(maps_have_started);
+        const auto failed = FirstCall::Run(row, number);
+        EXPECT_TRUE(failed == untouched || failed == unfailed)
+            << row.name << ", block " << number << " of " << blocks
+            << ", maps started " << maps_have_started;
+      }
     }
   }
 }

@@ -1,4 +1,4 @@
-// Runs the zuqel program from outside.
+// Runs the zuqel program as a child process.
 #include "program_run.h"
 
 #include <fcntl.h>

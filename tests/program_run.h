@@ -1,4 +1,4 @@
-// Runs the zuqel program from outside.
+// Runs the zuqel program as a child process.
 #ifndef ZUQEL_TESTS_PROGRAM_RUN_H_
 #define ZUQEL_TESTS_PROGRAM_RUN_H_
 
@@ -20,7 +20,7 @@ Outcome RunZuqel(const std::string& folder, const std::string& arguments,
 
 std::string ReadText(const std::string& path);
 
-// The names of what a folder holds.
+// The names of a folder's entries.
 std::set<std::string> FilesIn(const std::string& folder);
 
 }  // namespace zuqel::tools

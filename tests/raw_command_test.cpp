@@ -40,12 +40,12 @@ class RawCommand : public testing::Test {
     return folder_ / "o.png";
   }
 
-  // Dumps whose names tell what they are.
+  // Dumps whose names give size and kind.
   const std::string end_ = "_v0.54.07_0007_1_-2.raw";
   const std::string output_ = "GLOutput_34x5" + end_;
   const std::string luma_ = "GLBokeh_34x5" + end_;
   const TemporaryFolder folder_;
-  // Of the output four bytes a pixel, of a plane one.
+  // The output has four bytes per pixel, a plane one.
   const std::vector<uint8_t> noise_ = NoisePicture(4 * kWidth, kHeight).rgb;
   const std::vector<uint8_t> bytes_{noise_.begin(),
                                     noise_.begin() + 4 * kPixels};
@@ -89,7 +89,7 @@ TEST_F(RawCommand, RefusesContradictionsInOneLineAndTouchesNothing) {
       {"", "FILE is required"},
       {none, none + ": cannot be opened"},
       {"frame.raw --size 34x5",
-       "frame.raw: the name does not tell size and kind"},
+       "frame.raw: the name does not give size and kind"},
       {output_ + " --size 5x34", "--size 5x34: the name says 34x5"},
       {output_ + " --kind luma", "--kind luma: the name says output"},
       {luma_ + " --rgb", "--rgb: is for output; this is luma"},

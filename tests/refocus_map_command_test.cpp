@@ -29,7 +29,7 @@ class RefocusMapCommand : public testing::Test {
     if (words.find("no OpenGL ES") != std::string::npos) GTEST_SKIP() << words;
   }
 
-  // command_line_test.cpp says why leaks are not looked for.
+  // See command_line_test.cpp for why leaks are not checked.
   [[nodiscard]] Outcome Run(const std::string& arguments) const {
     return RunZuqel(folder_ / "", arguments, {"ASAN_OPTIONS=detect_leaks=0"});
   }

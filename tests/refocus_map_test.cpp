@@ -50,8 +50,8 @@ Bytes Extreme(const Bytes& in, Size size, bool largest) {
                static_cast<size_t>(y) * static_cast<size_t>(size.width)]);
       }
     }
-    out.push_back(largest ? *std::ranges::max_element(near)
-                          : *std::ranges::min_element(near));
+    out.push_back(largest ? *std::max_element(near.begin(), near.end())
+                          : *std::min_element(near.begin(), near.end()));
   }
   return out;
 }
@@ -89,11 +89,12 @@ class RefocusMap : public FreshSessionTest {
     EXPECT_EQ(generator(result.data(), disparity.data(), x, y, out_.data(),
                         &out_[1], &out_[2]),
               0U);
-    std::ranges::copy(result.span(), map.begin());
+    std::copy(result.span().begin(), result.span().end(), map.begin());
 
     const Plane<uint16_t> plane = {filled.data(), kDepth.width, kDepth.height};
     FillDisparityHoles(plane);
-    EXPECT_TRUE(std::ranges::equal(filled, disparity.span()));
+    EXPECT_TRUE(std::equal(filled.begin(), filled.end(),
+                           disparity.span().begin(), disparity.span().end()));
     const auto [min, max] = GetDispRange(plane, percent);
     EXPECT_EQ(out_, (Statistics{min, max, GetFocusDisp(plane, x, y)}));
     disparity_ = filled;
@@ -212,8 +213,10 @@ TEST_F(RefocusMap, FromDistance) {
     const Plane<uint16_t> plane = {distances.data(), kDepth.width,
                                    kDepth.height};
     FillDistanceHoles(plane);
-    EXPECT_TRUE(std::ranges::equal(distances, memory.span()));
-    const uint16_t nearest = *std::ranges::min_element(distances);
+    EXPECT_TRUE(std::equal(distances.begin(), distances.end(),
+                           memory.span().begin(), memory.span().end()));
+    const uint16_t nearest =
+        *std::min_element(distances.begin(), distances.end());
     for (uint16_t& d : distances) {
       d = static_cast<uint16_t>(std::min((d - nearest) / 4, 1023));
     }
@@ -227,7 +230,9 @@ TEST_F(RefocusMap, FromDistance) {
                   {mask.data(), kDepth.width, kDepth.height});
     EXPECT_EQ(printed, "ExtremeMinDist=" + std::to_string(nearest) + "\n" +
                            GetCapturedStdout());
-    EXPECT_TRUE(std::ranges::equal(map.span(), Opened(mask, kDepth)));
+    const auto opened = Opened(mask, kDepth);
+    EXPECT_TRUE(std::equal(map.span().begin(), map.span().end(), opened.begin(),
+                           opened.end()));
     EXPECT_EQ(TakeLog(), "uwMaxQuanDist = " + std::to_string(max) +
                              "\n\nuwMinQuanDist = " + std::to_string(min) +
                              "\n\nFocusQuanDist = " + std::to_string(pixel) +

@@ -19,7 +19,7 @@ namespace {
 using testing::HasSubstr;
 constexpr size_t kPixels = size_t{128} * 96, kBytes = 3 * kPixels;
 
-// Grey frames in which what is near, on the left, grows from one to the next.
+// Grey frames whose near part, on the left, grows from one to the next.
 class SequenceCommand : public testing::Test {
  protected:
   SequenceCommand() {
@@ -34,7 +34,7 @@ class SequenceCommand : public testing::Test {
       WriteDisparity(map, folder_ / ("d_" + names_[i]));
     }
   }
-  // command_line_test.cpp says why leaks of a driver are not looked for.
+  // See command_line_test.cpp for why leaks are not checked.
   [[nodiscard]] Outcome Run(
       const std::string& arguments,
       const char* setting = "__EGL_VENDOR_LIBRARY_FILENAMES=/none") const {
@@ -84,8 +84,8 @@ TEST_F(SequenceCommand, RefusesAndLeavesNothing) {
       {"sequence -o o%d", "give one of --images and --demo"},
       {series_ + "o.y4m --focus-to 9,96", "--focus-to 9,96: lies outside"},
       {series_ + "o.y4m", "in_10: is 64x48; the series began with 128x96"},
-      {cpu_ + "07 --image in_07 --map-from gpu", "--map-from: does not go"},
-      {cpu_ + "07 --image in_07 --f-number 2", "--f-number: does not go"},
+      {cpu_ + "07 --image in_07 --map-from gpu", "--map-from: does not work"},
+      {cpu_ + "07 --image in_07 --f-number 2", "--f-number: does not work"},
   };
   for (const char* pattern : {"o", "%s", "%n%d", "%d%d", "%%%d", "%0d", "%00d",
                               "%4d", "%04u", "%012d", "%*d", "%d%", "%"}) {

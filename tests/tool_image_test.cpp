@@ -198,7 +198,7 @@ TEST(ReadPicture, TakesSizesOfPngFromItsDecoderAlone) {
       {"no header", PngFile({data, end}), "is damaged: "},
       {"no width", PngFile({header(0, 12), data, end}), "is damaged: "},
       {"a side too long", PngFile({header(8193, 12), data, end}),
-       "is 8193 x 12 pixels; at most 8192 x 8192 is taken"},
+       "is 8193 x 12 pixels; at most 8192 x 8192 is supported"},
       {"as large as the format can",
        PngFile({header(0x7fffffff, 0x7fffffff), data, end}),
        "is 2147483647 x 2147483647 pixels; at most"},

@@ -11,7 +11,7 @@
 #include <string>
 
 #include "library_log.h"
-#include "library_output.h"
+#include "output_capture.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -24,27 +24,28 @@ void PutFloat(CalibrationRecord& record, size_t offset, float value) {
   std::memcpy(record.data() + offset, &value, sizeof(value));
 }
 
-// Initialisation wants a record of a camera module; a rendered picture does not
+// Initialisation requires a calibration record; the rendered picture does not
 // depend on it.
-CalibrationRecord PlainCalibration() {
+CalibrationRecord PlaceholderCalibration() {
   CalibrationRecord record = {};
   PutFloat(record, 340, 20.0F);
   PutFloat(record, 344, 1.0F);
-  PutFloat(record, 356, 4.0F);  // focal length, divided by the one before
+  PutFloat(record, 356, 4.0F);  // focal length, divided by the value at 344
   return record;
 }
 
 constexpr FocusRect kNoRect = {0, 0, 0, 0};
 
-// The library reads and writes as many bytes as the session was made for.
+// The library reads and writes as many bytes as initialisation was told of.
 void RequireSize(const char* what, Size size, Size session_size) {
   if (size == session_size) return;
-  throw WorkError(std::string("the ") + what + " is not of the session's size");
+  throw WorkError(std::string("the size of the ") + what +
+                  " is not the session's");
 }
 
-// The library tells of its decision in print alone.
+// The library reports its decision only in what it prints.
 bool RenderOnCpu(Nv21Frame& frame, DisparityMap& map, FocusPoint focus) {
-  const LibraryOutput output;
+  const OutputCapture output;
   const uint32_t status = zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(
       frame.luma.data(), frame.chroma.data(), map.values.data(), focus.x,
       static_cast<uint32_t>(focus.y));
@@ -74,7 +75,7 @@ BokehSession::BokehSession(const SessionSetup& setup) : setup_(setup) {
   info.WorkHeight = setup.work.height;
   info.offmode = 1;
   info.srcformat = ZUQEL_SRCFORMAT_NV21;
-  const CalibrationRecord record = PlainCalibration();
+  const CalibrationRecord record = PlaceholderCalibration();
   CheckStatus(zuQelRT_GLInitV1(record.data(), record.size(), nullptr, 0, &info),
               "zuQelRT_GLInitV1");
   const std::string failure = ContextFailure();

@@ -9,7 +9,7 @@
 
 namespace zuqel::tools {
 
-// What renders a frame from a disparity map. The CPU has one strength of blur.
+// Renders a frame from a disparity map. The CPU's strength of blur is fixed.
 enum class Renderer { kGpu, kCpu };
 
 // What a session is made for.
@@ -25,12 +25,12 @@ struct Focus {
   float f_number = 1.0F;
 };
 
-// WorkError, which names the library's `call`, when it did not succeed.
+// Throws WorkError, naming the library's `call`, unless `status` is success.
 void CheckStatus(uint32_t status, const char* call);
 
-// Off screen, on the calling thread. The members throw WorkError when the
-// library refuses or there is no OpenGL ES to render with; Renderer::kCpu needs
-// none.
+// Renders off screen, on the calling thread. Members throw WorkError if a call
+// to the library fails or OpenGL ES is not available; Renderer::kCpu works
+// without it.
 class BokehSession {
  public:
   explicit BokehSession(const SessionSetup& setup);
@@ -38,13 +38,12 @@ class BokehSession {
   BokehSession(const BokehSession&) = delete;
   BokehSession& operator=(const BokehSession&) = delete;
 
-  // Renders into `frame`; the sizes have to be those of the setup. Holes of
-  // `map` are filled in place. The work size is 320 x 240. Returns whether the
-  // focus is sharp: Renderer::kCpu blurs the background even when that is
-  // in focus.
+  // Renders into `frame` and fills holes of `map` in place. Sizes must match
+  // the setup, and the work size must be 320 x 240. Returns true if the focus
+  // is sharp: Renderer::kCpu blurs the background even when it is in focus.
   bool Render(Nv21Frame& frame, DisparityMap& map, const Focus& focus) const;
 
-  // The same on the GPU from weights of the work size.
+  // The same, on the GPU, from weights of the work size.
   void Render(Nv21Frame& frame, const WeightMap& map, const Focus& focus) const;
 
  private:

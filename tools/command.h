@@ -1,5 +1,5 @@
-// What main() knows of a command: its options and how to run it. Each command
-// has a file of its own and a line in zuqel.cpp.
+// A command as main() sees it: its options and how to run it. Each command has
+// a file of its own and a line in zuqel.cpp.
 #ifndef ZUQEL_TOOLS_COMMAND_H_
 #define ZUQEL_TOOLS_COMMAND_H_
 

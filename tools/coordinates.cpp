@@ -14,8 +14,8 @@ struct IntegerPair {
   int first = 0, second = 0;
 };
 
-// Two integers with `separator` between them and nothing else. Nothing when
-// `text` is not that or a number does not fit int.
+// Two integers with `separator` between them. Nothing if there is anything else
+// in `text` or a number does not fit int.
 std::optional<IntegerPair> ParseIntegerPair(std::string_view text,
                                             char separator) {
   const char* const end = text.data() + text.size();

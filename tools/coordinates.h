@@ -13,17 +13,17 @@ namespace zuqel::tools {
 // "WxH".
 std::string ToText(Size size);
 
-// Nothing when the text is not "WxH".
+// Nothing if the text is not "WxH".
 std::optional<Size> ParseSize(std::string_view text);
 
-// The value of the option --size; InputError when it is not "WxH".
+// The value of the option --size; InputError unless it is "WxH".
 Size ParseSizeOption(const std::string& text);
 
-// InputError, which begins with `source`, when a side is not 1..kLargestSide.
+// InputError, starting with `source`, unless both sides are 1..kLargestSide.
 void CheckSize(const std::string& source, Size size);
 
-// Reads "X,Y", the value of `option`. InputError when it is not that or lies
-// outside `frame`, a noun for what has this size.
+// Parses "X,Y", the value of `option`. InputError if it is not that or lies
+// outside of `frame`, which names what has this size.
 FocusPoint ParseFocusPoint(const std::string& option, const std::string& text,
                            const char* frame, Size size);
 

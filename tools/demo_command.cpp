@@ -1,4 +1,4 @@
-// zuqel demo: renders a scene of the project's own for several lenses.
+// zuqel demo: renders a built-in scene with several lenses.
 #include <array>
 #include <memory>
 #include <string>
@@ -71,7 +71,7 @@ Picture RefocusPanel(const Scene& scene) {
 
 void Run(const std::string& folder) {
   OutputFiles outputs;
-  outputs.MakeFolder(folder);
+  outputs.CreateFolder(folder);
   const Scene scene = MakeScene();
   const std::vector<Shot> shots = PlanShots(folder, scene);
   const std::string picture_path = folder + "/scene.png";
@@ -104,7 +104,7 @@ Command AddDemoCommand(CLI::App& program) {
       "demo", "Render a built-in scene for two focus points and three lenses");
   auto folder = std::make_shared<std::string>();
   app->add_option("-o,--output", *folder,
-                  "The folder for the pictures; made where there is none")
+                  "The folder for the pictures, created if it does not exist")
       ->type_name("FOLDER")
       ->required();
   app->footer(

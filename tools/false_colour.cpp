@@ -1,4 +1,4 @@
-// Shows a map as a picture: blue is low, red is high.
+// Maps as false-colour pictures: blue is low, red is high.
 #include "false_colour.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ constexpr std::array<Colour, 7> kScale = {{{38, 28, 92},
                                            {240, 128, 40},
                                            {160, 24, 24}}};
 
-// `value` of low..high, both included; low < high.
+// `value` is in low..high, inclusive; low < high.
 void Paint(int value, int low, int high, uint8_t* rgb) {
   constexpr int kSteps = kScale.size() - 1;
   const int range = high - low;
@@ -59,8 +59,8 @@ Picture FalseColourOfDistance(const DistanceMap& map) {
   Picture picture(map.width, map.height);
   for (size_t i = 0; i < map.values.size(); ++i) {
     if (map.values[i] == 0) continue;
-    const int behind = std::min(map.values[i] - nearest, kSpan);
-    Paint(kSpan - behind, 0, kSpan, &picture.rgb[3 * i]);
+    const int beyond = std::min(map.values[i] - nearest, kSpan);
+    Paint(kSpan - beyond, 0, kSpan, &picture.rgb[3 * i]);
   }
   return picture;
 }

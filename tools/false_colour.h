@@ -1,4 +1,4 @@
-// Shows a map as a picture: blue is low, red is high.
+// Maps as false-colour pictures: blue is low, red is high.
 #ifndef ZUQEL_TOOLS_FALSE_COLOUR_H_
 #define ZUQEL_TOOLS_FALSE_COLOUR_H_
 
@@ -6,11 +6,11 @@
 
 namespace zuqel::tools {
 
-// The colours span the measured values; unknown ones are black.
+// The colours span the measured values; unknown values are black.
 Picture FalseColour(const DisparityMap& map);
 
-// Near is red here too. The colours span what the library tells apart, the
-// first 4092 units behind the nearest; unknown distances are black.
+// Near is red here too. The colours span the 4092 units beyond the nearest
+// distance, all that the library tells apart; unknown distances are black.
 Picture FalseColourOfDistance(const DistanceMap& map);
 
 // The colours span 0..255.

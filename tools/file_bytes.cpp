@@ -1,4 +1,4 @@
-// Whole files.
+// Reads and writes whole files.
 #include "file_bytes.h"
 
 #include <cerrno>

@@ -1,4 +1,4 @@
-// Whole files.
+// Reads and writes whole files.
 #ifndef ZUQEL_TOOLS_FILE_BYTES_H_
 #define ZUQEL_TOOLS_FILE_BYTES_H_
 
@@ -10,11 +10,11 @@ namespace zuqel::tools {
 
 using Bytes = std::vector<uint8_t>;
 
-// InputError when the file cannot be opened, is a folder or is claimed as an
+// InputError if the file cannot be opened, is a folder or is claimed as an
 // output.
 Bytes ReadFile(const std::string& path);
 
-// WorkError when not all of it could be written.
+// WorkError unless all of it could be written.
 void WriteFile(const Bytes& bytes, const std::string& path);
 
 }  // namespace zuqel::tools

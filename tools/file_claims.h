@@ -8,7 +8,7 @@ namespace zuqel::tools {
 
 // Files are the same when device and inode are, so links count. Claims last as
 // long as the process, and their order does not matter: both throw InputError
-// when the file has been claimed as the other. A file that does not exist can
+// if the file has been claimed as the other. A file that does not exist can
 // be claimed as either.
 void ClaimInput(const std::string& path);
 void ClaimOutput(const std::string& path);

@@ -1,4 +1,4 @@
-// The names of numbered files, as people write them.
+// Names of numbered files, from a pattern.
 #include "file_series.h"
 
 #include <algorithm>
@@ -7,7 +7,7 @@
 
 namespace zuqel::tools {
 
-// The pattern is taken apart here and never reaches printf.
+// Parsed by hand: a pattern from the command line must not reach printf.
 FileSeries::FileSeries(const std::string& option, const std::string& pattern) {
   const size_t percent = pattern.find('%');
   before_ = pattern.substr(0, percent);

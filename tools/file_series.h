@@ -1,4 +1,4 @@
-// The names of numbered files, as people write them.
+// Names of numbered files, from a pattern.
 #ifndef ZUQEL_TOOLS_FILE_SERIES_H_
 #define ZUQEL_TOOLS_FILE_SERIES_H_
 
@@ -6,10 +6,10 @@
 
 namespace zuqel::tools {
 
-// A name with one %d, or %0Nd for at least N digits, N of 1..9.
+// A pattern has one %d, or one %0Nd for at least N digits, N in 1..9.
 class FileSeries {
  public:
-  // InputError, which begins with `option`, when `pattern` is not that.
+  // InputError, starting with `option`, if `pattern` is not that.
   FileSeries(const std::string& option, const std::string& pattern);
 
   // `number` is not negative.

@@ -1,4 +1,4 @@
-// How far two frames are from one another.
+// The difference between two frames.
 #include "frame_difference.h"
 
 #include <algorithm>
@@ -12,7 +12,7 @@
 namespace zuqel::tools {
 namespace {
 
-// Of every `step`th byte, from `first` on.
+// Compares every `step`th byte, from `first` on.
 PlaneDifference ComparePlane(const char* name, const std::vector<uint8_t>& a,
                              const std::vector<uint8_t>& b, size_t first,
                              size_t step) {

@@ -1,4 +1,4 @@
-// How far two frames are from one another.
+// The difference between two frames.
 #ifndef ZUQEL_TOOLS_FRAME_DIFFERENCE_H_
 #define ZUQEL_TOOLS_FRAME_DIFFERENCE_H_
 
@@ -11,14 +11,14 @@ namespace zuqel::tools {
 
 struct PlaneDifference {
   const char* plane;
-  double psnr_db;  // infinite when there is no difference
+  double psnr_db;  // infinite if the planes are equal
   int largest;
 };
 
-// Of the planes Y, U and V. Both frames have the same size.
+// For planes Y, U and V. Both frames have the same size.
 std::array<PlaneDifference, 3> Compare(const Nv21Frame& a, const Nv21Frame& b);
 
-// What the difference picture shows of each step.
+// Amplification of the difference picture.
 constexpr int kDifferenceGain = 4;
 
 // The absolute difference of each colour, amplified. Both frames have the same

@@ -1,4 +1,4 @@
-// Tells how long frames took, and how far a longer run has come.
+// Frame times, and the progress of a longer run.
 #include "frame_progress.h"
 
 #include <unistd.h>

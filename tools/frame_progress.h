@@ -1,4 +1,4 @@
-// Tells how long frames took, and how far a longer run has come.
+// Frame times, and the progress of a longer run.
 #ifndef ZUQEL_TOOLS_FRAME_PROGRESS_H_
 #define ZUQEL_TOOLS_FRAME_PROGRESS_H_
 
@@ -11,15 +11,15 @@ struct FrameTimes {
   double worst_ms;
 };
 
-// Of an even number of frames the median is the mean of the middle two.
+// With an even number of frames the median is the mean of the middle two.
 // `times_ms` is not empty.
 FrameTimes Summarise(std::vector<double> times_ms);
 
-// A bar on standard error where that is a terminal; nothing elsewhere.
+// A bar on standard error if that is a terminal, else nothing.
 class ProgressBar {
  public:
   explicit ProgressBar(int total);
-  ~ProgressBar();  // wipes the bar
+  ~ProgressBar();  // erases the bar
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
 

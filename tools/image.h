@@ -1,4 +1,4 @@
-// The pictures and maps that the tools pass around; rows lie back to back.
+// Pictures and maps in memory; rows are contiguous.
 #ifndef ZUQEL_TOOLS_IMAGE_H_
 #define ZUQEL_TOOLS_IMAGE_H_
 
@@ -27,7 +27,7 @@ Size SizeOf(const Image& image) {
   return {image.width, image.height};
 }
 
-// A colour picture, three bytes a pixel: red, green, blue.
+// A colour picture, three bytes per pixel: red, green, blue.
 struct Picture {
   Picture() = default;
   Picture(int w, int h) : width(w), height(h), rgb(3 * PixelCount(w, h)) {}
@@ -44,7 +44,7 @@ struct Picture {
   std::vector<uint8_t> rgb;
 };
 
-// One value a pixel.
+// One value per pixel.
 template <typename Value>
 struct Map {
   Map() = default;
@@ -62,11 +62,11 @@ struct Map {
   std::vector<Value> values;
 };
 
-// 0..1022, larger is nearer; kUnknownDisparity where nothing was measured.
+// 0..1022, larger is nearer; kUnknownDisparity where there is no measurement.
 using DisparityMap = Map<uint16_t>;
 constexpr uint16_t kUnknownDisparity = 1023;
 
-// Larger is farther, in any unit; 0 where nothing was measured.
+// Larger is farther, in any unit; 0 where there is no measurement.
 using DistanceMap = Map<uint16_t>;
 
 // 0 keeps a pixel sharp, 255 blurs it fully.

@@ -1,4 +1,4 @@
-// Reads and writes the picture files that the tools work on.
+// Reads and writes picture files.
 #include "image_file.h"
 
 #include <png.h>
@@ -36,7 +36,7 @@ void RequireReadableSize(const std::string& path, int width, int height) {
   }
   const std::string most = std::to_string(kLargestSide);
   Refuse(path, "is " + std::to_string(width) + " x " + std::to_string(height) +
-                   " pixels; at most " + most + " x " + most + " is taken");
+                   " pixels; at most " + most + " x " + most + " is supported");
 }
 
 bool IsPng(const Bytes& bytes) {
@@ -58,7 +58,7 @@ PngHeader ReadHeader(const std::string& path, const Bytes& bytes) {
   return header;
 }
 
-// Decodes into pixels that are as many as the file's header says.
+// Decodes into `pixels`, which has the size given by the file's header.
 template <typename Value>
 void DecodePngInto(const std::string& path, const Bytes& bytes,
                    PngLayout layout, std::vector<Value>& pixels) {

@@ -1,4 +1,4 @@
-// Reads and writes the picture files that the tools work on.
+// Reads and writes picture files.
 #ifndef ZUQEL_TOOLS_IMAGE_FILE_H_
 #define ZUQEL_TOOLS_IMAGE_FILE_H_
 
@@ -9,13 +9,13 @@
 
 namespace zuqel::tools {
 
-// The readers throw InputError, which names the file and what is wrong with it.
+// The readers throw InputError, which names the file and its fault.
 
 // A PNG or JPEG picture. Grey becomes colour, alpha is dropped, 16 bits are
 // reduced to 8.
 Picture ReadPicture(const std::string& path);
 
-// The same for a frame, whose sides are even.
+// The same, for a camera frame: width and height must be even.
 Picture ReadFramePicture(const std::string& path);
 
 // A 16-bit grey PNG with values up to 1023.

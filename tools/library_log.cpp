@@ -1,4 +1,4 @@
-// The library's log lines, which the commands keep to themselves by default.
+// The library's log, which commands hide by default.
 #include "library_log.h"
 
 #include <android/log.h>
@@ -9,7 +9,7 @@
 namespace zuqel::tools {
 namespace {
 
-// A logger is a plain function, so what it needs lies here.
+// The logger is a plain function, so its state is global.
 struct LogState {
   bool verbose = false;
   std::string context_failure;
@@ -20,7 +20,7 @@ LogState& State() {
   return state;
 }
 
-bool TellsOfContextFailure(std::string_view line) {
+bool ReportsContextFailure(std::string_view line) {
   return line.substr(0, 3) == "egl" &&
          (line.find("failed") != std::string_view::npos ||
           line.find("EGL_NO_DISPLAY") != std::string_view::npos);
@@ -28,7 +28,7 @@ bool TellsOfContextFailure(std::string_view line) {
 
 void OnLine(const __android_log_message* line) {
   LogState& state = State();
-  if (state.context_failure.empty() && TellsOfContextFailure(line->message)) {
+  if (state.context_failure.empty() && ReportsContextFailure(line->message)) {
     state.context_failure = line->message;
   }
   if (!state.verbose) return;
@@ -39,7 +39,7 @@ void OnLine(const __android_log_message* line) {
 
 }  // namespace
 
-void TakeLibraryLog(bool verbose) {
+void CaptureLibraryLog(bool verbose) {
   State().verbose = verbose;
   __android_log_set_logger(OnLine);
 }

@@ -1,4 +1,4 @@
-// The library's log lines, which the commands keep to themselves by default.
+// The library's log, which commands hide by default.
 #ifndef ZUQEL_TOOLS_LIBRARY_LOG_H_
 #define ZUQEL_TOOLS_LIBRARY_LOG_H_
 
@@ -6,15 +6,15 @@
 
 namespace zuqel::tools {
 
-// Takes the library's log over. With `verbose` each line goes to standard
-// error, otherwise none does.
-void TakeLibraryLog(bool verbose);
+// Captures the library's log from here on; if `verbose`, each line goes to
+// standard error.
+void CaptureLibraryLog(bool verbose);
 
-// Whether it does.
+// True if lines go to standard error.
 bool LibraryLogIsShown();
 
-// The log's first line that tells of a failure to make an OpenGL ES context;
-// empty when there is none. The library reports this in no other way.
+// The first log line about a failure to create an OpenGL ES context, empty if
+// there is none. The library reports such a failure nowhere else.
 std::string ContextFailure();
 
 }  // namespace zuqel::tools

@@ -1,4 +1,4 @@
-// The camera's frame format, and the way to it from RGB and back.
+// NV21, the camera's frame format, and its conversion from and to RGB.
 #include "nv21.h"
 
 #include <algorithm>

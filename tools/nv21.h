@@ -1,4 +1,4 @@
-// The camera's frame format, and the way to it from RGB and back.
+// NV21, the camera's frame format, and its conversion from and to RGB.
 #ifndef ZUQEL_TOOLS_NV21_H_
 #define ZUQEL_TOOLS_NV21_H_
 
@@ -10,7 +10,7 @@
 namespace zuqel::tools {
 
 // Full-range BT.601, 4:2:0: width x height bytes of luma; width x height / 2
-// bytes of chroma, V then U for each 2x2 pixels. Both sides are even.
+// bytes of chroma, V then U for each 2x2 block. Both sides are even.
 struct Nv21Frame {
   int width = 0;
   int height = 0;
@@ -18,13 +18,13 @@ struct Nv21Frame {
   std::vector<uint8_t> chroma;
 };
 
-// The chroma is that of the mean of the 2x2 pixels. `picture` has even sides.
+// Chroma is that of each 2x2 block's mean colour. Width and height are even.
 Nv21Frame ToNv21(const Picture& picture);
 
-// One pixel to red, green and blue; full-range BT.601.
+// Converts one pixel to red, green and blue (full-range BT.601).
 void YuvToRgb(int luma, int u, int v, uint8_t* rgb);
 
-// Each of the 2x2 pixels takes the chroma as it is.
+// Chroma is repeated over each 2x2 block.
 Picture ToPicture(const Nv21Frame& frame);
 
 }  // namespace zuqel::tools

@@ -1,4 +1,4 @@
-// Output files that appear together, whole, or not at all.
+// Output files that appear all together and complete, or not at all.
 #include "output_files.h"
 
 #include <unistd.h>
@@ -30,17 +30,17 @@ fs::path FolderOf(const fs::path& path) {
 OutputFiles::~OutputFiles() {
   std::error_code ignored;
   for (const Written& file : written_) fs::remove(file.temporary, ignored);
-  if (!made_folder_.empty()) fs::remove(made_folder_, ignored);
+  if (!created_folder_.empty()) fs::remove(created_folder_, ignored);
 }
 
-void OutputFiles::MakeFolder(const std::string& path) {
+void OutputFiles::CreateFolder(const std::string& path) {
   if (IsFolder(path)) return;
   std::error_code error;
   if (!fs::create_directory(path, error)) {
-    throw InputError(path + ": the folder cannot be made: " +
-                     (error ? error.message() : "a file has its name"));
+    throw InputError(path + ": the folder cannot be created: " +
+                     (error ? error.message() : "a file has this name"));
   }
-  made_folder_ = path;
+  created_folder_ = path;
 }
 
 void OutputFiles::Announce(const std::string& path) {
@@ -96,7 +96,7 @@ void OutputFiles::Commit() {
     if (error) {
       throw WorkError(file.path + ": cannot be written: " + error.message());
     }
-    made_folder_.clear();
+    created_folder_.clear();
   }
   for (const Written& file : written_) {
     std::printf("wrote %s (%s)\n", file.path.c_str(), file.size.c_str());

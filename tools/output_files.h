@@ -1,4 +1,4 @@
-// Output files that appear together, whole, or not at all.
+// Output files that appear all together and complete, or not at all.
 #ifndef ZUQEL_TOOLS_OUTPUT_FILES_H_
 #define ZUQEL_TOOLS_OUTPUT_FILES_H_
 
@@ -13,8 +13,8 @@
 
 namespace zuqel::tools {
 
-// The files are written beside their targets under names of their own, and take
-// the targets' names in Commit. Without it the destructor removes them.
+// Files are written next to their targets under temporary names, and renamed in
+// Commit. Without Commit the destructor removes them.
 class OutputFiles {
  public:
   OutputFiles() = default;
@@ -22,12 +22,12 @@ class OutputFiles {
   OutputFiles(const OutputFiles&) = delete;
   OutputFiles& operator=(const OutputFiles&) = delete;
 
-  // Makes the folder where there is none. InputError when that fails.
-  void MakeFolder(const std::string& path);
+  // Creates the folder if it does not exist. InputError if that fails.
+  void CreateFolder(const std::string& path);
 
-  // Says before any work that `path` will be written. InputError when its
+  // Declares, before any work, that `path` will be written. InputError if its
   // folder is missing, it is a folder itself, it was announced before, or the
-  // file is one of the inputs, whether read already or later.
+  // file is one of the inputs, whether these are read before or after.
   void Announce(const std::string& path);
 
   // Writes a file for the announced `path`; pictures as PNG.
@@ -36,11 +36,11 @@ class OutputFiles {
   void Write(const std::string& path, const DisparityMap& map);
   void Write(const std::string& path, const Bytes& bytes);
 
-  // Where the caller writes the file for the announced `path`; `size` is what
-  // Commit says of it.
+  // Returns the temporary name under which the caller has to write the file for
+  // the announced `path`; `size` is what Commit prints about it.
   std::filesystem::path Begin(const std::string& path, const std::string& size);
 
-  // Moves every written file to its place and prints a line for each.
+  // Renames every written file to its target and prints a line for each.
   void Commit();
 
  private:
@@ -52,7 +52,7 @@ class OutputFiles {
 
   std::set<std::filesystem::path> announced_;
   std::vector<Written> written_;
-  std::filesystem::path made_folder_;
+  std::filesystem::path created_folder_;
 };
 
 }  // namespace zuqel::tools

@@ -35,8 +35,8 @@ Picture ToGrey(const WeightMap& map) {
   return picture;
 }
 
-// A white square around the point, with black on both sides so that it shows on
-// any colour. The point itself stays free.
+// A white square around the point, edged in black so that it shows on any
+// colour. The point itself is not covered.
 void MarkFocus(Picture& picture, FocusPoint point) {
   const int reach = std::max(6, std::min(picture.width, picture.height) / 40);
   const int line = reach / 6;
@@ -54,8 +54,8 @@ void MarkFocus(Picture& picture, FocusPoint point) {
   }
 }
 
-// What is blurred fully is a shade of one colour; what stays sharp keeps its
-// own colours.
+// Fully blurred pixels become shades of one colour; sharp pixels keep their
+// colours.
 Picture TintBlurred(const Picture& image, const WeightMap& map) {
   constexpr std::array<int, 3> kTint = {70, 90, 255};
   Picture tinted = image;

@@ -1,4 +1,4 @@
-// zuqel raw: a frame dump of the library in, a picture of it out.
+// zuqel raw: turns a frame dump of the library into a picture.
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -42,8 +42,8 @@ struct Dump {
   Size size;
 };
 
-// What the library put into the name; nothing when it did not make the name. A
-// folder property without its slash puts the folder's name in front.
+// Parses the name that the library gave a dump; nothing if it is another name.
+// A folder property without its final slash puts the folder's name in front.
 std::optional<Dump> ParseName(const std::string& path) {
   const std::string name = std::filesystem::path(path).filename();
   for (const Kind* kind : kKinds) {
@@ -66,12 +66,12 @@ const Kind* KindNamed(const std::string& name) {
   return found == kKinds.end() ? nullptr : *found;
 }
 
-// Puts the name and the options together, which must not contradict.
+// Combines the name with the options, which must not contradict it.
 Dump Identify(const RawOptions& options) {
   const std::optional<Dump> named = ParseName(options.file);
   if (!named && (options.size.empty() || options.kind.empty())) {
     throw InputError(options.file +
-                     ": the name does not tell size and kind; give --size "
+                     ": the name does not give size and kind; add --size "
                      "and --kind");
   }
   Dump dump = named.value_or(Dump{});
@@ -105,7 +105,7 @@ std::vector<uint8_t> ReadDump(const std::string& path, const Dump& dump) {
   return bytes;
 }
 
-// Pixels of four bytes; the last is of no use here.
+// Pixels have four bytes; the last is unused.
 Picture ColourPicture(Size size, const std::vector<uint8_t>& bytes,
                       bool is_rgb) {
   Picture picture(size.width, size.height);
@@ -143,15 +143,16 @@ Command AddRawCommand(CLI::App& program) {
   CLI::App* app = program.add_subcommand(
       "raw", "Turn a frame dump of the library into a picture");
   auto options = std::make_shared<RawOptions>();
-  app->add_option("FILE", options->file,
-                  "The dump; its name tells the rest unless it was renamed")
+  app->add_option(
+         "FILE", options->file,
+         "The dump; its name gives size and kind unless it was renamed")
       ->type_name("")
       ->required();
   app->add_option("--size", options->size, "Width and height in pixels")
       ->type_name("WxH");
   app->add_option("--kind", options->kind,
-                  "luma or weights, one byte a pixel, become 8-bit grey;\n"
-                  "output, four bytes a pixel, becomes a colour picture")
+                  "luma and weights, one byte per pixel, become 8-bit grey;\n"
+                  "output, four bytes per pixel, becomes a colour picture")
       ->type_name("KIND")
       ->check([](const std::string& name) {
         return KindNamed(name) == nullptr
@@ -159,7 +160,7 @@ Command AddRawCommand(CLI::App& program) {
                    : std::string();
       });
   app->add_flag("--rgb", options->is_rgb,
-                "The output's channels are R, G, B, as where the library\n"
+                "The output's channels are R, G, B, as when the library\n"
                 "renders to a screen; off screen they are Y, U, V");
   AddFileOption(*app, "-o,--output", options->output, "The picture, PNG")
       ->required();

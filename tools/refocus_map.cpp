@@ -1,4 +1,4 @@
-// Refocus maps by each of the library's generators.
+// Refocus maps from the library's generators.
 #include "refocus_map.h"
 
 #include <zuQelRT_GL.h>
@@ -8,7 +8,7 @@
 #include <array>
 
 #include "bokeh_session.h"
-#include "library_output.h"
+#include "output_capture.h"
 
 namespace zuqel::tools {
 namespace {
@@ -54,18 +54,18 @@ constexpr std::array kGenerators = {
     ZUQEL_REFOCUS_GENERATORS(ZUQEL_TOOLS_GENERATOR)};
 #undef ZUQEL_TOOLS_GENERATOR
 
-// The generators' own part of a session.
-class Resources {
+// The generators' resources within a session.
+class GeneratorResources {
  public:
-  Resources() {
+  GeneratorResources() {
     CheckStatus(zuQelRT_GenRefocusMap_init(), "zuQelRT_GenRefocusMap_init");
   }
-  ~Resources() { zuQelRT_GenRefocusMap_Deinit(); }
-  Resources(const Resources&) = delete;
-  Resources& operator=(const Resources&) = delete;
+  ~GeneratorResources() { zuQelRT_GenRefocusMap_Deinit(); }
+  GeneratorResources(const GeneratorResources&) = delete;
+  GeneratorResources& operator=(const GeneratorResources&) = delete;
 };
 
-// In a unit that uses all of 16 bits; disparities below 4 count as farthest.
+// In a unit that spans 16 bits; disparities below 4 saturate.
 DistanceMap ToDistances(const DisparityMap& disparity) {
   constexpr int kUnits = 262144;
   DistanceMap distances(disparity.width, disparity.height);
@@ -92,7 +92,7 @@ const Generator* GeneratorNamed(const std::string& name) {
 
 std::string CheckGeneratorName(const std::string& name) {
   if (GeneratorNamed(name) != nullptr) return {};
-  std::string message = name + " is none of";
+  std::string message = name + " is not one of";
   for (const Generator& generator : kGenerators) {
     message += std::string(" ") + generator.name;
   }
@@ -106,11 +106,11 @@ RefocusMap MakeRefocusMap(const Generator& generator, Map<uint16_t> depth,
                             focus.point.y * depth.height / focus.frame.height};
   const BokehSession session(
       {.picture = SizeOf(depth), .depth = SizeOf(depth), .work = map_size});
-  const Resources resources;
+  const GeneratorResources resources;
   RefocusMap map = {WeightMap(map_size.width, map_size.height), std::nullopt};
   DisparityRange range;
   {
-    const LibraryOutput aside;
+    const OutputCapture library_output;
     CheckStatus(generator.make(map.weights.values.data(), depth.values.data(),
                                point, range),
                 generator.call);

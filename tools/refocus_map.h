@@ -1,4 +1,4 @@
-// Refocus maps by each of the library's generators.
+// Refocus maps from the library's generators.
 #ifndef ZUQEL_TOOLS_REFOCUS_MAP_H_
 #define ZUQEL_TOOLS_REFOCUS_MAP_H_
 
@@ -11,15 +11,15 @@
 
 namespace zuqel::tools {
 
-// What a generator tells of its disparities; `min` and `max` leave a few
-// percent of the pixels out at either end.
+// What a generator reports about disparities; `min` and `max` ignore a few
+// percent of the pixels at either end.
 struct DisparityRange {
   uint32_t min = 0, max = 0, focus = 0;
 };
 
 struct Generator {
-  const char* name;     // as people write it
-  const char* call;     // as the library calls it
+  const char* name;     // on the command line
+  const char* call;     // the library's function
   const char* summary;  // what it does, one line
   bool takes_distance;  // else disparity
   bool takes_size;      // of the map; the others keep the depth's
@@ -29,32 +29,32 @@ struct Generator {
 
 std::span<const Generator> Generators();
 
-// Null when there is none of this name.
+// Null if no generator has this name.
 const Generator* GeneratorNamed(const std::string& name);
 
-// Says what is wrong with an option's value; empty when nothing is.
+// What is wrong with an option's value; empty if nothing is.
 std::string CheckGeneratorName(const std::string& name);
 
 struct RefocusMap {
   WeightMap weights;
-  std::optional<DisparityRange> range;  // not of distances
+  std::optional<DisparityRange> range;  // not from distances
 };
 
-// Pixels are those of a frame that shows what the depth shows; its size may be
-// another.
+// A point in pixels of a frame with the same field of view as the depth; the
+// sizes may differ.
 struct FramedFocus {
   FocusPoint point;
   Size frame;
 };
 
-// In a session of its own; none may run. `depth` is what the generator takes.
-// The map has the depth's size, or that of `size` where the generator can.
-// WorkError as from BokehSession. What the library prints is turned aside.
+// Opens a session of its own, so none may be open. `depth` is what the
+// generator takes. The map has the depth's size, or `size` if the generator
+// takes one. Throws WorkError like BokehSession.
 RefocusMap MakeRefocusMap(const Generator& generator, Map<uint16_t> depth,
                           const FramedFocus& focus,
                           std::optional<Size> size = std::nullopt);
 
-// What the generator takes, of a disparity map.
+// Converts a disparity map to what the generator takes.
 Map<uint16_t> DepthFor(const Generator& generator,
                        const DisparityMap& disparity);
 

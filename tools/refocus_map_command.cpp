@@ -1,4 +1,4 @@
-// zuqel refocus-map: disparity or distance and a focus point in, a map out.
+// zuqel refocus-map: makes a refocus map from disparity or distance.
 #include <algorithm>
 #include <cstddef>
 #include <cstdio>
@@ -31,7 +31,7 @@ struct RefocusMapInput {
   std::optional<Size> size;  // of the map to make
 };
 
-// What can be said before any file is read.
+// Checks that need no file.
 void CheckCombination(const RefocusMapOptions& options,
                       const Generator& generator) {
   if (options.disparity.empty() == options.distance.empty()) {
@@ -96,7 +96,7 @@ void Run(const RefocusMapOptions& options) {
   }
 }
 
-// Names and summaries in columns, and what --size goes with.
+// Names and summaries in columns, and the names that take --size.
 std::string GeneratorList() {
   constexpr size_t kNameColumns = 20;
   std::string list, sized;
@@ -106,7 +106,7 @@ std::string GeneratorList() {
     name.resize(std::max(kNameColumns, name.size() + 1), ' ');
     list += "  " + name + generator.summary + "\n";
   }
-  return list + "--size goes with: " + sized + "\n";
+  return list + "Generators that take --size: " + sized + "\n";
 }
 
 }  // namespace
@@ -117,25 +117,24 @@ Command AddRefocusMapCommand(CLI::App& program) {
   auto options = std::make_shared<RefocusMapOptions>();
   AddDisparityOption(*app, options->disparity);
   AddFileOption(*app, "--distance", options->distance,
-                "In its place, for a generator that takes distances: 16-bit\n"
+                "Instead, for a generator that takes distances: 16-bit\n"
                 "grey PNG, larger is farther, 0 is unknown. Given\n"
                 "--disparity, it takes 262144 / disparity");
-  app->add_option(
-         "--focus", options->focus,
-         "What is sharp, in pixels of --image where it is given, else\n"
-         "of the disparity or distance map")
+  app->add_option("--focus", options->focus,
+                  "The point in focus, in pixels of --image if given, else of\n"
+                  "the disparity or distance map")
       ->type_name("X,Y")
       ->required();
   app->add_option("--generator", options->generator,
-                  "What makes the map, see below")
+                  "How the map is made; see the list below")
       ->type_name("NAME")
       ->check(CheckGeneratorName)
       ->required();
   app->add_option("--size", options->size,
-                  "Width and height of the map, those of the depth by default")
+                  "Width and height of the map; by default, those of the depth")
       ->type_name("WxH");
   AddFileOption(*app, "--image", options->image,
-                "The picture that belongs to the depth, PNG or JPEG");
+                "The picture that the depth belongs to, PNG or JPEG");
   AddFileOption(*app, "-o,--output", options->output,
                 "The map, 8-bit grey PNG: 0 stays sharp, 255 blurs fully")
       ->required();
@@ -145,8 +144,9 @@ Command AddRefocusMapCommand(CLI::App& program) {
   app->footer(
       "Generators:\n" + GeneratorList() +
       "\n"
-      "Prints the range of the disparities, less a few percent of the pixels\n"
-      "at either end, and the disparity in focus.\n"
+      "Prints the range of disparities, without a few percent of the pixels "
+      "at\n"
+      "either end, and the disparity in focus.\n"
       "\n"
       "Example:\n"
       "  zuqel refocus-map --disparity disparity.png --image photo.jpg \\\n"

@@ -1,4 +1,4 @@
-// zuqel render: one picture with its depth in, one picture with bokeh out.
+// zuqel render: renders a picture with bokeh, given its depth.
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
@@ -31,11 +31,11 @@ struct RenderOptions {
       compare;
   Renderer renderer = Renderer::kGpu;
   float f_number = kWidestLens;
-  int repeat = 0;  // 0: once, without a word about the time
+  int repeat = 0;  // 0: once, without printing the time
   bool focus_dot = false;
 };
 
-// Exactly one of the two maps is there.
+// Holds exactly one of the two maps.
 struct RenderInput {
   Picture picture;
   std::optional<DisparityMap> disparity;
@@ -43,12 +43,12 @@ struct RenderInput {
   Focus focus;
 };
 
-// What only the GPU can do, alone or beside what it is compared with.
+// Refuses what only the GPU can do if the CPU renders, alone or for comparison.
 void CheckRenderer(const RenderOptions& options) {
   const bool on_cpu = options.renderer == Renderer::kCpu;
   if (!on_cpu && options.compare.empty()) return;
-  const std::string reason = on_cpu ? ": does not go with --renderer cpu"
-                                    : ": does not go with --compare";
+  const std::string reason = on_cpu ? ": does not work with --renderer cpu"
+                                    : ": does not work with --compare";
   const auto refuse = [&](bool is_given, const char* option) {
     if (is_given) throw InputError(option + reason);
   };
@@ -58,14 +58,14 @@ void CheckRenderer(const RenderOptions& options) {
   refuse(on_cpu && options.f_number != kWidestLens, "--f-number");
 }
 
-// What can be said before any file is read.
+// Checks that need no file.
 void CheckCombination(const RenderOptions& options) {
   CheckRenderer(options);
   if (options.disparity.empty() == options.weights.empty()) {
     throw InputError("give one of --disparity and --weights");
   }
   if (!options.map_from.empty() && options.disparity.empty()) {
-    throw InputError("--map-from: goes with --disparity, not with --weights");
+    throw InputError("--map-from: works with --disparity, not with --weights");
   }
   if (!(options.f_number >= 1.0F && options.f_number <= 10.0F)) {
     throw InputError("--f-number: is not between 1 and 10");
@@ -87,7 +87,7 @@ RenderInput ReadInput(const RenderOptions& options) {
   return input;
 }
 
-// Weights of the disparity map's size, which take its place.
+// Replaces the disparity map with weights of the same size.
 void MakeWeights(const Generator& generator, RenderInput& input) {
   input.weights =
       MakeRefocusMap(generator, DepthFor(generator, *input.disparity),
@@ -112,7 +112,7 @@ SessionSetup SetupFor(const RenderInput& input, const RenderOptions& options) {
 struct Rendered {
   Nv21Frame frame;  // the last one
   bool is_focus_sharp = true;
-  std::vector<double> times_ms;  // of the calls
+  std::vector<double> times_ms;  // of each call
 };
 
 // Renders a copy of the input.
@@ -132,7 +132,7 @@ void RenderFrame(const BokehSession& session, const Nv21Frame& source,
       std::chrono::duration<double, std::milli>(Clock::now() - start).count());
 }
 
-// In a session of its own; none may run.
+// Opens a session of its own, so none may be open.
 Rendered RenderFrames(const RenderInput& input, const SessionSetup& setup,
                       int count) {
   const BokehSession session(setup);
@@ -209,18 +209,19 @@ Command AddRenderCommand(CLI::App& program) {
       "render", "Render a picture with a synthetic shallow depth of field");
   auto options = std::make_shared<RenderOptions>();
   AddFileOption(*app, "--image", options->image,
-                "The picture, PNG or JPEG, with even sides")
+                "The picture, PNG or JPEG, of even width and height")
       ->required();
   AddDisparityOption(*app, options->disparity);
   AddFileOption(*app, "--weights", options->weights,
-                "In its place, 8-bit grey PNG of any size: 0 keeps a pixel\n"
-                "sharp, 255 blurs it fully");
+                "Instead of --disparity, 8-bit grey PNG of any size: 0 keeps\n"
+                "a pixel sharp, 255 blurs it fully");
   app->add_option("--map-from", options->map_from,
                   "With --disparity, render from the refocus map that this\n"
-                  "generator makes of it; see zuqel refocus-map --help")
+                  "generator makes from it; see zuqel refocus-map --help")
       ->type_name("NAME")
       ->check(CheckGeneratorName);
-  app->add_option("--focus", options->focus, "What is sharp, in picture pixels")
+  app->add_option("--focus", options->focus,
+                  "The point in focus, in picture pixels")
       ->type_name("X,Y")
       ->required();
   app->add_option("--f-number", options->f_number,
@@ -239,9 +240,9 @@ Command AddRenderCommand(CLI::App& program) {
       ->type_name("N")
       ->check(CLI::Range(1, 100000));
   AddFileOption(*app, "--compare", options->compare,
-                "Also render with the other renderer, print how far the\n"
-                "results are apart, and write the difference, " +
-                    std::to_string(kDifferenceGain) + " times\nas strong, PNG");
+                "Also render with the other renderer, print how much the\n"
+                "results differ, and write the difference, amplified\n" +
+                    std::to_string(kDifferenceGain) + " times, PNG");
   app->footer(
       "Example:\n"
       "  zuqel render --image photo.jpg --disparity disparity.png \\\n"

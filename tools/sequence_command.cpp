@@ -1,4 +1,4 @@
-// zuqel sequence: a series of frames through one session.
+// zuqel sequence: renders a series of frames in one session.
 #include <functional>
 #include <memory>
 #include <optional>
@@ -25,7 +25,7 @@ constexpr int kDemoFrames = 50;
 
 struct SequenceOptions {
   std::string images, disparities, focus, focus_to;
-  SequenceTarget target;  // numbers the files that are read as well
+  SequenceTarget target;  // its numbers are those of the inputs too
   bool is_demo = false;
   Renderer renderer = Renderer::kCpu;
 };
@@ -36,7 +36,7 @@ struct SourceFrame {
   FocusPoint focus;  // unless one is given
 };
 
-// By the place in the series, in order.
+// Called for indices 0, 1, 2 and so on.
 using FrameSource = std::function<SourceFrame(int index)>;
 
 // The first of a kind sets the size of the others.
@@ -55,7 +55,7 @@ FrameSource FilesOf(const SequenceOptions& options) {
   if (options.focus.empty()) throw InputError("--images needs --focus");
   const FileSeries images("--images", options.images);
   const FileSeries disparities("--disparities", options.disparities);
-  // Before the first frame is rendered, not when the file's turn comes.
+  // Now rather than when each is read, after frames have been rendered.
   for (int i = 0; i < options.target.count; ++i) {
     ClaimInput(images.Name(options.target.first + i));
     ClaimInput(disparities.Name(options.target.first + i));
@@ -82,7 +82,8 @@ FrameSource DemoOf(int count) {
   };
 }
 
-// From one point to another over the frames, or the source's own.
+// Moves from one point to another over the frames; without one, takes the
+// source's own.
 class FocusPath {
  public:
   FocusPath(const SequenceOptions& options, Size frame)
@@ -108,7 +109,7 @@ class FocusPath {
   FocusPoint to_;
 };
 
-// Returns in how many frames the focus was blurred.
+// Returns the number of frames whose focus was blurred.
 int RenderFrames(const SequenceOptions& options, const FrameSource& source,
                  SequenceWriter& writer) {
   const int count = options.target.count;
@@ -142,9 +143,10 @@ void Run(SequenceOptions options) {
 
 void AddSourceOptions(CLI::App& app, SequenceOptions& options) {
   CLI::Option* images =
-      app.add_option("--images", options.images,
-                     "The pictures, PNG or JPEG, with even sides; one %d or\n"
-                     "%04d stands for the number")
+      app.add_option(
+             "--images", options.images,
+             "The pictures, PNG or JPEG, of even width and height; one\n"
+             "%d or %04d stands for the number")
           ->type_name("PATTERN");
   CLI::Option* disparities =
       app.add_option("--disparities", options.disparities,
@@ -154,17 +156,18 @@ void AddSourceOptions(CLI::App& app, SequenceOptions& options) {
   images->needs(disparities);
   disparities->needs(images);
   CLI::Option* first =
-      app.add_option("--first", options.target.first,
-                     "The first number (0), of what is read and written")
+      app.add_option(
+             "--first", options.target.first,
+             "The first number, of files read and written; 0 by default")
           ->type_name("N")
           ->check(CLI::Range(0, 1000000000));
   app.add_flag("--demo", options.is_demo,
-               "In their place, a built-in scene that an orange crosses")
+               "Instead of files, a built-in scene that an orange crosses")
       ->excludes(images)
       ->excludes(first);
   app.add_option("--count", options.target.count,
-                 "How many frames; of the demo " + std::to_string(kDemoFrames) +
-                     " by default")
+                 "Number of frames; with --demo " +
+                     std::to_string(kDemoFrames) + " by default")
       ->type_name("N")
       ->check(CLI::Range(1, 100000));
 }
@@ -178,7 +181,7 @@ Command AddSequenceCommand(CLI::App& program) {
   AddSourceOptions(*app, *options);
   CLI::Option* focus =
       app->add_option("--focus", options->focus,
-                      "What is sharp, in picture pixels; of the demo the\n"
+                      "The point in focus, in picture pixels; with --demo the\n"
                       "orange by default")
           ->type_name("X,Y");
   app->add_option("--focus-to", options->focus_to,
@@ -187,11 +190,11 @@ Command AddSequenceCommand(CLI::App& program) {
       ->needs(focus);
   AddRendererOption(*app, options->renderer);
   AddFileOption(*app, "-o,--output", options->target.path,
-                "One video when it ends with .y4m, else a pattern for\n"
-                "numbered PNG")
+                "A video if it ends with .y4m, else a pattern for numbered\n"
+                "PNG files")
       ->required();
   app->add_option("--fps", options->target.frames_per_second,
-                  "Frames a second of the video, 25 by default")
+                  "Frames per second of the video; 25 by default")
       ->type_name("N")
       ->check(CLI::Range(1, 1000));
   app->footer(

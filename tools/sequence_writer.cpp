@@ -1,4 +1,4 @@
-// Where a series of frames goes: numbered pictures or one video.
+// Writes a series of frames as numbered pictures or as one video.
 #include "sequence_writer.h"
 
 #include "coordinates.h"
@@ -12,7 +12,7 @@ SequenceWriter::SequenceWriter(const SequenceTarget& target) : target_(target) {
     return;
   }
   if (target.frames_per_second) {
-    throw InputError("--fps: is for a .y4m file");
+    throw InputError("--fps: works with a .y4m file only");
   }
   pictures_.emplace("--output", target.path);
   for (int i = 0; i < target.count; ++i) {
@@ -30,12 +30,12 @@ void SequenceWriter::Add(const Nv21Frame& frame) {
 }
 
 void SequenceWriter::AddToVideo(const Nv21Frame& frame) {
-  constexpr int kUsualRate = 25;
+  constexpr int kDefaultRate = 25;
   if (!video_) {
     const std::string size = ToText(SizeOf(frame)) + ", " +
                              std::to_string(target_.count) + " frames";
     video_.emplace(outputs_.Begin(target_.path, size), SizeOf(frame),
-                   target_.frames_per_second.value_or(kUsualRate));
+                   target_.frames_per_second.value_or(kDefaultRate));
   }
   video_->Add(frame);
 }

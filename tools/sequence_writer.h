@@ -1,4 +1,4 @@
-// Where a series of frames goes: numbered pictures or one video.
+// Writes a series of frames as numbered pictures or as one video.
 #ifndef ZUQEL_TOOLS_SEQUENCE_WRITER_H_
 #define ZUQEL_TOOLS_SEQUENCE_WRITER_H_
 
@@ -13,16 +13,16 @@
 namespace zuqel::tools {
 
 struct SequenceTarget {
-  std::string path;  // a video when it ends with .y4m, else a file series
+  std::string path;  // a video if it ends with .y4m, else a file series
   int first = 0;     // number of the first picture
   int count = 0;     // of frames
   std::optional<int> frames_per_second;  // of a video
 };
 
-// Keeps no frame. The files appear in Commit, or not at all.
+// Holds no frame in memory. The files appear in Commit, or not at all.
 class SequenceWriter {
  public:
-  // InputError when the files cannot be written.
+  // InputError if the files cannot be written.
   explicit SequenceWriter(const SequenceTarget& target);
 
   // The next frame; all have the same size.

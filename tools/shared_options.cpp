@@ -25,9 +25,9 @@ void AddRendererOption(CLI::App& app, Renderer& renderer) {
            renderer = name == "gpu" ? Renderer::kGpu : Renderer::kCpu;
          },
          "gpu or cpu (" + fallback +
-             " by default). The one on the CPU takes a\n"
-             "disparity, has one strength of blur and smooths its mask over\n"
-             "the frames; it blurs the background even when that is in focus")
+             " by default). The CPU renderer takes a\n"
+             "disparity, has a fixed strength of blur and smooths its mask\n"
+             "over the frames; it blurs the background even when in focus")
       ->type_name("NAME")
       ->check(CLI::IsMember({"gpu", "cpu"}));
 }
@@ -39,7 +39,7 @@ void ReportBlurredFocus(int blurred, int count) {
                                  : " in " + std::to_string(blurred) + " of " +
                                        std::to_string(count) + " frames";
   std::printf(
-      "the background is in focus%s: the CPU renderer blurs it all the same; "
+      "the background is in focus%s: the CPU renderer blurs it anyway; "
       "--renderer gpu keeps it sharp\n",
       frames.c_str());
 }

@@ -1,5 +1,5 @@
-// The two ways in which a command ends early; main() turns them into one line
-// on standard error and an exit code.
+// The two ways in which a command fails; main() turns them into one line on
+// standard error and an exit code.
 #ifndef ZUQEL_TOOLS_TOOL_ERROR_H_
 #define ZUQEL_TOOLS_TOOL_ERROR_H_
 
@@ -7,13 +7,13 @@
 
 namespace zuqel::tools {
 
-// The person gave something that cannot be used. Exit code 2.
+// The user's input cannot be used. Exit code 2.
 class InputError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
 
-// The input was good; the work failed. Exit code 1.
+// The input is good, but the work failed. Exit code 1.
 class WorkError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;

@@ -1,4 +1,4 @@
-// Uncompressed video that any player opens.
+// Writes YUV4MPEG2, uncompressed video that common players open.
 #include "y4m_file.h"
 
 #include <cerrno>
@@ -28,7 +28,7 @@ Bytes EverySecond(const Bytes& bytes, size_t first) {
 Y4mFile::Y4mFile(const std::filesystem::path& path, Size size,
                  int frames_per_second)
     : path_(path), file_(path, std::ios::binary) {
-  // Chroma lies in the middle of its four pixels, and values have full range.
+  // Chroma is sited at the centre of its four pixels; values are full range.
   file_ << "YUV4MPEG2 W" << size.width << " H" << size.height << " F"
         << frames_per_second << ":1 Ip A1:1 C420jpeg XCOLORRANGE=FULL\n";
   Check();

@@ -1,4 +1,4 @@
-// Uncompressed video that any player opens.
+// Writes YUV4MPEG2, uncompressed video that common players open.
 #ifndef ZUQEL_TOOLS_Y4M_FILE_H_
 #define ZUQEL_TOOLS_Y4M_FILE_H_
 
@@ -9,8 +9,8 @@
 
 namespace zuqel::tools {
 
-// YUV4MPEG2: a line on the video, then each frame's planes Y, U, V. The members
-// throw WorkError when not all of it could be written.
+// A header line, then the planes Y, U and V of each frame. Members throw
+// WorkError unless all of it could be written.
 class Y4mFile {
  public:
   Y4mFile(const std::filesystem::path& path, Size size, int frames_per_second);

@@ -1,4 +1,4 @@
-// zuqel: the library's functions for people at a command line.
+// zuqel: the library on the command line.
 #include <zuQelRT_GL.h>
 
 #include <array>
@@ -30,7 +30,7 @@ int Fail(int exit_code, const char* message) {
   return exit_code;
 }
 
-// A word that is not known comes before options that are missing.
+// An unknown word is reported before missing options.
 std::string Explain(const CLI::App& program, const CLI::ParseError& error) {
   const std::vector<std::string> unknown = program.remaining(true);
   if (unknown.empty()) return error.what();
@@ -45,7 +45,7 @@ int Run(int argc, char** argv) {
   program.add_flag("--verbose", verbose, "Show the library's log and output");
   program.require_subcommand(1);
   program.fallthrough();
-  program.footer("`zuqel COMMAND --help` tells more, with an example.");
+  program.footer("`zuqel COMMAND --help` has the details and an example.");
   const std::array commands = {
       zuqel::tools::AddRenderCommand(program),
       zuqel::tools::AddRefocusMapCommand(program),
@@ -61,7 +61,7 @@ int Run(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     return Fail(kExitBadInput, Explain(program, error).c_str());
   }
-  zuqel::tools::TakeLibraryLog(verbose);
+  zuqel::tools::CaptureLibraryLog(verbose);
   for (const Command& command : commands) {
     if (command.options->parsed()) command.run();
   }

@@ -1,6 +1,5 @@
-// Box blurs by running sums. Rows that have been blurred across wait in a ring
-// until those below need them no more, so that a plane is read and written
-// once.
+// Box blurs by running sums. Horizontally blurred rows stay in a ring buffer
+// until the rows below no longer need them: a plane is read and written once.
 #include "cpu_bokeh/box_blur.h"
 
 #include <algorithm>
@@ -29,9 +28,9 @@ void ThirdOfRows(const In* a, const In* b, const In* c, size_t count,
   }
 }
 
-// Divides sums of `size` bytes by `size`, exactly: with a multiplier of
-// 2^shift / size, rounded up, the error stays below one part of a quotient
-// while sum * size < 2^shift.
+// Exact division of sums of `size` bytes by `size`, by its reciprocal: with a
+// multiplier of 2^shift / size, rounded up, the quotient is right as long as
+// sum * size < 2^shift.
 class BoxDivision {
  public:
   explicit BoxDivision(uint32_t size)
@@ -60,8 +59,8 @@ class BoxDivision {
   bool fits_32_bits_;
 };
 
-// Mean over each pixel's neighbours in a row. `padded` is room for the row with
-// the pixels outside that its ends stand for.
+// Mean over each pixel's neighbours in a row. `padded` has room for the row and
+// its end pixels, repeated outside.
 void BlurRow(const uint8_t* in, int32_t width, int32_t radius,
              const BoxDivision& division, uint8_t* padded, uint16_t* out) {
   uint8_t* end = std::fill_n(padded, radius, in[0]);
@@ -84,8 +83,8 @@ void BlurRowBy1(const uint8_t* in, int32_t width, uint16_t* out) {
   out[last] = Third(in[std::max(last - 1, 0)], in[last], in[last]);
 }
 
-// Rows blurred across, by number; each is there from its making until as many
-// have followed as the ring holds.
+// Horizontally blurred rows by number, made when asked for; each stays until as
+// many have followed as the ring holds.
 class BlurredRows {
  public:
   BlurredRows(Plane<const uint8_t> in, int32_t radius, uint8_t* padded_row,
@@ -96,8 +95,8 @@ class BlurredRows {
         padded_row_(padded_row),
         ring_{ring, in.width, ring_rows} {}
 
-  // A number outside means the row at that edge. They are asked for in rising
-  // order.
+  // A number outside means the row at that edge. New rows are asked for in
+  // rising order.
   const uint16_t* operator()(int32_t y) {
     y = std::clamp(y, 0, in_.height - 1);
     for (; made_ <= y; ++made_) {
@@ -141,7 +140,7 @@ void BlurColumns(BlurredRows& rows, int32_t radius, uint32_t* sums,
   for (int32_t y = 1; y <= radius; ++y) {
     const int32_t left = y < out.height ? 1 : radius - y + 1;
     add(rows(y), static_cast<uint32_t>(left));
-    if (left != 1) break;  // the rest is the last row
+    if (left != 1) break;  // the last row stands for all below
   }
   for (int32_t y = 0; y < out.height; ++y) {
     rows.division().Divide(sums, width, out.row(y));
@@ -153,8 +152,8 @@ void BlurColumns(BlurredRows& rows, int32_t radius, uint32_t* sums,
   }
 }
 
-// What the scratch memory of a blur is divided into: sums of columns, the ring
-// of blurred rows, a padded row.
+// Layout of the scratch memory: column sums, the ring of blurred rows, a padded
+// row.
 struct ScratchLayout {
   int32_t ring_rows;
   std::optional<size_t> sum_bytes, ring_bytes;

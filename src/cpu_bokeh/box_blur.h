@@ -21,17 +21,16 @@ inline constexpr int32_t kLargestBoxRadius = UINT16_MAX;
                                           Buffer& scratch);
 
 // Each pixel becomes the truncated mean of the 2 * radius + 1 pixels around it
-// in its row, and then the same in its column; edge pixels stand for those
+// in its row, and then of those in its column; edge pixels are repeated
 // outside. A radius of 0 or less copies; one above 65535 counts as 65535. `in`
 // and `out` have one size and may be the same. `scratch` is grown as needed;
 // false, with `out` untouched, when there is no memory.
 [[nodiscard]] bool BoxBlur(Plane<const uint8_t> in, int32_t radius,
                            Buffer& scratch, Plane<uint8_t> out);
 
-// Radii of the three boxes whose succession comes close to a Gaussian of
-// standard deviation strength / 3: their sizes are the two odd numbers around
-// the ideal size sqrt(12 sigma^2 / 3 + 1), mixed to come closest to its
-// variance.
+// Radii of three boxes that together approximate a Gaussian of standard
+// deviation strength / 3. Their sizes are the two odd numbers around the ideal
+// size sqrt(12 sigma^2 / 3 + 1), mixed so as to match its variance best.
 std::array<int32_t, 3> GaussianBoxRadii(int32_t strength);
 
 // BoxBlur by each of those radii in turn.

@@ -1,4 +1,4 @@
-// Takes interleaved chroma apart and puts it together.
+// Deinterleaves and interleaves chroma.
 #include "cpu_bokeh/chroma_regions.h"
 
 #include <algorithm>
@@ -8,7 +8,7 @@
 namespace zuqel {
 namespace {
 
-// Pairs that lie whole inside, side by side.
+// Adjacent pairs that lie inside.
 void SplitPairs(const uint8_t* vu, size_t count, uint8_t* u, uint8_t* v) {
   for (size_t i = 0; i < count; ++i) {
     v[i] = vu[2 * i];
@@ -23,14 +23,15 @@ void JoinPairs(const uint8_t* u, const uint8_t* v, size_t count, uint8_t* vu) {
   }
 }
 
-// What is behind the packed rows; zeros where there are none, as the region
-// holds what another frame left.
+// Fills the region after the packed rows. Without any it is zeroed, since it
+// still holds another frame.
 void RepeatLastRow(size_t row, size_t rows, Plane<uint8_t> region) {
   if (row == 0 || rows == 0) {
     std::fill_n(region.data, region.size(), uint8_t{0});
     return;
   }
-  // From the last row on, everything is the byte one row before it.
+  // Doubles what is there already: from the last row on, each byte equals the
+  // one a row before it.
   for (size_t i = row * rows; i < region.size();) {
     const size_t count = std::min(i - row * (rows - 1), region.size() - i);
     std::memcpy(region.data + i, region.data + row * (rows - 1), count);
@@ -55,7 +56,7 @@ void SplitChroma(std::span<const uint8_t> vu, const ChromaRegions& regions) {
   RepeatLastRow(half, rows, regions.u);
   RepeatLastRow(half, rows, regions.v);
   if (width % 2 == 0 || rows == 0) return;
-  // The U of the last pair of all would be outside.
+  // The U of the very last pair would lie outside.
   regions.v.data[half * rows] = vu.back();
   regions.u.data[half * rows] = 0;
 }

@@ -10,24 +10,24 @@
 namespace zuqel {
 
 // U and V, each in a region of the frame's size: rows of half the frame's width
-// are packed at its start, and everything behind repeats the last of them. All
-// steps take a region for a plane of the frame's size, so that a row of it
+// are packed at its start, and the last of them is repeated to its end. All
+// steps treat a region as a plane of the frame's size, so that one of its rows
 // holds two rows of chroma.
 struct ChromaRegions {
   Plane<uint8_t> u;
   Plane<uint8_t> v;
 };
 
-// Takes the pairs of V and U of width x (height / 2) bytes apart. Positions are
-// linear indices: of an odd width, the last pair of a row belongs to the first
-// one of the next row, too, and is packed in that one's place. The last row's
-// stands right behind the packed rows, its U is 0.
+// Deinterleaves the pairs of V and U, width x (height / 2) bytes. Positions are
+// linear indices: if the width is odd, the last pair of a row ends with the
+// first byte of the next row, whose first pair is packed in its place. The one
+// of the last row comes right after the packed rows, with a U of 0.
 void SplitChroma(std::span<const uint8_t> vu, const ChromaRegions& regions);
 
-// Rows of a region that JoinChroma reads.
+// The number of rows of a region that JoinChroma reads.
 int32_t RowsInUse(int32_t width, int32_t height);
 
-// Puts the pairs together again; what would lie outside is left out.
+// Interleaves the pairs again; bytes that would lie outside are dropped.
 void JoinChroma(const ChromaRegions& regions, std::span<uint8_t> vu);
 
 }  // namespace zuqel

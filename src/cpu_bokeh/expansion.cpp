@@ -84,10 +84,10 @@ class Expansion {
     if (!ReduceFrame()) return false;
     ZUQEL_LOG("pindle Depth w = %d, h = %d", frame_.disparity.width,
               frame_.disparity.height);
-    if (!MakeMask(TakeDisparity()) || !BlurAndBlend(frame_.luma, true)) {
+    if (!MakeMask(ReadDisparity()) || !BlurAndBlend(frame_.luma, true)) {
       return false;
     }
-    // Nobody reads what is behind the chroma samples.
+    // Nothing reads past the last chroma sample.
     for (const Plane<uint8_t> region : {Chroma().u, Chroma().v}) {
       if (!BlurAndBlend(UpToLastSample(region), false)) return false;
     }
@@ -110,18 +110,18 @@ class Expansion {
            ReserveResize<uint8_t>(map, frame, blur.resize);
   }
   [[nodiscard]] ChromaRegions Chroma() const {
-    return {Over(buffers_.u_region, frame_.luma),
-            Over(buffers_.v_region, frame_.luma)};
+    return {AsPlane(buffers_.u_region, frame_.luma),
+            AsPlane(buffers_.v_region, frame_.luma)};
   }
-  // A buffer as a plane of another one's size.
-  static Plane<uint8_t> Over(const Buffer& buffer, const auto& size) {
+  // A buffer as a plane of that size.
+  static Plane<uint8_t> AsPlane(const Buffer& buffer, const auto& size) {
     return {buffer.bytes(), size.width, size.height};
   }
 
-  // The frame at the size of the map, three planes one behind the other.
+  // The frame at the size of the map, its three planes one after the other.
   bool ReduceFrame() {
     const auto [u, v] = Chroma();
-    Plane<uint8_t> reduced = Over(buffers_.reduced_frame, frame_.disparity);
+    Plane<uint8_t> reduced = AsPlane(buffers_.reduced_frame, frame_.disparity);
     for (const Plane<uint8_t> plane : {frame_.luma, u, v}) {
       if (!ResizePlane(Plane<const uint8_t>(plane), buffers_.blur.resize,
                        reduced)) {
@@ -132,8 +132,8 @@ class Expansion {
     return true;
   }
 
-  // Cleans the map and finds what is in focus.
-  FocusRange TakeDisparity() {
+  // Cleans the map; gives its range and the disparity in focus.
+  FocusRange ReadDisparity() {
     const Plane<uint16_t> disparity = frame_.disparity;
     for (size_t i = 0; i < disparity.size(); ++i) {
       disparity.data[i] &= kDisparityBits;
@@ -151,12 +151,12 @@ class Expansion {
     return {uwMaxDisp, uwMinDisp, FocusDisp};
   }
 
-  // The focus component alone, without holes, feathered, smoothed over calls
-  // and enlarged. The region that was grown is 255, so what comes out of the
-  // inversion is 0 where it is in focus.
+  // The focus component without its holes, feathered, smoothed over calls and
+  // enlarged. The grown region is 255, so the inversion makes it 0 where it is
+  // in focus.
   bool MakeMask(const FocusRange& range) {
-    const Plane<uint8_t> mask = Over(buffers_.focus_mask, frame_.disparity);
-    const Plane<uint8_t> work = Over(buffers_.work_mask, frame_.disparity);
+    const Plane<uint8_t> mask = AsPlane(buffers_.focus_mask, frame_.disparity);
+    const Plane<uint8_t> work = AsPlane(buffers_.work_mask, frame_.disparity);
     const uint8_t* reduced = buffers_.reduced_frame.bytes();
     const size_t size = mask.size();
     uint32_t FocusComponentArea = 0;
@@ -177,12 +177,12 @@ class Expansion {
     }
     SmoothOverFrames(frame_counter_, buffers_.mask_history, smoothed);
     return ResizePlane(Plane<const uint8_t>(smoothed), buffers_.blur.resize,
-                       Over(buffers_.preview_mask, frame_.luma));
+                       AsPlane(buffers_.preview_mask, frame_.luma));
   }
 
   bool BlurAndBlend(Plane<uint8_t> plane, bool is_logged) {
-    const Plane<uint8_t> strong = Over(buffers_.strong_blur, plane);
-    const Plane<uint8_t> mild = Over(buffers_.mild_blur, plane);
+    const Plane<uint8_t> strong = AsPlane(buffers_.strong_blur, plane);
+    const Plane<uint8_t> mild = AsPlane(buffers_.mild_blur, plane);
     const auto blur = [&](int32_t expansionBlurScale, Plane<uint8_t> out) {
       const bool blurred = TwoLevelBlur(plane, expansionBlurScale, kStrength,
                                         buffers_.blur, out);
@@ -194,13 +194,13 @@ class Expansion {
       return blurred;
     };
     if (!blur(kStrongScale, strong) || !blur(kMildScale, mild)) return false;
-    BlendByMask(strong, mild, Over(buffers_.preview_mask, plane), plane);
+    BlendByMask(strong, mild, AsPlane(buffers_.preview_mask, plane), plane);
     return true;
   }
 
-  // The rows of a region that have an effect on the result, and as many more as
-  // the blurs reach beyond them. Only where the strong blur halves both sides
-  // is it the same for a part of a region as for the whole.
+  // The rows of a region that affect the result, and as many more as the blurs
+  // reach. Part of a region gives the same result as the whole only where the
+  // strong blur halves both sides exactly.
   static Plane<uint8_t> UpToLastSample(Plane<uint8_t> region) {
     constexpr int32_t kReach = 8;
     if (region.width % 2 != 0 || region.height % 2 != 0) return region;

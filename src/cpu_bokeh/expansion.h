@@ -1,4 +1,4 @@
-// Bokeh without a GPU: one frame, in place.
+// Renders the bokeh of one frame without a GPU, in place.
 #ifndef ZUQEL_CPU_BOKEH_EXPANSION_H_
 #define ZUQEL_CPU_BOKEH_EXPANSION_H_
 
@@ -13,10 +13,10 @@
 
 namespace zuqel {
 
-// Memory that calls use again, and the masks that they leave for the next.
+// Memory that calls reuse, and the masks that they leave for later ones.
 struct ExpansionBuffers {
   // Smoothed masks of the last three calls, each in the slot of its number
-  // modulo 3. One that is too small begins anew with zeros.
+  // modulo 3. A slot that is too small is replaced by zeros.
   std::array<Buffer, 3> mask_history;
 
   Buffer u_region;
@@ -40,8 +40,8 @@ struct ExpansionFrame {
   int32_t focus_y = 0;
 };
 
-// Blurs what is not in focus: a mask from the disparity and the frame, smoothed
-// over the last three calls, mixes the frame with two blurs of itself. The
+// Blurs what is out of focus: a mask made from disparity and frame, smoothed
+// over the last three calls, blends the frame with two blurs of itself. The
 // steps log as they go. `expansionFrameCounter` counts the calls that were
 // completed; it outlives the buffers. False, with picture and disparity
 // untouched, when there is no memory.

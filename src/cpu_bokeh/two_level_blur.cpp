@@ -1,4 +1,4 @@
-// Blurs at full and at half size, and mixes by a mask.
+// Blurs at full and at reduced size, and blends by a mask.
 #include "cpu_bokeh/two_level_blur.h"
 
 #include <cstddef>
@@ -8,8 +8,8 @@
 namespace zuqel {
 namespace {
 
-// floor(value / 255) for what two bytes can be multiplied to: 257 / 65536 is
-// 1 / 255 but for a part in 65536, which the 1 makes up for.
+// floor(value / 255) for products of two bytes: 257 / 65536 is 1 / 255 less one
+// part in 65536, for which the added 1 makes up.
 inline uint8_t DivideBy255(uint16_t value) {
   const auto next = static_cast<uint16_t>(value + 1U);
   return static_cast<uint8_t>(next * 257U >> 16);
@@ -49,7 +49,7 @@ void BlendByMask(Plane<const uint8_t> strong, Plane<const uint8_t> mild,
   for (size_t i = 0; i < count; ++i) {
     const uint8_t weight = mask.data[i];
     const uint8_t sharp_pixel = sharp.data[i], mild_pixel = mild.data[i];
-    // At 255 the other one counts for nothing, so either will do.
+    // At 255 the other pixel has no weight, so either will do.
     const uint8_t other = weight == 0 ? sharp_pixel : mild_pixel;
     const int more = weight * (strong.data[i] - other);
     sharp.data[i] = DivideBy255(static_cast<uint16_t>(255 * other + more));

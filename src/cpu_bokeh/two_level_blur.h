@@ -1,4 +1,4 @@
-// The two blurs of the CPU render path, and their mix.
+// The two blurs of the CPU render path, and their blend.
 #ifndef ZUQEL_CPU_BOKEH_TWO_LEVEL_BLUR_H_
 #define ZUQEL_CPU_BOKEH_TWO_LEVEL_BLUR_H_
 
@@ -30,9 +30,9 @@ struct BlurScratch {
                                 int32_t strength, BlurScratch& scratch,
                                 Plane<uint8_t> out);
 
-// Mixes `strong` into `sharp`, in place, by a mask: 0 keeps the sharp pixel and
-// 255 takes the strong blur. In between the strong blur is mixed with the mild
-// one, so that no edge of the sharp picture shines through. Truncated. All
+// Blends `strong` into `sharp`, in place, by a mask: 0 keeps the sharp pixel
+// and 255 takes the strong blur. Values in between blend the strong with the
+// mild blur, so that no edge of the sharp picture shows through. Truncated. All
 // planes have one size.
 void BlendByMask(Plane<const uint8_t> strong, Plane<const uint8_t> mild,
                  Plane<const uint8_t> mask, Plane<uint8_t> sharp);

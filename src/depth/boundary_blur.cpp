@@ -1,5 +1,5 @@
-// Two sweeps over the marked pixels, a span of a row at a time, on sums of the
-// seven pixels of each column that are kept up to date.
+// Two sweeps over the marked pixels, a span of a row at a time, with running
+// sums of the seven pixels of each column.
 #include "depth/boundary_blur.h"
 
 #include <algorithm>
@@ -32,34 +32,34 @@ constexpr std::array<uint32_t, kSide* kSide + 1> kReciprocals = [] {
   return reciprocals;
 }();
 
-struct Tally {
+struct WindowSum {
   uint32_t sum = 0;
   uint32_t count = 0;
 };
 
-uint64_t EightMarks(const uint8_t* marks) {
+uint64_t LoadEightMarks(const uint8_t* marks) {
   uint64_t eight = 0;
   std::memcpy(&eight, marks, sizeof(eight));
   return eight;
 }
 
-// Whether no pixel from `begin` up to `end` in the rows that windows around row
-// `y` reach counts.
+// True if no pixel from `begin` up to `end` counts, in all rows that windows
+// around row `y` reach.
 bool AllAreExcluded(Plane<const uint8_t> marks, int32_t begin, int32_t end,
                     int32_t y) {
   const int32_t bottom = std::min(y + kReach, marks.height - 1);
   for (int32_t row = std::max(y - kReach, 0); row <= bottom; ++row) {
     uint64_t all = UINT64_MAX;
     int32_t x = begin;
-    for (; x + 8 <= end; x += 8) all &= EightMarks(marks.row(row) + x);
+    for (; x + 8 <= end; x += 8) all &= LoadEightMarks(marks.row(row) + x);
     for (; x < end; ++x) all &= marks.row(row)[x] * 0x0101010101010101U;
     if (all != UINT64_MAX) return false;
   }
   return true;
 }
 
-// Sums and counts of the pixels that count, by column; from `kMargin` columns
-// before the span on. Those outside the image are 0.
+// Sums and numbers of the pixels that count, by column, starting `kMargin`
+// columns before the span. Columns outside the image are 0.
 struct Columns {
   std::array<uint16_t, kColumns> sums = {};
   std::array<uint8_t, kColumns> counts = {};
@@ -87,7 +87,7 @@ struct Columns {
     }
   }
 
-  // One length for all rows: the compiler makes it vectors without a rest.
+  // A constant length vectorises without a remainder.
   void AddRow(const uint8_t* values, const uint8_t* row_marks) {
     for (size_t i = 0; i < kColumns; ++i) {
       const uint8_t kept = row_marks[i] == kExcluded ? 0 : kExcluded;
@@ -96,26 +96,26 @@ struct Columns {
     }
   }
 
-  void Change(size_t column, uint32_t change, bool is_new) {
+  void Update(size_t column, uint32_t change, bool is_new) {
     sums[column] = static_cast<uint16_t>(sums[column] + change);
     counts[column] = static_cast<uint8_t>(counts[column] + (is_new ? 1 : 0));
   }
 
   // The window around a column.
-  [[nodiscard]] Tally Window(size_t column) const {
-    Tally tally;
-    for (size_t i = column - kReach; i <= column + kReach; ++i) Add(i, tally);
-    return tally;
+  [[nodiscard]] WindowSum Window(size_t column) const {
+    WindowSum window;
+    for (size_t i = column - kReach; i <= column + kReach; ++i) Add(i, window);
+    return window;
   }
 
-  void Add(size_t column, Tally& tally) const {
-    tally.sum += sums[column];
-    tally.count += counts[column];
+  void Add(size_t column, WindowSum& window) const {
+    window.sum += sums[column];
+    window.count += counts[column];
   }
 
-  void Remove(size_t column, Tally& tally) const {
-    tally.sum -= sums[column];
-    tally.count -= counts[column];
+  void Remove(size_t column, WindowSum& window) const {
+    window.sum -= sums[column];
+    window.count -= counts[column];
   }
 };
 
@@ -124,7 +124,7 @@ struct Columns {
 template <bool kForward>
 void SmoothSpan(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t begin,
                 int32_t end, int32_t y) {
-  // A column more than windows reach, on both sides: whole words.
+  // One column more than windows reach, on both sides: whole words.
   if (AllAreExcluded(marks, std::max(begin - kMargin, 0),
                      std::min(begin - kMargin + kColumns, map.width), y)) {
     return;
@@ -134,7 +134,7 @@ void SmoothSpan(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t begin,
   uint8_t* row_marks = marks.row(y) + begin;
   const auto length = static_cast<size_t>(end - begin);
   size_t x = kForward ? 0 : length - 1;
-  Tally window = columns.Window(x + kMargin);
+  WindowSum window = columns.Window(x + kMargin);
   for (size_t i = 0; i < length; ++i) {
     const size_t column = x + kMargin;
     if (row_marks[x] != 0 && window.count != 0) {
@@ -144,7 +144,7 @@ void SmoothSpan(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t begin,
       const uint32_t change = mean - (is_new ? 0U : values[x]);  // may wrap
       window.sum += change;
       window.count += is_new ? 1 : 0;
-      columns.Change(column, change, is_new);
+      columns.Update(column, change, is_new);
       values[x] = static_cast<uint8_t>(mean);
       row_marks[x] = 0;
     }
@@ -156,12 +156,12 @@ void SmoothSpan(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t begin,
 
 }  // namespace
 
-// Most pixels are not marked: eight at a time are passed over.
+// Most pixels are not marked: eight at a time are skipped.
 void BoundaryBlur(Plane<uint8_t> map, Plane<uint8_t> marks) {
   for (int32_t y = 0; y < map.height; ++y) {
     const uint8_t* row = marks.row(y);
     for (int32_t x = 0; x < map.width;) {
-      if (x + 8 <= map.width && EightMarks(row + x) == 0) {
+      if (x + 8 <= map.width && LoadEightMarks(row + x) == 0) {
         x += 8;
         continue;
       }
@@ -173,7 +173,7 @@ void BoundaryBlur(Plane<uint8_t> map, Plane<uint8_t> marks) {
   for (int32_t y = map.height - 1; y >= 0; --y) {
     const uint8_t* row = marks.row(y);
     for (int32_t end = map.width; end > 0;) {
-      if (end >= 8 && EightMarks(row + end - 8) == 0) {
+      if (end >= 8 && LoadEightMarks(row + end - 8) == 0) {
         end -= 8;
         continue;
       }

@@ -8,11 +8,12 @@
 
 namespace zuqel {
 
-// In place and in raster order, each pixel whose mark is not 0 becomes the
-// truncated mean of the pixels within 3 in both directions, inside the image,
-// whose mark is below 255; then its mark is 0, and it counts for later ones.
-// One with no such neighbour keeps value and mark. A second sweep in reverse
-// order takes up the marks that remain. `map` and `marks` have one size.
+// Smooths the pixels of `map` whose mark is not 0, in place and in raster
+// order. Such a pixel becomes the truncated mean of those pixels of its 7 x 7
+// neighbourhood inside the image whose mark is below 255; its mark becomes 0,
+// so that it counts for later pixels. A pixel without such a neighbour keeps
+// its value and mark. A second sweep in reverse order does the same for the
+// marks that remain. `map` and `marks` have one size.
 void BoundaryBlur(Plane<uint8_t> map, Plane<uint8_t> marks);
 
 }  // namespace zuqel

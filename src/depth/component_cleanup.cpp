@@ -1,4 +1,4 @@
-// Cleans masks: what to keep is decided by label, and one pass applies it.
+// Cleans masks: a table by label says what to keep, and one pass applies it.
 #include "depth/component_cleanup.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ namespace {
 constexpr size_t kLabelLimit = 65535;
 constexpr uint8_t kSet = 255;
 
-// What becomes of a pixel by its label: all bits stay, or none.
+// By label: 255 keeps a pixel's bits, 0 clears them.
 using KeepTable = std::array<uint8_t, kLabelLimit>;
 
 struct Labelled {
@@ -42,7 +42,7 @@ void SetRing(Plane<uint8_t> mask, int32_t inset, uint8_t value) {
   }
 }
 
-// Border columns, then border rows, become what lies `steps` inward of them.
+// Border columns, then border rows, become copies of those `steps` inward.
 void RefillBorder(Plane<uint8_t> mask, int32_t steps) {
   if (steps < mask.width) {
     for (int32_t y = 0; y < mask.height; ++y) {
@@ -66,7 +66,7 @@ void Apply(const KeepTable& keep, Plane<const uint32_t> labels,
   }
 }
 
-// Clears what has neither label.
+// Clears pixels with neither label.
 void KeepTwo(uint32_t label, uint32_t other, Plane<const uint32_t> labels,
              Plane<uint8_t> mask) {
   for (size_t i = 0; i < mask.size(); ++i) {
@@ -75,7 +75,7 @@ void KeepTwo(uint32_t label, uint32_t other, Plane<const uint32_t> labels,
   }
 }
 
-// Copies `in` and puts rings of set and clear pixels as asked, then labels.
+// Copies `in`, clears the outer ring, sets the second one if asked, and labels.
 std::optional<Labelled> CopyAndLabel(Plane<const uint8_t> in, bool has_set_ring,
                                      CleanupScratch& scratch,
                                      Plane<uint8_t> out) {

@@ -1,5 +1,5 @@
-// Removal of components from a mask. Components are those of LabelComponents
-// with 65535 labels; pixels of 255 are set.
+// Removes components from masks. They are labelled by LabelComponents with
+// 65535 labels; pixels of 255 are set.
 #ifndef ZUQEL_DEPTH_COMPONENT_CLEANUP_H_
 #define ZUQEL_DEPTH_COMPONENT_CLEANUP_H_
 
@@ -11,14 +11,14 @@
 
 namespace zuqel {
 
-// A point of a mask, as its caller gives it: the linear index x + y * width
-// counts, and a point outside has no component.
+// A point of a mask as its caller gives it. It means the linear index
+// x + y * width; a point outside the mask is in no component.
 struct MaskPoint {
   int64_t x = 0;
   int64_t y = 0;
 };
 
-// What the clean-ups share and use again.
+// Memory that the clean-ups share and reuse.
 struct CleanupScratch {
   Buffer labels;
   Buffer areas;
@@ -33,8 +33,8 @@ struct CleanupScratch {
 // return false, with `out` untouched, when there is no memory.
 
 // Keeps the component at the focus point, and without `keep_only_focus` those
-// of more than 80 % of the largest area. The outer ring is taken from the one
-// inside it. `focus_area`, unless null, receives the area of the focus
+// of more than 80 % of the largest area. The outer ring becomes a copy of the
+// one inside it. `focus_area`, unless null, receives the area of the focus
 // component.
 [[nodiscard]] bool PruneComponents(Plane<const uint8_t> in, MaskPoint focus,
                                    bool keep_only_focus,
@@ -42,15 +42,15 @@ struct CleanupScratch {
                                    uint32_t* focus_area);
 
 // Keeps the component at the focus point and those that touch a ring one pixel
-// inside the border, ring included. Border pixels are taken from two steps
-// inward.
+// inside the border, ring included. Border pixels become copies of those two
+// steps inward.
 [[nodiscard]] bool KeepFocusAndBorderComponents(Plane<const uint8_t> in,
                                                 MaskPoint focus,
                                                 CleanupScratch& scratch,
                                                 Plane<uint8_t> out);
 
-// Removes components of at most `focus_area` / 200 pixels. Border pixels are
-// taken from two steps inward.
+// Removes components of at most `focus_area` / 200 pixels. Border pixels become
+// copies of those two steps inward.
 [[nodiscard]] bool RemoveSpecks(Plane<const uint8_t> in, uint32_t focus_area,
                                 CleanupScratch& scratch, Plane<uint8_t> out);
 

@@ -16,7 +16,7 @@ uint16_t ClampToRange(uint16_t value, const FocusRange& range) {
   return std::max(std::min(range.max, value), range.min);
 }
 
-// `percent` of a range, cut toward zero.
+// `percent` of a range, truncated toward zero.
 int32_t Percent(int32_t range, int32_t percent) {
   return range * percent / 100;
 }

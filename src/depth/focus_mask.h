@@ -20,7 +20,7 @@ struct FocusRange {
 };
 
 // All masks have their map's size and are written in full. The ramps between
-// their 0 and 255 run against their neighbours; that belongs to the design.
+// 0 and 255 run against their neighbours, by design.
 
 // From disparity, larger nearer. The background wins when its range is at most
 // half of the foreground's. Decisions go to the log and to standard output.
@@ -34,8 +34,8 @@ void FocusMaskDist(Plane<const uint16_t> distance, const FocusRange& range,
 
 // From disparity and a picture of its size: like FocusMaskDisparity on the
 // background, region growing (GrowFocusRegion) on the foreground, whose mask
-// has 255 in focus. `scratch` is that of the growing; false, with the mask
-// untouched, when there is no memory for it.
+// has 255 in focus. `scratch` is reserved by ReserveRegionGrowing; false, with
+// the mask untouched, when there is no memory for it.
 [[nodiscard]] bool FocusMaskExpansion(Plane<const uint16_t> disparity,
                                       const ThreePlanes& image,
                                       const FocusRange& range, Buffer& scratch,

@@ -1,5 +1,5 @@
-// Filling of holes from their neighbours, in two scans. `IsHole` is a type that
-// tells the holes of one kind of map.
+// Fills holes from their neighbours in two scans. `IsHole` is a predicate for
+// one kind of map.
 #include "depth/hole_filling.h"
 
 #include <algorithm>
@@ -17,8 +17,8 @@ struct IsNoDistance {
   bool operator()(uint16_t value) const { return value == 0; }
 };
 
-// Most pixels are valid: holes are looked for in runs of this many. A constant
-// count makes the test of a run a few vector instructions without a branch.
+// Most pixels are valid: runs of this many are tested for holes at once. With a
+// constant count the test is a few vector instructions without a branch.
 constexpr int32_t kRun = 32;
 
 template <typename IsHole>

@@ -1,8 +1,8 @@
-// Square filters. Along a row, windows grow fourfold: the result over 4 n
-// pixels is that over n combined with three of its neighbours'. Down the
-// columns, rows are taken in blocks as long as the window, which then is the
-// end of one block and the beginning of the next: three combinations for a
-// window of any length.
+// Square filters. Along a row, windows grow threefold: the result over 3 n
+// pixels combines three neighbouring results over n. Down the columns, the van
+// Herk/Gil-Werman algorithm: rows come in blocks as long as the window, which
+// is then the end of one block and the beginning of the next, so that a window
+// of any length takes three operations per pixel.
 #include "depth/morphology.h"
 
 #include <algorithm>
@@ -18,11 +18,11 @@ struct Union {
   static constexpr uint8_t kNeutral = 0;
   static uint8_t Of(uint8_t a, uint8_t b) { return a | b; }
 };
-struct Smallest {
+struct Minimum {
   static constexpr uint8_t kNeutral = 255;
   static uint8_t Of(uint8_t a, uint8_t b) { return std::min(a, b); }
 };
-struct Largest {
+struct Maximum {
   static constexpr uint8_t kNeutral = 0;
   static uint8_t Of(uint8_t a, uint8_t b) { return std::max(a, b); }
 };
@@ -33,21 +33,21 @@ class SquareFilter {
   SquareFilter(ImageSize size, uint8_t radius)
       : width_(static_cast<size_t>(size.width)),
         height_(static_cast<size_t>(size.height)),
-        // Nothing lies further away.
+        // A window reaches no further than the image.
         reach_x_(std::min<size_t>(radius, width_)),
         reach_y_(std::min<size_t>(radius, height_)),
         row_(RoundUp(width_ + reach_x_)),
         padding_(RoundUp(4 * reach_x_)),
         block_(2 * reach_y_ + 1) {}
 
-  // Two blocks, one row, and three times some rows and what follows them.
+  // Two blocks, a row, and three times the rows filtered together, padded.
   [[nodiscard]] size_t ScratchBytes() const {
     return (2 * block_ + 1) * row_ + 3 * (kRowsAtOnce * row_ + padding_) +
            kVector;
   }
 
   void Run(Plane<const uint8_t> in, uint8_t* scratch, Plane<uint8_t> out) {
-    // Vectors that lie across two lines of the cache cost twice as much.
+    // Vectors that straddle two cache lines cost twice as much.
     const auto past = reinterpret_cast<uintptr_t>(scratch) % kVector;
     uint8_t* ends = scratch + (kVector - past);
     uint8_t* next = ends + block_ * row_;
@@ -74,7 +74,7 @@ class SquareFilter {
   static constexpr size_t kRowsAtOnce = 8;
   static constexpr size_t kVector = 32;
 
-  // Loops over whole vectors need no rest.
+  // Loops over whole vectors leave no remainder.
   static size_t RoundUp(size_t count) {
     return (count + kVector - 1) / kVector * kVector;
   }
@@ -97,8 +97,8 @@ class SquareFilter {
     }
   }
 
-  // Filters rows in `work_`, as if they were one: there are as many neutral
-  // pixels before each, and behind the last, as a window reaches.
+  // Filters the rows in `work_` as if they were one: as many neutral pixels as
+  // a window reaches lie before each row and after the last.
   void FilterRows(size_t count, uint8_t* out) const {
     const size_t window = 2 * reach_x_ + 1;
     const uint8_t* from = work_;
@@ -111,15 +111,15 @@ class SquareFilter {
       from = to;
       std::swap(to, spare);
     }
-    const size_t rest = window - reach;
-    if (rest <= reach) {
-      CombineTwo(from, from + rest, count, out);
+    const size_t last = window - reach;
+    if (last <= reach) {
+      CombineTwo(from, from + last, count, out);
     } else {
-      CombineThree(from, from + reach, from + rest, count, out);
+      CombineThree(from, from + reach, from + last, count, out);
     }
   }
 
-  // Each row of a block becomes the result of all from it to the block's end.
+  // Each row becomes the combination of itself and all later rows of its block.
   void MakeEnds(uint8_t* rows) const {
     for (size_t i = block_ - 1; i-- > 0;) {
       uint8_t* row = rows + i * row_;
@@ -127,11 +127,11 @@ class SquareFilter {
     }
   }
 
-  // The window that ends with the row before `row`, which then joins the
-  // beginning of its block.
+  // Writes the window that ends with the row before `row`, which is then
+  // combined into the beginning of its block.
   void Join(const uint8_t* end, const uint8_t* row, uint8_t* beginning,
             uint8_t* out) const {
-    const size_t width = width_;  // which bytes written cannot change
+    const size_t width = width_;  // writing bytes may alias the member
     for (size_t x = 0; x < width; ++x) {
       out[x] = Op::Of(end[x], beginning[x]);
       beginning[x] = Op::Of(beginning[x], row[x]);
@@ -155,7 +155,7 @@ class SquareFilter {
   size_t reach_x_;
   size_t reach_y_;
   size_t row_;      // bytes from row to row
-  size_t padding_;  // bytes behind rows that stand together
+  size_t padding_;  // bytes after the rows filtered together
   size_t block_;    // rows
   uint8_t* work_ = nullptr;
 };
@@ -185,12 +185,12 @@ bool DilateMask(Plane<const uint8_t> in, uint8_t radius, Buffer& scratch,
 
 bool ErodeMin(Plane<const uint8_t> in, uint8_t radius, Buffer& scratch,
               Plane<uint8_t> out) {
-  return Filter<Smallest>(in, radius, scratch, out);
+  return Filter<Minimum>(in, radius, scratch, out);
 }
 
 bool DilateMax(Plane<const uint8_t> in, uint8_t radius, Buffer& scratch,
                Plane<uint8_t> out) {
-  return Filter<Largest>(in, radius, scratch, out);
+  return Filter<Maximum>(in, radius, scratch, out);
 }
 
 }  // namespace zuqel

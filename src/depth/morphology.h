@@ -1,5 +1,5 @@
-// Square filters: each pixel takes the union, smallest or largest of the pixels
-// within a radius in both directions that lie inside the image.
+// Square filters: each pixel becomes the union, minimum or maximum of the
+// pixels inside the image that lie within a radius in both directions.
 #ifndef ZUQEL_DEPTH_MORPHOLOGY_H_
 #define ZUQEL_DEPTH_MORPHOLOGY_H_
 

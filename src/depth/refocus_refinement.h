@@ -1,4 +1,4 @@
-// Clean-up of a refocus map read back from the GPU.
+// Cleans up a refocus map read back from the GPU.
 #ifndef ZUQEL_DEPTH_REFOCUS_REFINEMENT_H_
 #define ZUQEL_DEPTH_REFOCUS_REFINEMENT_H_
 
@@ -11,7 +11,7 @@
 
 namespace zuqel {
 
-// Buffers kept between calls.
+// Memory kept between calls.
 struct RefinementScratch {
   Buffer work_a;
   Buffer work_b;

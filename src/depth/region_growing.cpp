@@ -17,7 +17,8 @@ constexpr int32_t kNotReached = INT32_MIN;
 constexpr double kLowestLikelihood = -294.58644219062364;
 constexpr double kParentBonus = 30.268213495341495;
 
-// Tolerance by place between focus and the limit of growing, in 20 steps.
+// Tolerance by the position between the focus and the limit of growing, in 20
+// steps.
 constexpr std::array<double, 21> kToleranceWeights = {
     1.0,    1.0,    1.125, 1.125, 1.125, 0.75, 0.75, 0.75, 0.75,  0.375, 0.375,
     0.1875, 0.1875, 0.105, 0.105, 0.06,  0.06, 0.03, 0.03, 0.015, 0.015};
@@ -27,7 +28,7 @@ constexpr int32_t kFullGrowLimit = 40;
 constexpr int32_t kWidestBrightness = 255 * 255;
 constexpr int32_t kWidestColour = 510 * 510;
 
-// Cut toward zero; saturated, and 0 for no number.
+// Truncated toward zero; saturated, and 0 for NaN.
 int32_t ToInteger(double value) {
   if (std::isnan(value)) return 0;
   return static_cast<int32_t>(std::clamp<double>(value, INT32_MIN, INT32_MAX));
@@ -40,13 +41,13 @@ struct Tolerance {
 };
 
 Tolerance ToleranceOf(int32_t score) {
-  const double place =
+  const double position =
       static_cast<double>(score) / kFullGrowLimit * kToleranceSteps;
-  const double below = std::floor(place);
-  const double share = place - below;
+  const double below = std::floor(position);
+  const double share = position - below;
   const double weight =
       kToleranceWeights[static_cast<size_t>(below)] * (1 - share) +
-      kToleranceWeights[static_cast<size_t>(std::ceil(place))] * share;
+      kToleranceWeights[static_cast<size_t>(std::ceil(position))] * share;
   const int32_t brightness = ToInteger(weight * 255 + 0.5);
   const int32_t colour = ToInteger(weight * 510 + 0.5);
   return {colour * colour, brightness * brightness};
@@ -60,7 +61,7 @@ int32_t DepthTolerance(double focus, const GrowthLimits& limits) {
   return ToInteger(tolerance * tolerance);
 }
 
-// What a difference costs: its square, in units of the tolerance. The product
+// The cost of a difference: its square in units of the tolerance. The product
 // has 32 bits.
 int32_t Cost(uint32_t difference, int32_t squared_tolerance) {
   const auto scaled =

@@ -22,7 +22,7 @@ struct GrowthLimits {
   int32_t max = 0;    // trimmed range of the map
   int32_t min = 0;
   int32_t background = 0;  // focus - min
-  // Percent of the background range behind the focus: how far the region may
+  // In percent of the background range behind the focus: how far the region may
   // reach, and up to where every pixel is a seed.
   int32_t grow_limit = 0;
   int32_t seed_limit = 0;
@@ -33,14 +33,14 @@ struct GrowthLimits {
 [[nodiscard]] bool ReserveRegionGrowing(ImageSize size, Buffer& scratch);
 
 // Writes 255 for each pixel that is reached from a seed and 0 for the others.
-// From a reached pixel a neighbour is taken when the differences of disparity,
-// of colour (planes 1 and 2) and of brightness (plane 0) between the two, and
-// between the pixel and its mirror neighbour, are likely within tolerances that
-// shrink with the distance behind the focus. Likelihoods are natural logarithms
-// in 1/1024. The region depends on the order of growing: the pixel reached last
-// grows first, its neighbours in the order up, left, right, down. Squares and
-// their multiples wrap at 32 bits.
-// False, with the mask untouched, when there is no memory.
+// A reached pixel reaches a neighbour when the differences of disparity, of
+// colour (planes 1 and 2) and of brightness (plane 0) between the two, and
+// between the pixel and the neighbour on its other side, are likely within
+// tolerances that shrink with the distance behind the focus. Likelihoods are
+// natural logarithms in 1/1024. The region depends on the order of growing: the
+// pixel reached last grows first, to its neighbours above, left, right and
+// below. Squares and their multiples wrap at 32 bits. False, with the mask
+// untouched, when there is no memory.
 [[nodiscard]] bool GrowFocusRegion(Plane<const uint16_t> disparity,
                                    const ThreePlanes& image,
                                    const GrowthLimits& limits, Buffer& scratch,

@@ -8,8 +8,8 @@
 
 namespace zuqel {
 
-// Marks a pixel that the depth chip could not measure. Disparities are 10 bits,
-// 0..1022, larger is nearer; whatever lies above 1023 counts as 1023.
+// Marks a pixel that the depth chip could not measure. Disparities have 10
+// bits, 0..1022, larger is nearer; values above 1023 count as 1023.
 inline constexpr uint16_t kInvalidDisparity = 1023;
 
 struct ValueRange {
@@ -25,8 +25,8 @@ struct ValueRange {
 // map without valid pixels gives {1023, 0}.
 ValueRange GetDispRange(Plane<const uint16_t> disparity, int32_t percent);
 
-// The most frequent disparity other than 0 in the square around (x, y) that
-// lies inside the map; of equally frequent ones the smallest, and 0 where there
+// The most frequent disparity other than 0 within a square around (x, y),
+// clipped to the map; the smallest of equally frequent ones, and 0 where there
 // is none. The square's radius is min(width, height) / 45, rounded. Counters
 // have 16 bits and wrap.
 uint16_t GetFocusDisp(Plane<const uint16_t> disparity, uint16_t x, uint16_t y);

@@ -23,24 +23,23 @@ using UniformNames = std::span<const char* const>;
 inline constexpr size_t kMaxAttributes = 2;
 inline constexpr size_t kMaxUniforms = 24;
 
-// What programs are fed by; a program need not have all of it.
+// Inputs of all programs by name; no program needs to have all of them.
 struct ProgramInterface {
   AttributeNames attributes;
   UniformNames uniforms;
 };
 
-// Compiles and links. Whether that went well is not looked at: a program that
-// did not link draws nothing.
+// Compiles and links, without asking how that went: a program that did not link
+// draws nothing.
 Program BuildProgram(const ProgramSource& source, AttributeNames attributes);
 
-// A program with the locations of its inputs. One that it does not have, which
-// compilers also make of one that no output depends on, is at -1, which GL
-// ignores.
+// A program and the locations of its inputs. An input that it lacks, or that
+// the compiler has dropped as unused, has location -1, which GL ignores.
 class LinkedProgram {
  public:
   LinkedProgram();
-  // `program` has been linked, or loaded from a binary, which may have put the
-  // attributes elsewhere.
+  // `program` has been linked, or loaded from a binary, whose attributes may
+  // have other locations.
   LinkedProgram(Program program, const ProgramInterface& interface);
 
   [[nodiscard]] GLuint name() const { return program_.get(); }

@@ -51,8 +51,8 @@ struct ProgramCache {
 GLint LoadProgramBinary(ProgramCacheBytes cache, const BinaryInfo::Entry& entry,
                         Program& program);
 
-// Links the program of each step, writes its binary behind the one before and
-// at the end the head, `isValid` set. A step that does not link, or whose
+// Links the program of each step and appends its binary, then writes the head
+// with `isValid` set. A step that does not link, or whose
 // binary does not fit, is logged and leaves its entry as it is.
 void BuildProgramCache(std::span<const CacheStep> steps,
                        AttributeNames attributes,

@@ -13,9 +13,9 @@ struct TextureSampling {
   GLint wrap = GL_CLAMP_TO_EDGE;
 };
 
-// Whether an image has a size that the driver allows; `limit` is
-// GL_MAX_TEXTURE_SIZE or GL_MAX_RENDERBUFFER_SIZE. GL would refuse another one,
-// but a driver's own arithmetic may overflow before it does.
+// True if the driver allows images of this size; `limit` is GL_MAX_TEXTURE_SIZE
+// or GL_MAX_RENDERBUFFER_SIZE. GL would refuse a larger one, but a driver's own
+// arithmetic may overflow before it does.
 inline bool FitsDriver(GLenum limit, int32_t width, int32_t height) {
   GLint largest = 0;
   glGetIntegerv(limit, &largest);

@@ -20,16 +20,16 @@ constexpr std::array<size_t, kProgramCacheEntries> kEntryOrder = {
     0, 1, 2, 3, 4, 6, 5, 7, 8, 9, 10};
 
 const ProgramRow& RowOfEntry(size_t entry) {
-  return *std::ranges::find_if(kPrograms, [=](const ProgramRow& row) {
-    return row.cache_entry == entry;
-  });
+  return *std::find_if(
+      std::begin(kPrograms), std::end(kPrograms),
+      [=](const ProgramRow& row) { return row.cache_entry == entry; });
 }
 
 size_t EntryOf(ProgramRole role) {
   return RowOf(role).cache_entry.value_or(kProgramCacheEntries);
 }
 
-// True when a single one loads.
+// True if at least one of them loads.
 bool Load(ProgramCacheBytes cache, const BinaryInfo& info,
           std::span<const size_t> entries, ProgramTable& programs) {
   GLint loaded = 0;
@@ -42,9 +42,9 @@ bool Load(ProgramCacheBytes cache, const BinaryInfo& info,
 }
 
 void Rebuild(std::span<uint8_t, kProgramCacheBytes> cache) {
-  // The conversion to RGB is built twice: the entry of its first binary goes to
-  // the repacking program afterwards, and its bytes stay unreferenced. Readers
-  // of old caches rely on where everything lies.
+  // The conversion to RGB is built twice: the repacking program takes over the
+  // entry of the first binary, whose bytes stay unreferenced. Existing caches
+  // have this layout.
   const size_t built_twice = EntryOf(Nv21ToRgbProgram);
   std::array<CacheStep, kEntryOrder.size() + 1> steps;
   CacheStep* step = steps.data();
@@ -64,7 +64,7 @@ void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
     programs.BuildAll();
     return;
   }
-  const std::span<uint8_t, kProgramCacheBytes> bytes(cache, kProgramCacheBytes);
+  const ProgramCacheBytes bytes(cache, kProgramCacheBytes);
   BinaryInfo& info = session_cache.binaryInfo;
   std::memcpy(&info, cache, sizeof(info));
   std::memcpy(session_cache.copy.bytes(), cache, kProgramCacheBytes);
@@ -76,9 +76,12 @@ void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
     return;
   }
 
-  std::memset(session_cache.copy.bytes(), 0, kProgramCacheBytes);
+  // Built in the session's copy, so that the caller never holds half a cache.
   info = {};
-  Rebuild(bytes);
+  uint8_t* copy = session_cache.copy.bytes();
+  Rebuild(std::span<uint8_t, kProgramCacheBytes>(copy, kProgramCacheBytes));
+  std::memcpy(cache, copy, kProgramCacheBytes);
+  std::memset(copy, 0, kProgramCacheBytes);
   programs.BuildAll();
 }
 

@@ -9,18 +9,18 @@
 
 namespace zuqel {
 
-// Takes the programs from `cache`, 262144 bytes of the caller's, where it is
-// usable; else rebuilds it for the next start and compiles all programs. A null
-// cache compiles all programs and writes nothing. The cache counts as usable
-// when a single one of its programs loads; the others then stay unlinked. The
+// Loads the programs from `cache`, the caller's 262144 bytes, if it is usable;
+// otherwise rebuilds it for the next start and compiles all programs. With a
+// null cache, compiles all programs and writes nothing. A cache is usable when
+// at least one of its programs loads; the others then stay unlinked. The
 // session's copy has been reserved.
 void PreparePrograms(uint8_t* cache, ProgramCache& session_cache,
                      ProgramTable& programs);
 
-// Makes the programs of the refocus maps: from the session's copy of a usable
-// cache, else compiled. A copy of which not one of the three programs that the
-// map on the GPU needs loads has them compiled; AllInFocusWeightProgram is not
-// made beside a cache.
+// Makes the programs of the refocus maps. With the session's copy of a usable
+// cache, loads the three that the GPU map needs, or compiles them when none of
+// them loads; AllInFocusWeightProgram is not made then. Without it, compiles
+// all four.
 void PrepareRefocusMapPrograms(const ProgramCache& session_cache,
                                ProgramTable& programs);
 

@@ -15,7 +15,7 @@ namespace zuqel {
 inline constexpr size_t kDebugPictureCount = 10;
 
 struct DebugPictures {
-  // Of an entry's pointer only whether it is null counts once it is loaded.
+  // Once a picture is loaded, its pointer is only compared with null.
   std::array<DebugPicture, kDebugPictureCount> table = {};
   bool show = false;
   bool blend = false;
@@ -24,8 +24,8 @@ struct DebugPictures {
 using DebugTextures = std::array<Texture, kDebugPictureCount>;
 
 // Copies ten entries and uploads the pictures of those in use, which it logs;
-// the others' textures stay as they are. Null `textures` take no upload. Needs
-// PlainGlState.
+// the textures of the others stay as they are. With null `textures`, uploads
+// nothing. Needs PlainGlState.
 void LoadDebugPictures(const DebugTextures* textures, const DebugPicture* table,
                        DebugPictures& pictures);
 

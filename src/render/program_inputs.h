@@ -1,5 +1,5 @@
-// What programs are fed by: the vertex attributes of the quad and the uniforms
-// of all shaders, by their names in the shaders.
+// Inputs of the programs by their names in the shaders: the vertex attributes
+// of the quad and all uniforms.
 #ifndef ZUQEL_RENDER_PROGRAM_INPUTS_H_
 #define ZUQEL_RENDER_PROGRAM_INPUTS_H_
 
@@ -11,7 +11,8 @@
 
 namespace zuqel {
 
-// Programs are linked with these at 0 and 1, which PlainGlState restores.
+// Programs are linked with these at locations 0 and 1, which PlainGlState
+// restores.
 inline constexpr std::array kAttributeNames = {"position",
                                                "inputTextureCoordinate"};
 inline constexpr std::array kUniformNames = {
@@ -31,7 +32,7 @@ static_assert(kUniformNames.size() <= kMaxUniforms);
 inline constexpr ProgramInterface kProgramInterface = {kAttributeNames,
                                                        kUniformNames};
 
-// A uniform by name. One that is not among the names above does not compile.
+// A uniform by name. A name that is not in the list above does not compile.
 class Uniform {
  public:
   // Implicit: a name stands for its uniform.

@@ -7,6 +7,7 @@
 #include "shader_sources.h"
 
 namespace zuqel {
+
 #define ZUQEL_ROW(role, vertex, fragment, entry) \
   ProgramRow{                                    \
       ProgramRole::role, {shaders::k##vertex, shaders::k##fragment}, entry},
@@ -21,7 +22,9 @@ constexpr bool EachEntryHasOneProgram() {
     const auto is_entry = [=](const ProgramRow& row) {
       return row.cache_entry == entry;
     };
-    if (std::ranges::count_if(kPrograms, is_entry) != 1) return false;
+    const auto rows =
+        std::count_if(std::begin(kPrograms), std::end(kPrograms), is_entry);
+    if (rows != 1) return false;
   }
   return true;
 }

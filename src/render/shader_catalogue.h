@@ -1,4 +1,4 @@
-// The programs of frames and refocus maps, and the shaders each is made of.
+// The programs of frames and refocus maps, and the shaders of each.
 #ifndef ZUQEL_RENDER_SHADER_CATALOGUE_H_
 #define ZUQEL_RENDER_SHADER_CATALOGUE_H_
 

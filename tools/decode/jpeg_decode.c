@@ -34,8 +34,8 @@ static void OnError(j_common_ptr common) {
   Fail(common, kDecodeDamaged);
 }
 
-/* libjpeg takes a file that ends early for a warning and paints the rest grey;
- * other warnings are about pictures that decode well enough. */
+/* For libjpeg a file that ends early is only a warning, and it fills the rest
+ * with grey; with other warnings the picture is still good enough. */
 static void OnMessage(j_common_ptr common, int level) {
   if (level >= 0) return;
   const int code = common->err->msg_code;
@@ -72,8 +72,8 @@ static void ReadRows(struct JpegDecoder* decoder, uint8_t* rgb,
   jpeg_finish_decompress(decompress);
 }
 
-/* Errors come back to here; the caller owns what has changed by then. Without
- * `rgb` only the header is read. */
+/* Errors jump back to here; the caller cleans up. Without `rgb` only the header
+ * is read. */
 static void Decode(struct JpegDecoder* decoder, const uint8_t* bytes,
                    size_t size, uint8_t* rgb, size_t rgb_size) {
   if (setjmp(decoder->failed) != 0) return;

@@ -79,13 +79,13 @@ static void CopyHeader(png_structp png, png_infop info,
   header->is_grey = png_get_color_type(png, info) == PNG_COLOR_TYPE_GRAY;
 }
 
-/* Errors come back to here; the caller owns what has changed by then. One of
- * `header` and `target` is null. */
+/* Errors jump back to here; the caller cleans up. One of `header` and `target`
+ * is null. */
 static void Decode(png_structp png, png_infop info, struct PngHeader* header,
                    const struct PngTarget* target) {
   if (setjmp(png_jmpbuf(png)) != 0) return;
   png_set_read_fn(png, png_get_error_ptr(png), ReadBytes);
-  /* The caller limits the size, and says so in its own words. */
+  /* No limit here: the caller checks the size and words the error. */
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
   png_read_info(png, info);
   if (header != NULL) CopyHeader(png, info, header);

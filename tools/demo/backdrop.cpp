@@ -10,7 +10,7 @@ namespace {
 
 constexpr float kStreet = 610;  // the row on which the town stands
 
-// The chip cannot tell one far thing from another.
+// Too far for the chip to tell distances apart.
 constexpr float kFarDisparity = 60;
 constexpr float kHedgeDisparity = 90;
 
@@ -32,7 +32,7 @@ struct HouseRow {
   float house_width;
   float window_width, window_height;
   Colour wall;
-  float lit;  // share of the windows
+  float lit;  // fraction of the windows
   int seed;
 };
 
@@ -107,7 +107,7 @@ float WireY(const Wire& wire, float x) {
   return Mix(wire.left_y, wire.right_y, t) + wire.sag * 4 * t * (1 - t);
 }
 
-// The lamps shine on what is painted already.
+// Adds the lamps and their glow to what is painted already.
 void PaintLamps(float x, float y, const Wire& wire, Colour& colour) {
   if (x >= wire.left && x < wire.right && std::abs(y - WireY(wire, x)) < 1.6F) {
     colour = {0.07F, 0.06F, 0.10F};

@@ -13,14 +13,14 @@ constexpr float kDisparity = 860;
 constexpr Colour kGreen = {0.22F, 0.46F, 0.20F};
 constexpr Colour kPaleGreen = {0.50F, 0.66F, 0.34F};
 
-Colour HeartColour(float x, float y, float distance) {
+Colour DiscColour(float x, float y, float distance) {
   const Cell seed = CellAt(x / 5, y / 5, 84);
   const Colour seeds = Mix({0.99F, 0.72F, 0.24F}, {0.26F, 0.11F, 0.05F},
                            Smooth(0.15F, 0.7F, seed.distance));
   return seeds * Mix(1.1F, 0.65F, distance);
 }
 
-// A flower: two rings of petals around a heart.
+// A flower: two rings of petals around a disc.
 struct Flower {
   Point centre;
   float radius;
@@ -30,9 +30,9 @@ struct Flower {
 
 void AddFlower(const Flower& flower, std::vector<Blade>& blades) {
   const Point c = flower.centre;
-  blades.emplace_back(BladeKind::kHeart, c, c, c, 0.32F * flower.radius,
+  blades.emplace_back(BladeKind::kDisc, c, c, c, 0.32F * flower.radius,
                       Colour{}, flower.disparity + 12);
-  // A petal every sixteenth of a turn; the second ring lies between the first.
+  // A petal every sixteenth of a turn; the second ring is half a step off.
   constexpr Point kTurn = {0.92387953F, 0.38268343F};
   constexpr Point kHalfTurn = {0.98078528F, 0.19509032F};
   for (int ring = 0; ring < 2; ++ring) {
@@ -99,10 +99,10 @@ Blade::Blade(BladeKind kind, Point base, Point bend, Point tip,
 }
 
 float Blade::WidthAt(float t) const {
-  if (kind_ == BladeKind::kStem || kind_ == BladeKind::kHeart) {
+  if (kind_ == BladeKind::kStem || kind_ == BladeKind::kDisc) {
     return half_width_;
   }
-  // Thin at the base, widest past the middle, pointed at the tip.
+  // Thin at the base, widest near the middle, pointed at the tip.
   const float swell = kind_ == BladeKind::kPetal ? 0.62F : 0.45F;
   const float part = t < swell ? t / swell : (1 - t) / (1 - swell);
   return half_width_ * std::sqrt(std::max(0.0F, part * (2 - part)));
@@ -111,8 +111,8 @@ float Blade::WidthAt(float t) const {
 Colour Blade::ColourAt(float t, float side, float x, float y) const {
   const float across = std::abs(side);
   switch (kind_) {
-    case BladeKind::kHeart:
-      return HeartColour(x, y, across);
+    case BladeKind::kDisc:
+      return DiscColour(x, y, across);
     case BladeKind::kStem:
       return colour_ * Mix(1.0F, 0.5F, 0.5F + 0.5F * side);
     case BladeKind::kPetal: {
@@ -170,25 +170,25 @@ Bouquet::Bouquet() {
   }
   for (size_t i = 0; i < blades_.size(); ++i) {
     const Blade& blade = blades_[i];
-    for (size_t row = Square(blade.top(), kRows);
-         row <= Square(blade.bottom(), kRows); ++row) {
-      for (size_t column = Square(blade.left(), kColumns);
-           column <= Square(blade.right(), kColumns); ++column) {
+    for (size_t row = CellIndex(blade.top(), kRows);
+         row <= CellIndex(blade.bottom(), kRows); ++row) {
+      for (size_t column = CellIndex(blade.left(), kColumns);
+           column <= CellIndex(blade.right(), kColumns); ++column) {
         near_[row * kColumns + column].push_back(i);
       }
     }
   }
 }
 
-// Points beyond the squares belong to the last of them, whose blades then miss.
-size_t Bouquet::Square(float position, size_t count) {
-  return std::min(static_cast<size_t>(std::max(position, 0.0F)) / kSquare,
+// Points outside the grid belong to its last cell, whose blades then miss.
+size_t Bouquet::CellIndex(float position, size_t count) {
+  return std::min(static_cast<size_t>(std::max(position, 0.0F)) / kCellSize,
                   count - 1);
 }
 
 bool Bouquet::Paint(float x, float y, Surface& surface) const {
   const auto& candidates =
-      near_[Square(y, kRows) * kColumns + Square(x, kColumns)];
+      near_[CellIndex(y, kRows) * kColumns + CellIndex(x, kColumns)];
   return std::any_of(candidates.begin(), candidates.end(),
                      [&](size_t i) { return blades_[i].Paint(x, y, surface); });
 }

@@ -14,9 +14,9 @@ struct Point {
   float x, y;
 };
 
-enum class BladeKind { kLeaf, kPetal, kStem, kHeart };
+enum class BladeKind { kLeaf, kPetal, kStem, kDisc };
 
-// A leaf, petal or stem: a bent line with a width. A flower's heart is a disc:
+// A leaf, petal or stem: a curve with a width. The disc at a flower's centre is
 // a blade without length.
 class Blade {
  public:
@@ -24,13 +24,13 @@ class Blade {
   Blade(BladeKind kind, Point base, Point bend, Point tip, float half_width,
         Colour colour, float disparity);
 
-  // The box of the picture outside of which the blade is not seen.
+  // The bounding box in the picture.
   [[nodiscard]] float left() const { return left_; }
   [[nodiscard]] float right() const { return right_; }
   [[nodiscard]] float top() const { return top_; }
   [[nodiscard]] float bottom() const { return bottom_; }
 
-  // Whether the blade covers the point; writes `surface` when it does.
+  // True if the blade covers the point; sets `surface` then.
   bool Paint(float x, float y, Surface& surface) const;
 
  private:
@@ -51,17 +51,17 @@ class Bouquet {
  public:
   Bouquet();
 
-  // Whether the bouquet is seen at the point; writes `surface` when it is.
+  // True if the bouquet is visible at the point; sets `surface` then.
   bool Paint(float x, float y, Surface& surface) const;
 
  private:
-  // Squares of the picture, so that a point asks only the blades near it.
-  static constexpr size_t kSquare = 32, kColumns = 24, kRows = 24;
+  // A grid over the picture, so that a point tests only the blades near it.
+  static constexpr size_t kCellSize = 32, kColumns = 24, kRows = 24;
 
-  static size_t Square(float position, size_t count);
+  static size_t CellIndex(float position, size_t count);
 
   std::vector<Blade> blades_;                               // nearest first
-  std::array<std::vector<size_t>, kColumns * kRows> near_;  // by square
+  std::array<std::vector<size_t>, kColumns * kRows> near_;  // by grid cell
 };
 
 }  // namespace zuqel::tools

@@ -16,10 +16,10 @@ struct Orange {
 inline constexpr std::array kOranges = {Orange{1010, 690, 58},
                                         Orange{1106, 662, 52}};
 
-// Whether the orange is seen at the point; writes `surface` when it is.
+// True if the orange is visible at the point; sets `surface` then.
 bool PaintOrange(const Orange& orange, float x, float y, Surface& surface);
 
-// How much light it leaves on the table at the point, 0..1.
+// How much light its shadow leaves on the table at the point, 0..1.
 float OrangeShadow(const Orange& orange, float x, float y);
 
 }  // namespace zuqel::tools

@@ -7,7 +7,7 @@
 
 namespace zuqel::tools {
 
-// 0..1 each; what is painted may pass 1 where it glows.
+// 0..1 each; glowing surfaces may exceed 1.
 struct Colour {
   float r = 0, g = 0, b = 0;
 };
@@ -30,30 +30,30 @@ constexpr Colour Mix(Colour a, Colour b, float part) {
   return a + (b + a * -1.0F) * part;
 }
 
-// 0 below `low`, 1 above `high`, smooth between.
+// 0 below `low`, 1 above `high`, smooth in between.
 float Smooth(float low, float high, float value);
 
 // The fractional part, in 0..1.
 float Fraction(float value);
 
-// Even over 0..1.
+// Uniform in 0..1.
 float Random(int x, int y, int seed);
 
-// Smooth noise over the plane, in 0..1, one feature a unit.
+// Value noise in 0..1, about one feature per unit.
 float Noise(float x, float y, int seed);
 
-// Noise with detail: `octaves` layers, each half the size and height.
+// Sum of `octaves` noises, each with half the scale and amplitude of the last.
 float FractalNoise(float x, float y, int octaves, int seed);
 
-// Rounded cells without a grid to be seen, about one a unit square: leaves,
-// seeds, pores.
+// Cellular noise without a visible grid, about one cell per unit square:
+// leaves, seeds, pores.
 struct Cell {
-  float distance;  // from its middle, about 0..1
-  float tone;      // 0..1, its own
+  float distance;  // from the cell's centre, about 0..1
+  float tone;      // 0..1, random per cell
 };
 Cell CellAt(float x, float y, int seed);
 
-// Where a surface looks to; of length 1.
+// The direction that a surface faces; of length 1.
 struct Normal {
   float right, up, toward;
 };
@@ -61,11 +61,11 @@ struct Normal {
 // The colour of a lit surface; `gloss` is 0..1.
 Colour Light(Colour colour, const Normal& normal, float gloss);
 
-// How much light a thing leaves at a point of the table, 0..1. It stands at
-// (`foot_x`, `foot_y`) and is `reach` wide to each side.
+// How much light the shadow of an object leaves at a point of the table, 0..1.
+// The object stands at (`foot_x`, `foot_y`) and extends `reach` to each side.
 float Shadow(float foot_x, float foot_y, float reach, float x, float y);
 
-// What is seen at a point of the picture.
+// What is visible at a point of the picture.
 struct Surface {
   Colour colour;
   float disparity = 0;  // 0..1000, larger is nearer

@@ -1,4 +1,4 @@
-// Things turned on a wheel that stand on the table of the demo scene.
+// Pottery on the table of the demo scene.
 #include "demo/pottery.h"
 
 #include <algorithm>
@@ -9,11 +9,11 @@
 namespace zuqel::tools {
 namespace {
 
-// How round a level ring looks, its height over its width: the camera looks
+// Height over width of a horizontal circle in the picture: the camera looks
 // down a little.
 constexpr float kTilt = 0.22F;
 
-// The outline at `height`, through its points as a smooth curve.
+// The outline at `height`: a cubic spline through its points.
 float RadiusAt(const Pot& pot, float height) {
   const int last = static_cast<int>(pot.radii.size()) - 1;
   const float position =
@@ -30,7 +30,7 @@ float RadiusAt(const Pot& pot, float height) {
   return std::max(0.5F, at(i) + t * (before + t * (b + t * a)));
 }
 
-// The arc sine in quarter turns; four digits do.
+// Arc sine in quarter turns; four digits are enough.
 float Angle(float sine) {
   const float s = std::abs(sine);
   const float series =
@@ -40,8 +40,9 @@ float Angle(float sine) {
   return sine < 0 ? -angle : angle;
 }
 
-// Finds the height of the front surface that is seen at `y`. A ring's front
-// hangs below its centre, so height and radius are found in turns.
+// Finds the height of the front surface that is visible at `y`. The front of a
+// circle appears below its centre, by an amount that depends on the radius at
+// that height, so the two are found by iteration.
 bool FrontHeight(const Pot& pot, float dx, float y, float& height,
                  float& facing) {
   const float above = pot.foot - y;

@@ -1,4 +1,4 @@
-// Things turned on a wheel that stand on the table of the demo scene.
+// Pottery on the table of the demo scene.
 #ifndef ZUQEL_TOOLS_DEMO_POTTERY_H_
 #define ZUQEL_TOOLS_DEMO_POTTERY_H_
 
@@ -25,13 +25,13 @@ struct Pot {
   std::vector<float> radii;
   PotPattern pattern;
   float gloss;  // 0..1
-  bool open;    // one looks into it from above
+  bool open;    // the inside is visible
 };
 
-// Whether the pot is seen at the point; writes `surface` when it is.
+// True if the pot is visible at the point; sets `surface` then.
 bool PaintPot(const Pot& pot, float x, float y, Surface& surface);
 
-// How much light the pot leaves on the table at the point, 0..1.
+// How much light its shadow leaves on the table at the point, 0..1.
 float PotShadow(const Pot& pot, float x, float y);
 
 // The pots of the scene, nearest first.

@@ -63,8 +63,7 @@ uint8_t ToByte(float value) {
   return static_cast<uint8_t>(std::lround(std::clamp(value, 0.0F, 1.0F) * 255));
 }
 
-// The mean of 2 x 2 points of the pixel, each first cut to what a picture
-// holds.
+// The mean of 2 x 2 samples per pixel, each clamped to what a picture holds.
 void PaintPixel(const Painter& painter, int x, int y, uint8_t* rgb) {
   Colour sum;
   for (const float dy : {0.25F, 0.75F}) {
@@ -81,7 +80,7 @@ void PaintPixel(const Painter& painter, int x, int y, uint8_t* rgb) {
   rgb[2] = ToByte(sum.b / 4);
 }
 
-// Paints the columns from `left` to before `right`, the rows from `top` on.
+// Paints columns `left` to `right` - 1, from row `top` down.
 void PaintPart(const Painter& painter, int left, int top, int right,
                Picture& picture) {
   for (int y = top; y < kHeight; ++y) {

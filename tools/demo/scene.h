@@ -6,7 +6,7 @@
 
 namespace zuqel::tools {
 
-// Flowers on a table before a town at dusk; the same bytes on every machine.
+// Flowers on a table, a town at dusk behind; the same bytes on every machine.
 struct Scene {
   Picture picture;         // 1280 x 960
   DisparityMap disparity;  // 320 x 240

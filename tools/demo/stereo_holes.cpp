@@ -8,11 +8,11 @@
 namespace zuqel::tools {
 namespace {
 
-// A column further hides a pixel only when it is nearer by more than this, so
-// that slanted ground does not hide itself.
+// A pixel occludes another only if it is nearer by more than this, so that
+// slanted ground does not occlude itself.
 constexpr int kMargin = 40;
 
-int SecondColumn(int x, int disparity, float shift_px, int width) {
+int ColumnInSecondView(int x, int disparity, float shift_px, int width) {
   const float moved =
       static_cast<float>(x) - static_cast<float>(disparity) * shift_px / 1000;
   return std::clamp(static_cast<int>(std::lround(moved)), 0, width - 1);
@@ -27,13 +27,13 @@ void MarkStereoHoles(float shift_px, DisparityMap& map) {
     for (int x = 0; x < map.width; ++x) {
       const int disparity = map.At(x, y);
       int& nearest = seen[static_cast<size_t>(
-          SecondColumn(x, disparity, shift_px, map.width))];
+          ColumnInSecondView(x, disparity, shift_px, map.width))];
       nearest = std::max(nearest, disparity);
     }
     for (int x = 0; x < map.width; ++x) {
       uint16_t& disparity = map.At(x, y);
       const int nearest = seen[static_cast<size_t>(
-          SecondColumn(x, disparity, shift_px, map.width))];
+          ColumnInSecondView(x, disparity, shift_px, map.width))];
       if (nearest > disparity + kMargin) disparity = kUnknownDisparity;
     }
   }

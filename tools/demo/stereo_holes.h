@@ -7,7 +7,7 @@
 namespace zuqel::tools {
 
 // Marks as unknown what the chip's second camera, to the right of the first,
-// cannot see: the stripes to the left of nearer things. `map` is complete; a
+// cannot see: the stripes to the left of nearer objects. `map` is complete; a
 // disparity of 1000 moves a pixel by `shift_px` between the cameras.
 void MarkStereoHoles(float shift_px, DisparityMap& map);
 

@@ -7,7 +7,7 @@
 namespace zuqel::tools {
 namespace {
 
-constexpr float kHorizon = 490;  // where the planks would meet
+constexpr float kHorizon = 490;  // where the planks converge
 constexpr float kCentre = 660;
 
 Colour Wood(float across, float along, int plank) {

@@ -1,4 +1,4 @@
-// Walks along an axis and notes the weights it passes.
+// Walks along an axis and records the weights.
 #include "cpu_bokeh/resize/axis_taps.h"
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// What the samples of a resized axis are made of.
+// The source samples and weights of each sample of a resized axis.
 #ifndef ZUQEL_CPU_BOKEH_RESIZE_AXIS_TAPS_H_
 #define ZUQEL_CPU_BOKEH_RESIZE_AXIS_TAPS_H_
 
@@ -9,21 +9,21 @@
 
 namespace zuqel {
 
-// Each target sample is the sum of source samples side by side, by weights in
-// 1/256 that add up to 256.
+// Each target sample is a weighted sum of adjacent source samples; the weights
+// are in 1/256 and add up to 256.
 class AxisTaps {
  public:
   struct Taps {
     int32_t first;  // source sample
     int32_t count;
-    const uint16_t* weights;  // zeros follow, up to kPadded of them all
+    const uint16_t* weights;  // padded with zeros to kPadded
   };
   static constexpr int32_t kPadded = 4;
 
-  // Up to four weights in one word of 16-bit lanes, the last one lowest: where
-  // four samples stand in such lanes, the first one lowest, the product's top
-  // lane is their weighted sum. No lane overflows into the next, as the weights
-  // add up to 256.
+  // Up to four weights in one word of 16-bit lanes, the last one lowest. The
+  // top lane of its product with four samples in such lanes, the first one
+  // lowest, is their weighted sum. No lane overflows, as the weights add up to
+  // 256.
   struct PackedTaps {
     uint64_t weights;
     int64_t first;
@@ -35,11 +35,11 @@ class AxisTaps {
   // Walks along an axis of `source` samples that becomes `target` long, neither
   // 0. There is room for it.
   //
-  // Where it grows, target sample t lies at (t + 0.5) * source / target - 0.5
-  // in 1/256 of a source sample, cut, between two samples; before the first and
-  // past the last there is that one alone. Where it shrinks, every source
-  // sample covers target / source of a target sample, cut to 1/256; what is cut
-  // off is carried along the axis, so that source sample s ends at
+  // Where it grows, target sample t interpolates at the source position
+  // (t + 0.5) * source / target - 0.5, truncated to 1/256; the end samples are
+  // repeated outside. Where it shrinks, every source sample covers
+  // target / source of a target sample, truncated to 1/256; the remainder is
+  // carried along the axis, so that source sample s ends at
   // floor((s + 1) * target * 256 / source).
   void Walk(int32_t source, int32_t target);
 
@@ -47,7 +47,7 @@ class AxisTaps {
     const Entry& entry = entries()[target];
     return {entry.first, entry.count, weights() + entry.offset};
   }
-  // Of an axis whose taps are at most kPadded.
+  // Valid if most() is at most kPadded.
   [[nodiscard]] const PackedTaps* packed() const {
     return reinterpret_cast<const PackedTaps*>(packed_bytes_.bytes());
   }

@@ -9,7 +9,7 @@
 namespace zuqel {
 namespace {
 
-// `kShare` parts of b in 256, the rest of a.
+// `kShare` / 256 of b, the remainder of a.
 template <uint32_t kShare, typename T>
 inline T Between(T a, T b) {
   return static_cast<T>(static_cast<T>((256 - kShare) * a + kShare * b + 128) >>

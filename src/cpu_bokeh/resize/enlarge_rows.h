@@ -1,7 +1,6 @@
-// Rows made longer by exact factors, with fixed weights between neighbours. In
-// front of the first sample and behind the last there is that one alone. `row`
-// has `width` samples in lanes that hold sums; `out` has the factor times as
-// many. Neither is empty.
+// Enlarges rows by exact factors, with fixed weights between neighbours. The
+// end samples are repeated outside. `row` has `width` samples in lanes that
+// hold sums; `out` has the factor times as many. Neither is empty.
 #ifndef ZUQEL_CPU_BOKEH_RESIZE_ENLARGE_ROWS_H_
 #define ZUQEL_CPU_BOKEH_RESIZE_ENLARGE_ROWS_H_
 
@@ -10,8 +9,8 @@
 
 namespace zuqel {
 
-// Holds a sum of samples by weights of 256 in all, and half of 256: 16 bits do
-// for bytes, and twice as many of them fit a vector.
+// Holds a sum of samples whose weights add up to 256, plus the rounding half:
+// 16 bits suffice for bytes, and twice as many of them fit a vector.
 template <typename Sample>
 using Lane = std::conditional_t<sizeof(Sample) == 1, uint16_t, uint32_t>;
 
@@ -19,7 +18,7 @@ template <typename Sample>
 using RowFunction = void (*)(const Lane<Sample>* row, int32_t width,
                              Sample* out);
 
-// The same weights as a walk along the axis.
+// The weights of a walk along the axis.
 void EnlargeRowBy2(const uint16_t* row, int32_t width, uint8_t* out);
 void EnlargeRowBy4(const uint16_t* row, int32_t width, uint8_t* out);
 
@@ -27,7 +26,7 @@ void EnlargeRowBy4(const uint16_t* row, int32_t width, uint8_t* out);
 void EnlargeRowBy3(const uint16_t* row, int32_t width, uint8_t* out);
 void EnlargeRowBy6(const uint16_t* row, int32_t width, uint8_t* out);
 
-// Three samples for two; `width` is even.
+// Three samples for each two; `width` is even.
 void EnlargeRowBy3Halves(const uint32_t* row, int32_t width, uint16_t* out);
 
 }  // namespace zuqel

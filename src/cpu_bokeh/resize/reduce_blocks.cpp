@@ -1,5 +1,5 @@
-// Means of blocks by fixed weights. They are uneven where a factor does not
-// divide 256; which sample gets the odd one decides last bits and is kept.
+// Means of blocks by fixed weights. They are uneven where the factor does not
+// divide 256; which sample gets the larger one decides the last bit.
 #include "cpu_bokeh/resize/reduce_blocks.h"
 
 #include <array>
@@ -8,8 +8,8 @@
 namespace zuqel {
 namespace {
 
-// Means of samples that lie `stride` apart, rounded to nearest. Halves and
-// quarters are written so that a compiler finds its averages of bytes.
+// Means of samples `stride` apart, rounded to nearest. Halves and quarters are
+// written so that the compiler uses its byte-average instructions.
 struct Halves {
   static constexpr size_t kCount = 2;
 
@@ -26,8 +26,8 @@ struct Halves {
 struct Quarters {
   static constexpr size_t kCount = 4;
 
-  // (a + b + c + d + 2) >> 2, in bytes: the average of two rounded averages is
-  // one too large when it was rounded up itself and one of them was, too.
+  // (a + b + c + d + 2) >> 2 in bytes: the average of two rounded averages is
+  // one too large if it was rounded up and one of them was, too.
   template <typename Sample>
   static Sample Mean(const Sample* first, size_t stride) {
     const Sample a = first[0], b = first[stride];
@@ -53,8 +53,8 @@ struct Weighted {
 using Thirds = Weighted<85, 85, 86>;
 using Sixths = Weighted<42, 43, 43, 42, 43, 43>;
 
-// Target columns that are made together: what lies between the passes stays
-// close at hand, and a constant count makes straight code of both.
+// Target columns made together: the samples between the passes stay in the
+// cache, and with a constant count both loops unroll.
 constexpr size_t kStretch = 64;
 
 // `stride` leads from row to row of the block.

@@ -1,4 +1,4 @@
-// Planes made smaller by exact factors.
+// Reduces planes by exact factors.
 #ifndef ZUQEL_CPU_BOKEH_RESIZE_REDUCE_BLOCKS_H_
 #define ZUQEL_CPU_BOKEH_RESIZE_REDUCE_BLOCKS_H_
 
@@ -8,9 +8,9 @@
 
 namespace zuqel {
 
-// Each pixel becomes the mean of a block of `factor` by `factor`, which is 2,
-// 3, 4 or 6: of its rows first and then across, each rounded to nearest, by
-// weights in 1/256. `in` has `factor` times the size of `out`. `Sample` is
+// Each pixel becomes the mean of a block of `factor` by `factor` pixels, 2, 3,
+// 4 or 6: first down the columns, then along the row, each rounded to nearest,
+// by weights in 1/256. `in` has `factor` times the size of `out`. `Sample` is
 // uint8_t or uint16_t.
 template <typename Sample>
 void ReduceBlocks(int32_t factor, Plane<const Sample> in, Plane<Sample> out);

@@ -80,7 +80,7 @@ void CombineColumns(const Lane<Sample>* row, const AxisTaps& columns,
   }
 }
 
-// Four bytes with one product; four can be read from behind the row.
+// Four bytes with one product; `row` is readable for four lanes past its end.
 void CombinePackedColumns(const uint16_t* row, const AxisTaps& columns,
                           int32_t width, uint8_t* out) {
   static_assert(std::endian::native == std::endian::little);
@@ -115,8 +115,8 @@ void ResizeRow(const Lane<Sample>* row, const AxisTaps& columns, int32_t width,
 template <typename Sample>
 bool ReserveTaps(ImageSize from, ImageSize to, TapScratch& scratch) {
   const auto row_bytes = ByteCount(from.width, 1, sizeof(Lane<Sample>));
-  constexpr size_t kBehind = AxisTaps::kPadded * sizeof(Lane<Sample>);
-  return row_bytes && scratch.row.Reserve(*row_bytes + kBehind) &&
+  constexpr size_t kPastEnd = AxisTaps::kPadded * sizeof(Lane<Sample>);
+  return row_bytes && scratch.row.Reserve(*row_bytes + kPastEnd) &&
          scratch.rows.Reserve(from.height, to.height) &&
          scratch.columns.Reserve(from.width, to.width);
 }
@@ -128,7 +128,7 @@ void ResizeByTaps(Plane<const Sample> in, RowFunction<Sample> resize_row,
     if (resize_row == nullptr) resize_row = RowOfWalk(in.width, out.width);
   }
   scratch.rows.Walk(in.height, out.height);
-  // Fixed weights need no walk along the columns.
+  // Fixed weights replace the taps of the columns.
   if (resize_row == nullptr) scratch.columns.Walk(in.width, out.width);
   auto* row = reinterpret_cast<Lane<Sample>*>(scratch.row.bytes());
   for (int32_t y = 0; y < out.height; ++y) {

@@ -1,4 +1,4 @@
-// Change of size by any ratio.
+// Resizes by any ratio.
 #ifndef ZUQEL_CPU_BOKEH_RESIZE_RESIZE_BY_TAPS_H_
 #define ZUQEL_CPU_BOKEH_RESIZE_RESIZE_BY_TAPS_H_
 
@@ -25,9 +25,9 @@ template <typename Sample>
 [[nodiscard]] bool ReserveTaps(ImageSize from, ImageSize to,
                                TapScratch& scratch);
 
-// Combines rows, then columns, each by its axis's walk and rounded to nearest.
-// `resize_row`, unless null, takes the place of the walk along the columns.
-// There is room for it in `scratch`.
+// Combines rows, then columns, each by its axis's taps and rounded to nearest.
+// `resize_row`, unless null, replaces the taps of the columns. `scratch` has
+// been reserved.
 template <typename Sample>
 void ResizeByTaps(Plane<const Sample> in, RowFunction<Sample> resize_row,
                   TapScratch& scratch, Plane<Sample> out);

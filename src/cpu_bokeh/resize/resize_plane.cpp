@@ -1,4 +1,4 @@
-// Finds the kernels that a change of size is made of.
+// Chooses the kernels that resize a plane.
 #include "cpu_bokeh/resize/resize_plane.h"
 
 #include <algorithm>
@@ -10,7 +10,7 @@
 namespace zuqel {
 namespace {
 
-// A factor in up to three steps, the first first; 0 is no step.
+// A factor in up to three steps, in their order; 0 is no step.
 struct Chain {
   int32_t factor;
   std::array<int32_t, 3> steps;

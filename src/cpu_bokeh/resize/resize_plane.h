@@ -1,4 +1,4 @@
-// Changes the size of a plane.
+// Resizes planes.
 #ifndef ZUQEL_CPU_BOKEH_RESIZE_RESIZE_PLANE_H_
 #define ZUQEL_CPU_BOKEH_RESIZE_RESIZE_PLANE_H_
 
@@ -12,13 +12,13 @@
 
 namespace zuqel {
 
-// Memory that resizing uses again.
+// Memory that resizing reuses.
 struct ResizeScratch {
   TapScratch taps;
   std::array<Buffer, 2> between;  // planes between the steps of a chain
 };
 
-// Makes room for a change of size of samples of uint8_t or uint16_t, so that it
+// Makes room for resizing planes of `Sample`, uint8_t or uint16_t, so that it
 // cannot fail; false when there is no memory.
 template <typename Sample>
 [[nodiscard]] bool ReserveResize(ImageSize from, ImageSize to,

@@ -1,5 +1,5 @@
-// Labels components run by run where that gives the same labels as pixel by
-// pixel, which is wherever the mask is two-valued.
+// Labels components run by run, which gives the same labels as pixel by pixel
+// where the mask has two values; other masks are labelled pixel by pixel.
 #include "depth/labelling/components.h"
 
 #include <algorithm>
@@ -73,7 +73,7 @@ class RunWriter {
     fill_to(count, 0);
   }
 
-  // Costs the same wherever runs begin and end.
+  // Takes the same time wherever runs begin and end.
   void WritePixels(uint64_t set, uint64_t starts, uint32_t* out) {
     // 0, the run that goes on from the word before, and those that start here.
     std::array<uint32_t, 2 + kWordBits> run_labels;
@@ -125,8 +125,8 @@ void WriteRuns(Plane<const uint8_t> mask, const MaskBits& bits,
   }
 }
 
-// Takes the last row and column out of the areas.
-void LeaveOutEdges(Plane<const uint32_t> labels, std::span<uint32_t> areas) {
+// Subtracts the last row and column from the areas.
+void SubtractEdges(Plane<const uint32_t> labels, std::span<uint32_t> areas) {
   if (labels.size() == 0) return;
   const int32_t right = labels.width - 1;
   for (int32_t y = 0; y < labels.height; ++y) --areas[labels.row(y)[right]];
@@ -219,7 +219,7 @@ std::optional<uint32_t> LabelComponents(Plane<const uint8_t> mask,
   const ScratchLayout layout(mask.extent());
   auto* bit_rows = reinterpret_cast<uint64_t*>(scratch.bytes());
   const MaskBits bits{layout.row_words, bit_rows, bit_rows + layout.bit_words};
-  uint64_t* unfolded = bit_rows + 2 * layout.bit_words;
+  uint64_t* unsaturated = bit_rows + 2 * layout.bit_words;
   const auto parents =
       scratch.words().subspan(2 * layout.bit_rows(), layout.most_labels);
   uint32_t* run_labels = parents.data() + layout.most_labels;
@@ -228,13 +228,13 @@ std::optional<uint32_t> LabelComponents(Plane<const uint8_t> mask,
   LabelSets sets(parents);
   size_t label_count = 0;
   if (FindBits(mask, bits)) {
-    RunLabelling runs(bits, sets, run_labels, unfolded, areas.size());
+    RunLabelling runs(bits, sets, run_labels, unsaturated, areas.size());
     runs.LabelRuns(mask.height);
     label_count = runs.next_label();
     sets.Flatten(label_count);
     RunWriter writer(sets, run_labels, areas);
     WriteRuns(mask, bits, writer, labels);
-    LeaveOutEdges({labels.data(), mask.width, mask.height}, areas);
+    SubtractEdges({labels.data(), mask.width, mask.height}, areas);
     areas[0] = 0;
   } else {
     std::iota(parents.begin(), parents.end(), 0U);

@@ -20,17 +20,18 @@ namespace zuqel {
 // Labels the 4-connected components of the pixels that are 255. Row 0 and
 // column 0 are never labelled. A component's label is the smallest of those
 // that its pixels were given in raster order: a pixel with nothing above and to
-// its left gets the next number, from 1 on. A pixel beside one that is neither
-// 0 nor 255 stays unlabelled, 0, and 0 counts as a label where components meet:
-// one that touches an unlabelled 255 becomes 0.
+// its left gets the next number, from 1 on. A pixel with a neighbour above or
+// to its left that is neither 0 nor 255 stays unlabelled, 0. Where components
+// meet, 0 counts as a label: a component that touches an unlabelled 255 becomes
+// 0.
 //
-// `labels` has the mask's size. `areas` has one entry per label, its size is
-// the limit of labels; it receives the pixels of each label except 0 and except
-// those in the last row and column. Labels at or above the limit become the one
-// that the last entry below it has.
+// `labels` has the mask's size. `areas` has one entry per label, and its size
+// is the limit of labels; it receives the number of pixels of each label but 0,
+// not counting the last row and column. Labels saturate: one at or above the
+// limit becomes what the last one below it has become.
 //
-// Returns the label with the largest area, of equal ones the smallest, of
-// labels 1 to limit - 2; 0 when there is none. `scratch` is grown as needed;
+// Returns the label from 1 to limit - 2 with the largest area, the smallest of
+// equal ones; 0 when there is none. `scratch` is grown as needed;
 // returns nothing, and writes nothing, when there is no memory.
 std::optional<uint32_t> LabelComponents(Plane<const uint8_t> mask,
                                         std::span<uint32_t> labels,

@@ -1,4 +1,4 @@
-// Sets of labels that were found to belong together.
+// Sets of labels of one component.
 #ifndef ZUQEL_DEPTH_LABELLING_LABEL_SETS_H_
 #define ZUQEL_DEPTH_LABELLING_LABEL_SETS_H_
 

@@ -12,9 +12,9 @@ namespace zuqel {
 
 constexpr size_t kWordBits = 64;
 
-// A mask as rows of bits, the first pixel in the lowest bit of the first word,
-// clear behind the last pixel. A run is a stretch of set pixels that no start
-// but its own lies in.
+// A mask as rows of bits: the first pixel is the lowest bit of the first word,
+// bits past the last pixel are clear. A run is a stretch of set pixels, and
+// only its first one is a start.
 struct MaskBits {
   size_t words;  // in a row
   uint64_t* bits;
@@ -29,7 +29,7 @@ inline size_t WordsOfRow(int32_t width) {
   return (static_cast<size_t>(width) + kWordBits - 1) / kWordBits;
 }
 
-// The bits of a row one pixel further on.
+// The bits of a row, one pixel to the right.
 inline uint64_t Shifted(const uint64_t* row, size_t word) {
   return row[word] << 1 | (word > 0 ? row[word - 1] >> (kWordBits - 1) : 0);
 }

@@ -1,4 +1,4 @@
-// Labels runs word by word, on bits that tell which of them meet.
+// Labels runs word by word; bit operations find the runs that meet.
 #include "depth/labelling/run_labelling.h"
 
 #include <algorithm>
@@ -6,11 +6,11 @@
 namespace zuqel {
 namespace {
 
-// The lowest bits that are set, `count` at most.
+// The lowest set bits, `count` at most.
 uint64_t LowestOf(uint64_t bits, size_t count) {
-  uint64_t rest = bits;
-  for (; rest != 0 && count > 0; --count) rest &= rest - 1;
-  return bits ^ rest;
+  uint64_t higher = bits;
+  for (; higher != 0 && count > 0; --count) higher &= higher - 1;
+  return bits ^ higher;
 }
 
 }  // namespace
@@ -22,23 +22,23 @@ void RunLabelling::LabelRuns(int32_t height) {
     last_run_ += count;
   }
   for (int32_t y = 1; y < height; ++y) {
-    if (MayFold()) SplitFolded(y);
+    if (LabelsCanSaturate()) SplitSaturated(y);
     LabelRow(y);
   }
 }
 
-bool RunLabelling::MayFold() const {
+bool RunLabelling::LabelsCanSaturate() const {
   return next_label_ + bits_.words * kWordBits / 2 > label_limit_;
 }
 
-void RunLabelling::SplitFolded(int32_t y) {
+void RunLabelling::SplitSaturated(int32_t y) {
   const size_t row = bits_.row(y);
   const uint64_t* above = bits_.bits + row - bits_.words;
-  if (!has_folded_) std::copy_n(above, bits_.words, unfolded_);
-  has_folded_ = true;
+  if (!has_saturated_) std::copy_n(above, bits_.words, unsaturated_);
+  has_saturated_ = true;
   size_t next_label = next_label_;
   uint64_t carry = 0;
-  uint64_t last = 0;  // the bit of `unfolded` before this word's
+  uint64_t last = 0;  // the bit of `unsaturated` before this word's
   for (size_t word = 0; word < bits_.words; ++word) {
     const uint64_t set = bits_.bits[row + word];
     uint64_t& starts = bits_.starts[row + word];
@@ -46,16 +46,16 @@ void RunLabelling::SplitFolded(int32_t y) {
     const uint64_t new_labels = starts & ~above[word] & ~at_column_0;
     const size_t room = label_limit_ - std::min(label_limit_, next_label);
     const uint64_t seeds =
-        (set & unfolded_[word]) | at_column_0 | LowestOf(new_labels, room);
+        (set & unsaturated_[word]) | at_column_0 | LowestOf(new_labels, room);
     next_label += BitCount(new_labels);
-    // The carry runs from the first seed of a run to its end and leaves what
-    // lies before it as it was.
+    // The carry runs from the first seed of a run to its end; the bits before
+    // the seed stay as they were.
     const uint64_t sum = set + seeds;
-    const uint64_t unfolded = set & (~(sum + carry) | seeds);
+    const uint64_t unsaturated = set & (~(sum + carry) | seeds);
     carry = sum < set || sum + carry < sum ? 1 : 0;
-    starts |= unfolded & ~(unfolded << 1 | last);
-    last = unfolded >> (kWordBits - 1);
-    unfolded_[word] = unfolded;
+    starts |= unsaturated & ~(unsaturated << 1 | last);
+    last = unsaturated >> (kWordBits - 1);
+    unsaturated_[word] = unsaturated;
   }
 }
 
@@ -71,9 +71,9 @@ void RunLabelling::LabelRow(int32_t y) {
     const uint32_t* runs = run_labels_ + last_run_;
     const bool at_column_0 = word == 0 && (starts & 1) != 0;
     if (at_column_0) run_labels_[++last_run_] = 0;
-    GiveLabels(starts ^ (at_column_0 ? 1 : 0), up, up_starts, above);
+    AssignLabels(starts ^ (at_column_0 ? 1 : 0), up, up_starts, above);
 
-    // Runs above that start further on join the run below them.
+    // Runs above that start later join the run below them.
     for (uint64_t meets = up_starts & set & ~starts; meets != 0;
          meets &= meets - 1) {
       const uint64_t upto = UpToLowest(meets);
@@ -89,14 +89,14 @@ void RunLabelling::LabelRow(int32_t y) {
   }
 }
 
-void RunLabelling::GiveLabels(uint64_t starts, uint64_t up, uint64_t up_starts,
-                              const uint32_t* above) {
+void RunLabelling::AssignLabels(uint64_t starts, uint64_t up,
+                                uint64_t up_starts, const uint32_t* above) {
   uint32_t next_label = next_label_;
   uint32_t* run_label = run_labels_ + last_run_;
   for (; starts != 0; starts &= starts - 1) {
     const uint64_t upto = UpToLowest(starts);
     const uint32_t above_label = above[BitCount(up_starts & upto)];
-    // Without a branch: noise has no habits to predict.
+    // Without a branch: branches on noise mispredict.
     const uint32_t is_new = (up & upto & starts) == 0 ? 1 : 0;
     sets_.Add(next_label);
     *++run_label = above_label ^ ((above_label ^ next_label) & (0 - is_new));

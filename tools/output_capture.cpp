@@ -1,5 +1,5 @@
-// Turns standard output aside while the library works.
-#include "library_output.h"
+// Keeps what the library prints out of the program's standard output.
+#include "output_capture.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -17,41 +17,41 @@
 namespace zuqel::tools {
 namespace {
 
-// The library prints through the same buffer as the program, so what stands in
-// it goes out before its target changes.
-void PointOutputAt(int target) {
+// The library prints through the program's own stdio buffer, so that is flushed
+// before its target changes.
+void RedirectOutput(int target) {
   static_cast<void>(std::fflush(stdout));
   dup2(target, STDOUT_FILENO);
 }
 
 }  // namespace
 
-LibraryOutput::LibraryOutput()
+OutputCapture::OutputCapture()
     : program_output_(fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0)) {
   if (program_output_ < 0) return;
-  aside_ = memfd_create("library_output", MFD_CLOEXEC);
-  if (aside_ < 0) {
+  captured_ = memfd_create("captured_output", MFD_CLOEXEC);
+  if (captured_ < 0) {
     const std::string reason = std::strerror(errno);
     close(program_output_);
-    throw WorkError("standard output cannot be turned aside: " + reason);
+    throw WorkError("standard output cannot be captured: " + reason);
   }
-  PointOutputAt(aside_);
+  RedirectOutput(captured_);
 }
 
-LibraryOutput::~LibraryOutput() {
+OutputCapture::~OutputCapture() {
   if (program_output_ < 0) return;
   if (LibraryLogIsShown()) std::cerr << Text();
-  PointOutputAt(program_output_);
+  RedirectOutput(program_output_);
   close(program_output_);
-  close(aside_);
+  close(captured_);
 }
 
-std::string LibraryOutput::Text() const {
+std::string OutputCapture::Text() const {
   static_cast<void>(std::fflush(stdout));
   std::string text;
   std::array<char, 1024> piece;
   ssize_t size = 0;
-  while ((size = pread(aside_, piece.data(), piece.size(),
+  while ((size = pread(captured_, piece.data(), piece.size(),
                        static_cast<off_t>(text.size()))) > 0) {
     text.append(piece.data(), static_cast<size_t>(size));
   }
