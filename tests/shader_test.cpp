@@ -137,6 +137,7 @@ TEST_F(ShaderTest, ProgramsGiveThePlainResult) {
 }
 
 struct WeightRow {
+  const char* name;
   reference::DepthRange range;
   // Worked out by hand for disparity 255, which decodes to 256.
   int clear, all_in_focus;
@@ -149,18 +150,18 @@ TEST_F(ShaderTest, WeightsOfAllDisparities) {
   Image depth = FromDisparity(disparity, kSize);
   depth.linear = false;
   for (const WeightRow& row : std::to_array<WeightRow>({
-           {{259, 249, 300}, 0, 0},       // at 30 percent
-           {{263, 253, 300}, 255, 0},     // at 70 percent
-           {{279, 229, 300}, 102, 255},   // behind
-           {{233, 200, 283}, 53, 0},      // in front
-           {{2000, 229, 279}, 102, 255},  // focus above the range
-           {{0, 233, 283}, 53, 20},       // focus below the range
-           {{0, 256, 256}, 0, 0},         // a range of one value
-           {{286, 186, 336}, 0, 0},       // the last one of the sharp share
-           {{291, 191, 341}, 32, 166},    // on the ramp behind
-           {{236, 236, 336}, 0, 153},     // on the ramp in front
-           {{900, 100, 900}, 255, 255},   // long ramps behind
-           {{50, 0, 1023}, 0, 141},       // and in front
+           {"at 30 percent", {259, 249, 300}, 0, 0},
+           {"at 70 percent", {263, 253, 300}, 255, 0},
+           {"behind", {279, 229, 300}, 102, 255},
+           {"in front", {233, 200, 283}, 53, 0},
+           {"focus above the range", {2000, 229, 279}, 102, 255},
+           {"focus below the range", {0, 233, 283}, 53, 20},
+           {"a range of one value", {0, 256, 256}, 0, 0},
+           {"end of the sharp share", {286, 186, 336}, 0, 0},
+           {"ramp behind", {291, 191, 341}, 32, 166},
+           {"ramp in front", {236, 236, 336}, 0, 153},
+           {"long ramp behind", {900, 100, 900}, 255, 255},
+           {"long ramp in front", {50, 0, 1023}, 0, 141},
        })) {
     const Uniforms range = {{"focusPlane", row.range.focus},
                             {"min_depth", row.range.min},
@@ -169,8 +170,7 @@ TEST_F(ShaderTest, WeightsOfAllDisparities) {
       const Image gpu =
           Check(role, kSize, {{"depthTexture", &depth}}, range, kRendered,
                 [&](Point at) { return shade(Sample(depth, at), row.range); });
-      EXPECT_NEAR(gpu.rgba[size_t{4} * 255], weight_of_255, 1)
-          << row.range.focus;
+      EXPECT_NEAR(gpu.rgba[size_t{4} * 255], weight_of_255, 1) << row.name;
     };
     check(ProgramRole::DepthWeightProgram, reference::DepthWeight, row.clear);
     check(ProgramRole::AllInFocusWeightProgram, reference::AllInFocusWeight,
