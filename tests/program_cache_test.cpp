@@ -107,8 +107,8 @@ class ProgramCacheTest : public testing::Test {
 
   // A start that compiles `shaders`, has the programs `linked` and keeps
   // `kept`; the luma that it renders.
-  Bytes Start(uint8_t* cache, int shaders, const Entries& linked,
-              const Bytes& kept) {
+  static Bytes Start(uint8_t* cache, int shaders, const Entries& linked,
+                     const Bytes& kept) {
     const int before = driver::CallCount(driver::Call::kCompileShader);
     const ScopedSession session(SmallPreviewInfo(), cache);
     EXPECT_EQ(driver::CallCount(driver::Call::kCompileShader),
