@@ -84,7 +84,7 @@ TEST(OutOfMemory, ARefusedInitialisationKeepsNothing) {
 // What a call may change, as it is handed in.
 struct Handed {
   explicit Handed(const GLInitInfo& info) : frame(info), map(64 * 48) {
-    std::ranges::fill(map.span(), uint8_t{77});
+    std::fill(map.span().begin(), map.span().end(), uint8_t{77});
   }
 
   [[nodiscard]] std::vector<uint16_t> Contents() const {
