@@ -1,6 +1,6 @@
 # The device maker's keys, from files with 64 hex digits to a generated header.
-# They are the maker's secret: neither the files nor the build folder belong in
-# a repository.
+# They are the maker's secret: keep both the files and the build folder out of
+# any repository.
 
 # Sets `result` in the caller to the bytes of the key in `file` as a C++ list;
 # empty without a file.

@@ -5,7 +5,7 @@ if(EXISTS ${GTEST_SOURCES}/CMakeLists.txt AND NOT TARGET GTest::gtest)
   set(INSTALL_GTEST OFF)
   add_subdirectory(${GTEST_SOURCES} ${CMAKE_BINARY_DIR}/googletest
                    EXCLUDE_FROM_ALL SYSTEM)
-  # Warnings of code that is not ours.
+  # Its warnings are not ours to fix.
   target_compile_options(gtest PRIVATE -w)
   target_compile_options(gmock PRIVATE -w)
 endif()

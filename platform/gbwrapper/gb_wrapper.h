@@ -1,8 +1,8 @@
-// The maker's graphic-buffer wrapper library, as far as it is used. A device
-// build can be given the maker's own header in its place.
+// The part of the maker's graphic-buffer wrapper library that is used. A device
+// build can use the maker's own header instead.
 //
-// The one for Linux looks at the property "zuqel.graphicbuffer" on every call:
-// "0" plays a device whose graphic buffers cannot be used, "unreadable" one
+// The one for Linux reads the property "zuqel.graphicbuffer" on every call: "0"
+// simulates a device whose graphic buffers cannot be used, "unreadable" one
 // whose buffers cannot be locked.
 #ifndef PLATFORM_GBWRAPPER_GB_WRAPPER_H_
 #define PLATFORM_GBWRAPPER_GB_WRAPPER_H_
@@ -24,10 +24,10 @@ class GBWrapper {
 
   // Makes buffer `index`; the format code is the maker's.
   int AllocBuffer(int width, int height, unsigned format, int index);
-  // What an EGL image is made from; null when there is no such buffer.
+  // What an EGL image is made from; null if there is no such buffer.
   void* getNativeBuffer(int index);
-  // Points `pixels` to the buffer's bytes, rows of width x 4, until `unlock`;
-  // to null when it cannot be read.
+  // Points `pixels` to the buffer's bytes, rows of width x 4, until `unlock`,
+  // or to null when the buffer cannot be read.
   int lock_read(void** pixels, int index);
   int unlock(int index);
 

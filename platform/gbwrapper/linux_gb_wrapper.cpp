@@ -1,5 +1,5 @@
-// Graphic buffers on Linux: each is a GL texture, shared as an EGL image. It is
-// made and read on the thread whose context is current.
+// Graphic buffers on Linux: each is a GL texture shared as an EGL image, made
+// and read on the thread whose context is current.
 #include <EGL/egl.h>
 #include <GLES2/gl2.h>
 #include <native_buffer.h>
@@ -26,7 +26,7 @@ class TextureBuffer {
     glGetIntegerv(GL_TEXTURE_BINDING_2D, &bound);
     glGenTextures(1, &native_.texture);
     glBindTexture(GL_TEXTURE_2D, native_.texture);
-    // Beyond its largest size a driver's own arithmetic may overflow.
+    // Above its maximum size, a driver's own arithmetic may overflow.
     GLint largest = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
     if (width <= largest && height <= largest) {
@@ -36,7 +36,7 @@ class TextureBuffer {
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
   }
-  // In another context the name may be someone else's.
+  // In another context the name may belong to another texture.
   ~TextureBuffer() {
     if (eglGetCurrentContext() == context_) {
       glDeleteTextures(1, &native_.texture);

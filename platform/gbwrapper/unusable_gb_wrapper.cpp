@@ -1,4 +1,5 @@
-// The wrapper of a system without graphic buffers: nothing works, and says so.
+// The wrapper of a system without graphic buffers: nothing works, and every
+// call reports it.
 #include "gb_wrapper.h"
 
 bool isValidGBWrapper() {

@@ -1,5 +1,5 @@
-// Stands between the library and the desktop's EGL. The linker sends the
-// library's calls of eglX here as __wrap_eglX; calls made in this file reach
+// Sits between the library and the desktop's EGL. The linker redirects the
+// library's calls of eglX to __wrap_eglX here; calls made in this file reach
 // the driver.
 #include "driver_adaptation.h"
 
@@ -26,7 +26,7 @@ struct CallState {
 std::array<CallState, static_cast<size_t>(Call::kCount)> call_states;
 std::atomic<bool> error_is_pending{false};
 
-// Counts a call; true when it has to fail.
+// Counts a call. True if it has to fail.
 bool Fails(Call call) {
   CallState& state = call_states[static_cast<size_t>(call)];
   state.count += 1;
@@ -40,8 +40,8 @@ bool IsSet(const char* variable) {
   return value != nullptr && value[0] != '\0';
 }
 
-// Without a window system the default display cannot be opened; the surfaceless
-// platform can.
+// Without a window system the default display cannot be opened, but the
+// surfaceless platform can.
 EGLDisplay SurfacelessDisplay() {
   const auto get_platform_display =
       reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(
@@ -51,8 +51,8 @@ EGLDisplay SurfacelessDisplay() {
                               EGL_DEFAULT_DISPLAY, nullptr);
 }
 
-// The same attribute list without the window bit: no config can draw to windows
-// where there are none.
+// The same attributes without the window bit: where there are no windows, no
+// config can draw to them.
 std::vector<EGLint> WithoutWindowBit(const EGLint* attributes) {
   std::vector<EGLint> changed;
   for (; *attributes != EGL_NONE; attributes += 2) {
@@ -95,8 +95,8 @@ EGLDisplay __wrap_eglGetDisplay(EGLNativeDisplayType native) {
 EGLBoolean __wrap_eglInitialize(EGLDisplay display, EGLint* major,
                                 EGLint* minor) {
   if (Fails(Call::kInitialize)) return EGL_FALSE;
-  // The software renderer's fast 8-bit filter rounds each channel by itself,
-  // which tears a 16-bit value packed in two channels apart.
+  // The software renderer's fast 8-bit filter rounds each channel separately,
+  // which corrupts a 16-bit value packed in two channels.
   setenv("GALLIVM_PERF", "no_aos_sampling", 0);
   return eglInitialize(display, major, minor);
 }

@@ -15,7 +15,7 @@
 namespace zuqel::driver {
 namespace {
 
-// The one binary format that a desktop driver has, 0 for none.
+// The only binary format of a desktop driver; 0 if it has none.
 GLenum OwnBinaryFormat() {
   GLint count = 0;
   glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS_OES, &count);
@@ -49,7 +49,7 @@ EGLImageKHR EGLAPIENTRY CreateImage(EGLDisplay display, EGLContext context,
   if (buffer == nullptr) return EGL_NO_IMAGE_KHR;
   const uintptr_t texture = static_cast<NativeBuffer*>(buffer)->texture;
   return create_image(display, eglGetCurrentContext(), EGL_GL_TEXTURE_2D_KHR,
-                      // EGL takes a texture's name in the place of a pointer.
+                      // EGL takes a texture's name as a pointer.
                       // NOLINTNEXTLINE(performance-no-int-to-ptr)
                       reinterpret_cast<EGLClientBuffer>(texture), attributes);
 }

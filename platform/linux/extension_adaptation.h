@@ -6,8 +6,8 @@
 
 namespace zuqel::driver {
 
-// What stands for the driver's own function of this name, or null where the
-// driver's is used as it is.
+// The replacement for the driver's function of this name; null where the
+// driver's own is used.
 __eglMustCastToProperFunctionPointerType AdaptedFunction(const char* name);
 
 }  // namespace zuqel::driver

@@ -1,5 +1,5 @@
 // Counts the calls that the library makes to the desktop's EGL, and makes
-// chosen ones fail, so that tests can walk through a driver's failures.
+// chosen ones fail, so that tests can go through the failures of a driver.
 #ifndef PLATFORM_LINUX_DRIVER_ADAPTATION_H_
 #define PLATFORM_LINUX_DRIVER_ADAPTATION_H_
 
@@ -24,11 +24,11 @@ enum class Call {
 };
 
 // Makes every later call of this kind fail without reaching the driver, until
-// it is called again with `fails` false. A call made to fail leaves
+// this is called again with `fails` false. A call made to fail leaves
 // EGL_BAD_ALLOC for the library's next eglGetError.
 void SetFailing(Call call, bool fails);
 
-// Calls made since the process began, the failed ones included.
+// Calls since the process began, including failed ones.
 int CallCount(Call call);
 
 }  // namespace zuqel::driver

@@ -1,4 +1,4 @@
-// What stands for a device's native buffer: a texture of the current context.
+// Stands in for a device's native buffer: a texture of the current context.
 #ifndef PLATFORM_LINUX_NATIVE_BUFFER_H_
 #define PLATFORM_LINUX_NATIVE_BUFFER_H_
 

@@ -39,11 +39,11 @@ typedef void (*__android_logger_function)(
 int __android_log_print(int prio, const char* tag, const char* fmt, ...)
     __attribute__((format(printf, 3, 4)));
 
-/* Sets the lowest priority that is logged (at start everything is) and returns
- * the one before. */
+/* Sets the lowest priority that is logged (initially everything is) and
+ * returns the previous one. */
 int32_t __android_log_set_minimum_priority(int32_t priority);
 
-/* Replaces the logger; null brings back the one that writes to standard error
+/* Replaces the logger; null restores the one that writes to standard error
  * in logcat's brief form. Calls of the logger never overlap. */
 void __android_log_set_logger(__android_logger_function logger);
 

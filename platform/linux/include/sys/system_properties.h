@@ -8,11 +8,11 @@
 extern "C" {
 #endif
 
-/* Longest value, its terminating zero included. */
+/* Longest value, including the terminating zero. */
 #define PROP_VALUE_MAX 92
 
 /* Copies a property's value into `value`, which has room for PROP_VALUE_MAX
- * bytes, and returns its length; an unset property is the empty text. */
+ * bytes, and returns its length, 0 for an unset property. */
 int __system_property_get(const char* name, char* value);
 
 /* Sets a property. Returns 0, or -1 for a value that is too long. */
