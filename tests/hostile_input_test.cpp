@@ -145,7 +145,7 @@ TEST(HostileInput, EmptyRowsAreNotWalked) {
     const ScopedSession session(info);
     ASSERT_EQ(session.status(), 0U);
     const CallerFrame frame(info);
-    const GuardedMemory<uint8_t> map(64 * 64);
+    const GuardedMemory<uint8_t> map(4096);
     zuQelRT_GenRefocusMap_init();
     for (const bool from_depth : {false, true}) {
       EXPECT_EQ(frame.Render({.from_depth = from_depth}), 0U);

@@ -31,7 +31,8 @@ class InContext {
   InContext& operator=(InContext&& other) noexcept {
     if (this == &other) return *this;
     std::destroy_at(this);
-    return *std::construct_at(this, std::move(other));
+    std::construct_at(this, std::move(other));
+    return *this;
   }
   InContext(const InContext&) = delete;
   InContext& operator=(const InContext&) = delete;
