@@ -5,15 +5,12 @@
 #include <array>
 #include <cstdlib>
 #include <mutex>
-#include <new>
 
 extern "C" {
 void* __real_calloc(size_t count, size_t size);
 void __real_free(void* block);
-void* __real__Znwm(size_t size);
 void* __wrap_calloc(size_t count, size_t size);
 void __wrap_free(void* block);
-void* __wrap__Znwm(size_t size);
 }
 
 namespace zuqel::library_allocations {
@@ -31,7 +28,6 @@ struct State {
   size_t bytes_held = 0;
   int count = 0;
   int failing = 0;  // the number of the block that fails, 0 for none
-  bool new_fails = false;
 };
 
 State& TheState() {
@@ -66,14 +62,6 @@ FailingBlock::FailingBlock(int number) {
 FailingBlock::~FailingBlock() {
   const std::lock_guard lock(TheState().mutex);
   TheState().failing = 0;
-}
-
-FailingNew::FailingNew() {
-  TheState().new_fails = true;
-}
-
-FailingNew::~FailingNew() {
-  TheState().new_fails = false;
 }
 
 namespace {
@@ -111,9 +99,4 @@ void* __wrap_calloc(size_t count, size_t size) {
 
 void __wrap_free(void* block) {
   zuqel::library_allocations::GiveBack(block);
-}
-
-void* __wrap__Znwm(size_t size) {
-  if (zuqel::library_allocations::TheState().new_fails) throw std::bad_alloc();
-  return __real__Znwm(size);
 }

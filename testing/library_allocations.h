@@ -22,16 +22,6 @@ class FailingBlock {
   FailingBlock& operator=(const FailingBlock&) = delete;
 };
 
-// While it lives, operator new throws std::bad_alloc in this program's own
-// objects: nothing but the library may use it then.
-class FailingNew {
- public:
-  FailingNew();
-  ~FailingNew();
-  FailingNew(const FailingNew&) = delete;
-  FailingNew& operator=(const FailingNew&) = delete;
-};
-
 }  // namespace zuqel::library_allocations
 
 #endif  // TESTING_LIBRARY_ALLOCATIONS_H_

@@ -1,5 +1,4 @@
-// Calls that find no memory: no exception leaves them, and what they are given
-// stays as it is.
+// Calls that find no memory: what they are given stays as it is.
 #include <gtest/gtest.h>
 #include <zuQelRT_generators.h>
 
@@ -17,36 +16,6 @@ namespace {
 
 using library_allocations::BytesHeld;
 using library_allocations::FailingBlock;
-using library_allocations::FailingNew;
-
-void RenderDumped(const GLInitInfo& info) {
-  const ScopedProperty dumps("persist.zu.VLGLbokeh.readfile", "1");
-  const ScopedProperty directory("persist.zu.LVGLbokeh.fileDir", "/nowhere/");
-  const CallerFrame frame(info);
-  const FailingNew failing;
-  EXPECT_EQ(frame.Render({}), 0U);
-}
-
-TEST(OutOfMemory, NoExceptionLeavesACall) {
-  ResetSession();
-  std::vector<uint8_t> cache(kProgramCacheBytes);
-  constexpr std::array<uint8_t, 512> kRecord = {};
-  const GLInitInfo info = SmallInfo();
-  for (int session = 0; session < 2; ++session) {
-    {
-      const FailingNew failing;
-      zuQelRT_GLInitV1_1(kRecord.data(), uint32_t{kRecord.size()}, nullptr, 0,
-                         &info, cache.data());
-      zuQelRT_GenRefocusMap_init();
-      zuQelRT_GenRefocusMap_init();
-    }
-    PinDriverLibraries();
-    RenderDumped(info);
-    const FailingNew failing;
-    if (session == 1) zuQelRT_GenRefocusMap_Deinit();
-    zuQelRT_GLClose();
-  }
-}
 
 // Every block that an initialisation takes, in turn.
 TEST(OutOfMemory, ARefusedInitialisationKeepsNothing) {
