@@ -74,18 +74,16 @@ Bytes BinaryOf(size_t entry) {
 
 struct Built {
   Bytes cache = Bytes(kCacheBytes);
+  Lines log = {};
   size_t end = kHeadBytes;  // of what is written
-  Lines log;
 };
 
 // What building into zeros gives, from the running session's programs.
 Built Expected(const std::vector<size_t>& order) {
-  std::vector<Bytes> binaries;
-  for (size_t i = 0; i < kEntries; ++i) binaries.push_back(BinaryOf(i));
   Built built;
   size_t& end = built.end;
   for (const size_t entry : order) {
-    const Bytes& binary = binaries[entry];
+    const Bytes binary = BinaryOf(entry);
     if (binary.size() > kCacheBytes - end) {
       built.log.emplace_back("FAIL.");
       continue;
@@ -131,6 +129,19 @@ class ProgramCacheTest : public testing::Test {
     return frame.luma;
   }
 
+  // A cache built into zeros, and the log of that.
+  Built Build(const std::vector<size_t>& order,
+              AttributeNames names = kAttributeNames) {
+    std::vector<CacheStep> steps;
+    for (const size_t entry : order) {
+      steps.push_back({&RowOfEntry(entry).source, entry});
+    }
+    Cache cache(kCacheBytes);
+    log_.Take();
+    BuildProgramCache(steps, names, cache.span().first<kCacheBytes>());
+    return {{cache.data(), cache.data() + kCacheBytes}, log_.Take()};
+  }
+
   static const ProgramCache& Kept() {
     return TheSession().RunningProgramCache();
   }
@@ -149,9 +160,7 @@ std::vector<CacheRow> CacheRows() {
   constexpr int32_t kMax = INT32_MAX, kMin = INT32_MIN;
   constexpr auto kSize = static_cast<int32_t>(kCacheBytes);
   const auto fill = [](size_t from, uint8_t byte) {
-    return [=](auto cache) {
-      std::fill_n(&cache[from], kCacheBytes - from, byte);
-    };
+    return [=](auto cache) { std::ranges::fill(cache.subspan(from), byte); };
   };
   std::vector<CacheRow> rows = {{"valid", All(), fill(kCacheBytes - 1, 1)},
                                 {"zeros", {}, fill(0, 0)},
@@ -230,35 +239,23 @@ TEST_F(ProgramCacheTest, BuilderStaysInsideTheCache) {
   ASSERT_EQ(std::count(expected.log.begin(), expected.log.end(), "FAIL."), 2);
   ASSERT_EQ(expected.log.back(), "FAIL.");
   ASSERT_NE(*(expected.log.end() - 2), "FAIL.") << "the small one fits";
-  std::vector<CacheStep> steps;
-  steps.reserve(order.size());
-  for (const size_t entry : order) {
-    steps.push_back({&RowOfEntry(entry).source, entry});
-  }
-  Cache cache(kCacheBytes);
-  log_.Take();
-  BuildProgramCache(steps, kAttributeNames, cache.span().first<kCacheBytes>());
-  EXPECT_EQ(log_.Take(), expected.log);
-  EXPECT_TRUE(
-      std::equal(expected.cache.begin(), expected.cache.end(), cache.data()));
+  const Built built = Build(order);
+  EXPECT_EQ(built.log, expected.log);
+  EXPECT_TRUE(built.cache == expected.cache);
 }
 
 TEST_F(ProgramCacheTest, BinariesMayPlaceTheirAttributes) {
   const Bytes none(kCacheBytes);
   const Bytes compiled = Start(nullptr, kCompiled, All(), none);
-  std::vector<CacheStep> steps;
-  for (size_t i = 0; i < kEntries; ++i) {
-    steps.push_back({&RowOfEntry(i).source, i});
-  }
   constexpr std::array kElsewhere = {"a", "b", "inputTextureCoordinate", "c",
                                      "position"};
-  Cache cache(kCacheBytes);
-  BuildProgramCache(steps, kElsewhere, cache.span().first<kCacheBytes>());
+  const Bytes kept =
+      Build({kBuildOrder.begin(), kBuildOrder.end()}, kElsewhere).cache;
+  Bytes cache = kept;
   for (const GLuint location : {2U, 4U}) {
     glVertexAttribPointer(location, 3, GL_SHORT, GL_TRUE, 8, cache.data());
     glEnableVertexAttribArray(location);
   }
-  const Bytes kept(cache.data(), cache.data() + kCacheBytes);
   EXPECT_EQ(Start(cache.data(), kUncached, All(), kept), compiled);
   for (const GLuint location : {2U, 4U}) {
     void* pointer = nullptr;
@@ -288,9 +285,7 @@ TEST_F(ProgramCacheTest, LocationsAreLookedUpAtTheStartOnly) {
     const int after_start = look_ups();
     EXPECT_GT(after_start, before);
     TestFrame frame;
-    for (const bool from_depth : {false, true}) {
-      for (const int32_t bypass : {0, 1}) frame.Render(from_depth, bypass);
-    }
+    for (const int i : {0, 1, 2, 3}) frame.Render(i / 2 == 1, i % 2);
     for (const auto generate :
          {zuQelRT_GenRefocusMap, zuQelRT_GenRefocusMap_ZU4410_DispartyBase}) {
       generate(frame.weights.data(), frame.depth.data(), 3, 4, nullptr, nullptr,
@@ -304,20 +299,15 @@ TEST_F(ProgramCacheTest, LocationsAreLookedUpAtTheStartOnly) {
 // As on a driver that links programs but keeps no binaries.
 TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {
   const ScopedSession session(SmallPreviewInfo(), nullptr);
-  const std::array<CacheStep, 2> steps = {
-      {{&RowOfEntry(2).source, 2}, {&RowOfEntry(6).source, 6}}};
-  Bytes expected(kCacheBytes);
-  SetEntry(expected, 2, {kHeadBytes, 0});
-  SetEntry(expected, 6, {kHeadBytes, 0});
-  SetWord(expected, kValidWord, 1);
-  Cache cache(kCacheBytes);
-  log_.Take();
   driver::SetFailing(driver::Call::kProgramBinaryLength, true);
-  BuildProgramCache(steps, kAttributeNames, cache.span().first<kCacheBytes>());
+  const Built built = Build({2, 6});
   driver::SetFailing(driver::Call::kProgramBinaryLength, false);
-  EXPECT_EQ(log_.Take(), (Lines{"binaryLength = 0", "dst_offset = 92",
-                                "binaryLength = 0", "dst_offset = 92"}));
-  EXPECT_TRUE(std::equal(expected.begin(), expected.end(), cache.data()));
+  Bytes expected(kCacheBytes);
+  for (const size_t i : {2, 6}) SetEntry(expected, i, {kHeadBytes, 0});
+  SetWord(expected, kValidWord, 1);
+  EXPECT_EQ(built.log, (Lines{"binaryLength = 0", "dst_offset = 92",
+                              "binaryLength = 0", "dst_offset = 92"}));
+  EXPECT_TRUE(built.cache == expected);
 }
 
 }  // namespace
