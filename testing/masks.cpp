@@ -6,15 +6,6 @@
 #include <cstdlib>
 
 namespace zuqel {
-namespace {
-
-// Number of the square ring around the centre.
-int32_t RingOf(const Pixel& at, int32_t centre_y) {
-  return std::max(std::abs(at.x - at.width / 2), std::abs(at.y - centre_y));
-}
-
-}  // namespace
-
 bool IsCheckerboard(const Pixel& at, Random&) {
   return (at.x + at.y) % 2 == 0;
 }
@@ -27,18 +18,12 @@ bool IsCombOnItsSide(const Pixel& at, Random&) {
   return at.y % 2 == 1 || at.x == at.width - 2;
 }
 
-bool IsTopOrLeftEdge(const Pixel& at, Random&) {
-  return at.x == 0 || at.y == 0;
-}
-
-bool IsRings(const Pixel& at, Random&) {
-  return RingOf(at, at.height / 2) / 4 % 2 == 0;
-}
-
-// Rings whose right half is one step lower, so that each runs into the next.
+// Square rings around the centre. Their right half is one step lower, so that
+// each runs into the next.
 bool IsSpiral(const Pixel& at, Random&) {
-  const int32_t drop = at.x > at.width / 2 ? 1 : 0;
-  return (RingOf(at, at.height / 2 + drop) + drop) % 2 == 0;
+  const int32_t right = at.x - at.width / 2, drop = right > 0 ? 1 : 0;
+  const int32_t down = at.y - at.height / 2 - drop;
+  return (std::max(std::abs(right), std::abs(down)) + drop) % 2 == 0;
 }
 
 bool IsSubject(const Pixel& at, Random& random) {

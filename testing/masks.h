@@ -29,8 +29,6 @@ bool IsCheckerboard(const Pixel& at, Random&);
 // Columns that a row near the bottom joins, and the same on its side.
 bool IsComb(const Pixel& at, Random&);
 bool IsCombOnItsSide(const Pixel& at, Random&);
-bool IsTopOrLeftEdge(const Pixel& at, Random&);
-bool IsRings(const Pixel& at, Random&);
 bool IsSpiral(const Pixel& at, Random&);
 // What a refocus map's mask looks like: a subject with ragged edges and holes,
 // thin leaves, islands.

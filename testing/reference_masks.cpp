@@ -17,14 +17,13 @@ uint32_t LabelAt(const Components& components, int64_t index) {
                                               : 0;
 }
 
-void RemoveUnless(auto is_kept, const Components& components, Mask& mask) {
+// Clears components, and refills the border, columns and then rows, from
+// `steps` inward.
+Mask Keep(Mask mask, const Components& components, int32_t steps,
+          auto is_kept) {
   for (size_t i = 0; i < mask.values.size(); ++i) {
     if (!is_kept(components.labels.values[i])) mask.values[i] = 0;
   }
-}
-
-// Columns, then rows, from `steps` inward.
-void RefillBorder(Mask& mask, int32_t steps) {
   const auto refill = [&mask](int32_t x, int32_t y, int32_t from_x,
                               int32_t from_y) {
     const uint8_t* from = mask.At(from_x, from_y);
@@ -35,6 +34,7 @@ void RefillBorder(Mask& mask, int32_t steps) {
   for (int32_t y = 0; y <= bottom; ++y) refill(right, y, right - steps, y);
   for (int32_t x = 0; x <= right; ++x) refill(x, 0, x, steps);
   for (int32_t x = 0; x <= right; ++x) refill(x, bottom, x, bottom - steps);
+  return mask;
 }
 
 }  // namespace
@@ -79,48 +79,33 @@ Components LabelComponents(const Mask& mask, size_t label_limit) {
 Mask PruneComponents(Mask mask, int64_t focus, bool keep_only_focus,
                      uint32_t& focus_area) {
   SetRing(mask, 0, 0);
-  const Components components = LabelComponents(mask, kLabelLimit);
-  const std::vector<uint32_t>& areas = components.areas;
-  const uint32_t focus_label = LabelAt(components, focus);
-  const uint32_t largest_area = *std::max_element(areas.begin(), areas.end());
-  RemoveUnless(
-      [&](uint32_t label) {
-        const bool is_large =
-            !keep_only_focus && areas[label] > largest_area * 80 / 100;
-        return areas[label] == 0 || is_large || label == focus_label;
-      },
-      components, mask);
-  focus_area = areas[focus_label];
-  RefillBorder(mask, 1);
-  return mask;
+  const Components made = LabelComponents(mask, kLabelLimit);
+  const std::vector<uint32_t>& areas = made.areas;
+  const uint32_t at_focus = LabelAt(made, focus);
+  const uint32_t largest = *std::max_element(areas.begin(), areas.end());
+  focus_area = areas[at_focus];
+  return Keep(mask, made, 1, [&](uint32_t label) {
+    const bool is_large = !keep_only_focus && areas[label] > largest * 80 / 100;
+    return areas[label] == 0 || is_large || label == at_focus;
+  });
 }
 
 Mask KeepFocusAndBorderComponents(Mask mask, int64_t focus) {
   SetRing(mask, 0, 0);
   SetRing(mask, 1, 255);
-  const Components components = LabelComponents(mask, kLabelLimit);
-  const uint32_t focus_label = LabelAt(components, focus);
-  const uint32_t ring_label = LabelAt(components, int64_t{mask.width} + 1);
-  RemoveUnless(
-      [&](uint32_t label) {
-        return label == focus_label || label == ring_label;
-      },
-      components, mask);
-  RefillBorder(mask, 2);
-  return mask;
+  const Components made = LabelComponents(mask, kLabelLimit);
+  return Keep(mask, made, 2, [&](uint32_t label) {
+    return label == LabelAt(made, focus) ||
+           label == LabelAt(made, int64_t{mask.width} + 1);
+  });
 }
 
 Mask RemoveSpecks(Mask mask, uint32_t focus_area) {
   SetRing(mask, 0, 0);
-  const Components components = LabelComponents(mask, kLabelLimit);
-  RemoveUnless(
-      [&](uint32_t label) {
-        const uint32_t area = components.areas[label];
-        return area == 0 || area > focus_area / 200;
-      },
-      components, mask);
-  RefillBorder(mask, 2);
-  return mask;
+  const Components made = LabelComponents(mask, kLabelLimit);
+  return Keep(mask, made, 2, [&](uint32_t label) {
+    return made.areas[label] == 0 || made.areas[label] > focus_area / 200;
+  });
 }
 
 Mask FilterSquare(Mask mask, int32_t radius, Combine combine) {

@@ -77,42 +77,30 @@ struct Division {
 };
 constexpr Division kNearest = {256, 128};
 
+// Along rows or along columns.
 template <typename T>
-Image<T> SumColumns(const Image<T>& in, const Axis& axis, Division division) {
-  Image<T> out = {in.width, static_cast<int32_t>(axis.size())};
+Image<T> Sum(const Image<T>& in, const Axis& axis, Division division,
+             bool is_across) {
+  const auto length = static_cast<int32_t>(axis.size());
+  Image<T> out = {is_across ? length : in.width,
+                  is_across ? in.height : length};
   out.Visit([&](int32_t x, int32_t y, T& value) {
     int64_t sum = division.bias;
-    for (const auto& [s, weight] : Nth(axis, y)) {
-      sum += weight * Nth(in.values, s * in.width + x);
+    for (const auto& [s, weight] : Nth(axis, is_across ? x : y)) {
+      const int64_t at = is_across ? y * in.width + s : s * in.width + x;
+      sum += weight * Nth(in.values, at);
     }
     value = static_cast<T>(sum / division.divisor);
   });
   return out;
 }
 
-template <typename T>
-Image<T> SumRows(const Image<T>& in, const Axis& axis, Division division) {
-  Image<T> out = {static_cast<int32_t>(axis.size()), in.height};
-  out.Visit([&](int32_t x, int32_t y, T& value) {
-    int64_t sum = division.bias;
-    for (const auto& [s, weight] : Nth(axis, x)) {
-      sum += weight * Nth(in.values, int64_t{y} * in.width + s);
-    }
-    value = static_cast<T>(sum / division.divisor);
-  });
-  return out;
-}
-
-struct Chain {
-  int32_t factor;
-  std::vector<int32_t> steps;  // as an image grows
-};
-
-// The steps of an exact factor, or none. Only bytes grow in steps.
+// The steps of an exact factor, as an image grows, or none. Only bytes grow in
+// steps.
 template <typename T>
 std::vector<int32_t> StepsOf(const Image<T>& in, int32_t width,
                              int32_t height) {
-  static const std::vector<Chain> kChains = {
+  static const std::vector<std::pair<int32_t, std::vector<int32_t>>> kChains = {
       {2, {2}},       {3, {3}},    {4, {4}},    {6, {6}},
       {8, {2, 2, 2}}, {9, {3, 3}}, {12, {2, 6}}};
   for (const auto& [factor, steps] : kChains) {
@@ -126,16 +114,6 @@ std::vector<int32_t> StepsOf(const Image<T>& in, int32_t width,
   return {};
 }
 
-// From 1280 x 720 to 1920 x 1080, 16 bits have weights rounded to nearest
-// across.
-Axis ThreeHalves() {
-  Axis axis;
-  for (int32_t t = 0; t < 1920; ++t) {
-    axis.push_back(Interpolated(std::lround((t + 0.5) * 512 / 3 - 128), 1280));
-  }
-  return axis;
-}
-
 }  // namespace
 
 template <typename T>
@@ -143,29 +121,36 @@ Image<T> ResizePlane(Image<T> in, int32_t width, int32_t height) {
   if (in.values.empty()) return {width, height};
   if (in.width == width && in.height == height) return in;
   const bool grows = width > in.width;
+  const auto resize = [&in](int32_t new_width, int32_t new_height) {
+    Axis columns = Resized(in.width, new_width);
+    // Here 16 bits have weights rounded to nearest across.
+    if (sizeof(T) == 2 && in.width == 1280 && in.height == 720 &&
+        new_width == 1920 && new_height == 1080) {
+      for (int32_t t = 0; t < 1920; ++t) {
+        Nth(columns, t) =
+            Interpolated(std::lround((t + 0.5) * 512 / 3 - 128), 1280);
+      }
+    }
+    in = Sum(in, Resized(in.height, new_height), kNearest, false);
+    in = Sum(in, columns, kNearest, true);
+  };
   for (const int32_t step : StepsOf(in, width, height)) {
-    const auto length = [=](int32_t old) {
-      return grows ? old * step : old / step;
-    };
-    in = SumColumns(in, Resized(in.height, length(in.height)), kNearest);
-    in = SumRows(in, Resized(in.width, length(in.width)), kNearest);
+    if (grows) {
+      resize(in.width * step, in.height * step);
+    } else {
+      resize(in.width / step, in.height / step);
+    }
   }
-  if (in.width == width && in.height == height) return in;
-  const bool is_three_halves = sizeof(T) == 2 && in.width == 1280 &&
-                               in.height == 720 && width == 1920 &&
-                               height == 1080;
-  const Axis columns =
-      is_three_halves ? ThreeHalves() : Resized(in.width, width);
-  return SumRows(SumColumns(in, Resized(in.height, height), kNearest), columns,
-                 kNearest);
+  if (in.width != width || in.height != height) resize(width, height);
+  return in;
 }
 template Image<uint8_t> ResizePlane(Image<uint8_t>, int32_t, int32_t);
 template Image<uint16_t> ResizePlane(Image<uint16_t>, int32_t, int32_t);
 
 Image<uint8_t> BoxBlur(const Image<uint8_t>& in, int32_t radius) {
   const Division mean = {2 * int64_t{radius} + 1, 0};
-  return SumColumns(SumRows(in, Boxed(in.width, radius), mean),
-                    Boxed(in.height, radius), mean);
+  return Sum(Sum(in, Boxed(in.width, radius), mean, true),
+             Boxed(in.height, radius), mean, false);
 }
 
 }  // namespace zuqel::reference

@@ -26,19 +26,14 @@ using Mask = Image<uint8_t>;
 constexpr auto kShapes = std::to_array<MaskShape>({
     {"clear", IsNoise<0>, 1},
     {"full", IsNoise<100>, 2},
-    {"5 % set", IsNoise<5>, 3},
     {"30 % set", IsNoise<30>, 4},
-    {"50 % set", IsNoise<50>, 5},
     {"60 % set", IsNoise<60>, 6},
     {"90 % set", IsNoise<90>, 7},
     {"checkerboard", IsCheckerboard, 8},
     {"comb", IsComb, 9},
     {"comb on its side", IsCombOnItsSide, 10},
-    {"top and left edge", IsTopOrLeftEdge, 11},
-    {"rings", IsRings, 12},
     {"spiral", IsSpiral, 13},
     {"subject", IsSubject, 14},
-    {"60 % set, a few other values", IsNoise<60>, 15, 3},
     {"50 % set, many other values", IsNoise<50>, 16, 60},
     {"spiral, a few other values", IsSpiral, 17, 3},
     {"full, a few other values", IsNoise<100>, 18, 10},
@@ -104,29 +99,22 @@ TEST(LabelComponents, EqualsTheLabelsPixelByPixel) {
   });
 }
 
-struct Focus {
-  const char* name;
-  MaskPoint point;
-};
-
-void ExpectKeepsFocus(const Mask& mask, const Focus& focus,
+void ExpectKeepsFocus(const Mask& mask, MaskPoint focus,
                       CleanupScratch& scratch) {
-  SCOPED_TRACE(focus.name);
-  const auto& [x, y] = focus.point;
-  const int64_t index = x + y * mask.width;
+  const int64_t index = focus.x + focus.y * mask.width;
+  SCOPED_TRACE(testing::Message() << "focus " << focus.x << ", " << focus.y);
   for (const bool keep_only_focus : {false, true}) {
     uint32_t area = 0, expected_area = 0;
     const Mask expected =
         reference::PruneComponents(mask, index, keep_only_focus, expected_area);
     const Mask pruned = Make(mask, false, [&](auto in, auto out) {
-      return PruneComponents(in, focus.point, keep_only_focus, scratch, out,
-                             &area);
+      return PruneComponents(in, focus, keep_only_focus, scratch, out, &area);
     });
     EXPECT_TRUE(IsSame(pruned, expected)) << "only focus: " << keep_only_focus;
     EXPECT_EQ(area, expected_area) << "only focus: " << keep_only_focus;
   }
   const Mask kept = Make(mask, false, [&](auto in, auto out) {
-    return KeepFocusAndBorderComponents(in, focus.point, scratch, out);
+    return KeepFocusAndBorderComponents(in, focus, scratch, out);
   });
   EXPECT_TRUE(
       IsSame(kept, reference::KeepFocusAndBorderComponents(mask, index)));
@@ -147,14 +135,14 @@ void ExpectRemovesSpecks(const Mask& mask, uint32_t focus_area,
 TEST(CleanUps, EqualTheirStepsOneByOne) {
   CleanupScratch scratch;
   ForEachMask(SIZE_MAX, [&](const Mask& mask, Random& random) {
-    const auto focuses = std::to_array<Focus>({
-        {"focus in the middle", {mask.width / 2, mask.height / 2}},
-        {"focus inside", {mask.width / 3, mask.height / 3 + 1}},
-        {"focus in a later row", {mask.width + 3, mask.height / 4}},
-        {"focus in front", {-3, 0}},
-        {"focus below", {1, mask.height}},
-    });
-    for (const Focus& focus : focuses) ExpectKeepsFocus(mask, focus, scratch);
+    // In the middle, inside, in a later row, in front and below.
+    for (const MaskPoint focus : {MaskPoint{mask.width / 2, mask.height / 2},
+                                  {mask.width / 3, mask.height / 3 + 1},
+                                  {mask.width + 3, mask.height / 4},
+                                  {-3, 0},
+                                  {1, mask.height}}) {
+      ExpectKeepsFocus(mask, focus, scratch);
+    }
     ExpectRemovesSpecks(mask, random.Below(2000), scratch);
   });
 }
@@ -164,7 +152,7 @@ TEST(CleanUps, FoldLabelsPastTheLimit) {
   const Mask mask = DrawMask({"", IsNoise<30>, 1}, 800, 700);
   const auto labels = reference::LabelComponents(mask, 100000).labels.values;
   ASSERT_GT(*std::max_element(labels.begin(), labels.end()), 66000U);
-  ExpectKeepsFocus(mask, {"focus among many labels", {398, 398}}, scratch);
+  ExpectKeepsFocus(mask, {398, 398}, scratch);
   ExpectRemovesSpecks(mask, 400, scratch);
 }
 
@@ -174,36 +162,30 @@ TEST(CleanUps, TouchNothingWithoutMemory) {
   EXPECT_FALSE(KeepFocusAndBorderComponents(too_large, {}, scratch, too_large));
 }
 
-struct SquareFilter {
-  const char* name;
-  bool (*kernel)(Plane<const uint8_t>, uint8_t, Buffer&, Plane<uint8_t>);
-  reference::Combine combine;
-};
-
-constexpr auto kSquareFilters = std::to_array<SquareFilter>({
-    {"DilateMask", DilateMask,
-     [](uint8_t a, uint8_t b) -> uint8_t { return a | b; }},
-    {"ErodeMin", ErodeMin, [](uint8_t a, uint8_t b) { return std::min(a, b); }},
-    {"DilateMax", DilateMax,
-     [](uint8_t a, uint8_t b) { return std::max(a, b); }},
-});
-
-TEST(SquareFilters, CombineAllPixelsWithinTheRadius) {
+void CheckSquareFilter(bool (*kernel)(Plane<const uint8_t>, uint8_t, Buffer&,
+                                      Plane<uint8_t>),
+                       reference::Combine combine) {
   Buffer scratch;
   ForEachMask(500, [&](const Mask& mask, Random&) {
-    for (const SquareFilter& row : kSquareFilters) {
-      for (const int32_t radius : {0, 1, 2, 4, 32, 255}) {
-        const Mask expected =
-            reference::FilterSquare(mask, radius, row.combine);
-        for (const bool is_in_place : {false, true}) {
-          const Mask made = Make(mask, is_in_place, [&](auto in, auto out) {
-            return row.kernel(in, static_cast<uint8_t>(radius), scratch, out);
-          });
-          EXPECT_TRUE(IsSame(made, expected)) << row.name << " by " << radius;
-        }
+    for (const uint8_t radius : std::to_array<uint8_t>({0, 1, 2, 4, 32, 255})) {
+      const Mask expected = reference::FilterSquare(mask, radius, combine);
+      for (const bool is_in_place : {false, true}) {
+        const Mask made = Make(mask, is_in_place, [&](auto in, auto out) {
+          return kernel(in, radius, scratch, out);
+        });
+        EXPECT_TRUE(IsSame(made, expected)) << "radius " << +radius;
       }
     }
   });
+}
+
+TEST(SquareFilters, CombineAllPixelsWithinTheRadius) {
+  CheckSquareFilter(DilateMask,
+                    [](uint8_t a, uint8_t b) -> uint8_t { return a | b; });
+  CheckSquareFilter(ErodeMin,
+                    [](uint8_t a, uint8_t b) { return std::min(a, b); });
+  CheckSquareFilter(DilateMax,
+                    [](uint8_t a, uint8_t b) { return std::max(a, b); });
 }
 
 TEST(BoundaryBlur, SmoothsOnePixelAfterAnother) {

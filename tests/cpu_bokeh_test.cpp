@@ -8,8 +8,9 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <numeric>
+#include <cstdlib>
 #include <set>
+#include <utility>
 #include <vector>
 
 #include "api/session.h"
@@ -21,7 +22,6 @@
 #include "depth/statistics.h"
 #include "log_capture.h"
 #include "reference_planes.h"
-#include "resize_cases.h"
 #include "same_image.h"
 
 namespace zuqel {
@@ -30,130 +30,69 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 using Plane8 = Image<uint8_t>;
 
-// One sample in eight is the smallest or the largest value.
-template <typename T>
-Image<T> ExtremeNoise(int32_t width, int32_t height, uint64_t seed) {
-  Random random(seed);
-  Image<T> image = {width, height};
-  for (T& value : image.values) {
-    const uint32_t kind = random.Below(16);
-    value = static_cast<T>(kind == 0   ? 0
-                           : kind == 1 ? UINT16_MAX
-                                       : random.Bits());
-  }
-  return image;
-}
-
-// One scratch for all sizes.
-template <typename T>
-Image<T> Resized(const Image<T>& image, int32_t width, int32_t height) {
-  static ResizeScratch scratch;
-  const GuardedImage<T> in(image), out(NoiseImage<T>(width, height, 1));
-  const Plane<const T> plane = in.View();
-  EXPECT_TRUE(ResizePlane(plane, scratch, out.View()));
-  return out.Copy();
-}
-
-// Noise, and the largest value everywhere, which stays.
-template <typename T>
-void CheckResize(const ResizeCase& row) {
-  if (testing::Test::HasFailure()) return;
-  const auto& [name, from_width, from_height, width, height] = row;
-  SCOPED_TRACE(testing::Message()
-               << name << ": " << from_width << " x " << from_height << " to "
-               << width << " x " << height << ", bytes " << sizeof(T));
-  Image<T> image = ExtremeNoise<T>(from_width, from_height, 1);
-  EXPECT_TRUE(IsSame(Resized(image, width, height),
-                     reference::ResizePlane(image, width, height)));
-  if (image.values.empty()) return;
-  Image<T> expected = {width, height};
-  std::fill(image.values.begin(), image.values.end(), static_cast<T>(-1));
-  std::fill(expected.values.begin(), expected.values.end(), static_cast<T>(-1));
-  EXPECT_TRUE(IsSame(Resized(image, width, height), expected)) << "constant";
-}
-
-void CheckBothTypes(const ResizeCase& row) {
-  CheckResize<uint8_t>(row);
-  CheckResize<uint16_t>(row);
-}
-
-struct OtherAxis {
-  const char* name;
-  int32_t from, to;
+struct Size {
+  int32_t width, height;
 };
 
+// Noise, and the largest value everywhere. One scratch for all sizes.
+template <typename T>
+void CheckResize(Size from, Size to) {
+  static ResizeScratch scratch;
+  Image<T> largest = {from.width, from.height};
+  std::fill(largest.values.begin(), largest.values.end(), static_cast<T>(-1));
+  for (const auto& image :
+       {NoiseImage<T>(from.width, from.height, 1), largest}) {
+    const GuardedImage<T> in(image), out(NoiseImage<T>(to.width, to.height, 1));
+    const Plane<const T> plane = in.View();
+    ASSERT_TRUE(ResizePlane(plane, scratch, out.View()));
+    ASSERT_TRUE(
+        IsSame(out.Copy(), reference::ResizePlane(image, to.width, to.height)))
+        << "from " << from.width << " x " << from.height << ", bytes "
+        << sizeof(T) << ", as large as can be: " << (image == largest);
+  }
+}
+
+void CheckBothTypes(Size from, Size to) {
+  if (testing::Test::HasFailure()) return;
+  CheckResize<uint8_t>(from, to);
+  CheckResize<uint16_t>(from, to);
+}
+
 TEST(ResizePlane, EqualsThePlainFormForAllLengths) {
-  for (const auto& [name, from, to] :
-       {OtherAxis{"one axis", 6, 6}, OtherAxis{"the other shrinks", 13, 5},
-        OtherAxis{"the other grows", 3, 11}}) {
+  // What the other axis becomes meanwhile.
+  for (const auto& [from, to] : {std::pair(6, 6), {13, 5}, {3, 11}}) {
     for (int32_t length = 0; length <= 40; ++length) {
       for (int32_t new_length = 0; new_length <= 40; ++new_length) {
-        CheckBothTypes({name, length, from, new_length, to});
-        CheckBothTypes({name, from, length, to, new_length});
+        CheckBothTypes({length, from}, {new_length, to});
+        CheckBothTypes({from, length}, {to, new_length});
       }
     }
   }
 }
 
 TEST(ResizePlane, EqualsThePlainFormForWholeFactors) {
-  struct Size {
-    int32_t width, height;
-  };
   for (const auto& [width, height] : {Size{1, 1}, Size{1, 2}, Size{2, 1},
                                       Size{5, 3}, Size{17, 9}, Size{35, 20}}) {
     for (int32_t factor = 1; factor <= 14; ++factor) {
       for (int32_t other_factor = 1; other_factor <= 14; ++other_factor) {
         const int32_t wide = width * factor, high = height * other_factor;
-        CheckBothTypes({"grows", width, height, wide, high});
-        CheckBothTypes({"shrinks", wide, high, width, height});
-        CheckBothTypes({"narrows only", wide, height, width, high});
+        CheckBothTypes({width, height}, {wide, high});
+        CheckBothTypes({wide, high}, {width, height});
+        CheckBothTypes({wide, height}, {width, high});
       }
     }
   }
 }
 
+// Among them three halves, of which one has weights of its own.
 TEST(ResizePlane, EqualsThePlainFormForSizesOfPictures) {
-  for (const ResizeCase& row : std::to_array<ResizeCase>({
-           kAreas,
-           kQuarter,
-           kFourTimes,
-           {"three halves with weights of its own", 1280, 720, 1920, 1080},
-           {"three halves", 1280, 960, 1920, 1440},
-           {"three halves across", 1280, 640, 1920, 1080},
-           {"almost the same size", 1, 556, 3, 555},
-       })) {
-    CheckBothTypes(row);
-  }
-}
-
-struct ResizeRow {
-  const char* name;
-  Plane8 image, resized;
-};
-
-Plane8 SameRows(int32_t count, const Bytes& row) {
-  Plane8 image = {static_cast<int32_t>(row.size()), count, {}};
-  for (int32_t y = 0; y < count; ++y) {
-    image.values.insert(image.values.end(), row.begin(), row.end());
-  }
-  return image;
-}
-
-TEST(ResizePlane, GivesResultsWorkedOutByHand) {
-  const Plane8 step = {2, 1, {0, 255}};
-  for (const auto& [name, image, resized] : std::to_array<ResizeRow>({
-           {"rounds to nearest", {2, 2, {0, 1, 1, 1}}, {1, 1, {1}}},
-           {"covers 170, 86 + 85, 171",
-            {3, 1, {0, 90, 255}},
-            {2, 1, {30, 200}}},
-           {"twice", step, SameRows(2, {0, 64, 191, 255})},
-           {"three times", step, SameRows(3, {0, 0, 85, 169, 255, 255})},
-           {"six times", step,
-            SameRows(6, {0, 0, 0, 21, 64, 106, 148, 191, 233, 255, 255, 255})},
-       })) {
-    EXPECT_TRUE(IsSame(Resized(image, resized.width, resized.height), resized))
-        << name;
-  }
+  CheckBothTypes({1440, 1080}, {640, 480});
+  CheckBothTypes({1280, 960}, {320, 240});
+  CheckBothTypes({320, 240}, {1280, 960});
+  CheckBothTypes({1280, 720}, {1920, 1080});
+  CheckBothTypes({1280, 960}, {1920, 1440});
+  CheckBothTypes({1280, 640}, {1920, 1080});
+  CheckBothTypes({1, 556}, {3, 555});
 }
 
 template <typename Blur>
@@ -177,114 +116,89 @@ TEST(BoxBlur, IsTheMeanOfRowsAndThenOfColumns) {
   for (int32_t radius = -1; radius <= 14; ++radius) {
     for (int32_t width = 0; width <= 13; ++width) {
       for (int32_t height = 0; height <= 13; ++height) {
-        CheckBoxBlur(ExtremeNoise<uint8_t>(width, height, 2), radius);
+        CheckBoxBlur(NoiseImage<uint8_t>(width, height, 2), radius);
       }
     }
-    CheckBoxBlur(ExtremeNoise<uint8_t>(73, 13, 2), radius);
+    CheckBoxBlur(NoiseImage<uint8_t>(73, 13, 2), radius);
   }
-  CheckBoxBlur(ExtremeNoise<uint8_t>(7, 9, 2), 100);
+  CheckBoxBlur(NoiseImage<uint8_t>(7, 9, 2), 100);
 }
 
 // Around the first of 300 pixels, of which the first is 0 and the last is 1, a
 // box of radius r sums to the sum of all of them and r - 299. So the mean there
-// reaches 1 where that sum reaches r + 300.
+// reaches 1 where that sum, 65535 + 299 or one more, reaches r + 300.
 TEST(BoxBlur, CapsTheRadius) {
   Plane8 row = {300, 1, Bytes(300, 220)};
   std::fill_n(row.values.begin(), 274, uint8_t{221});
   row.values.front() = 0;
   row.values.back() = 1;
-  ASSERT_EQ(std::accumulate(row.values.begin(), row.values.end(), 0),
-            65535 + 299);
-  for (const int32_t radius : {65534, 65535, 65536, 70000}) {
-    CheckBoxBlur(row, radius);
-    Plane8 one_more = row;
-    ++one_more.values[1];
-    CheckBoxBlur(one_more, radius);
+  for (int more = 0; more < 2; ++more, ++row.values[1]) {
+    for (const int32_t radius : {65534, 65535, 65536, 70000}) {
+      CheckBoxBlur(row, radius);
+    }
   }
 }
 
-struct GaussianRow {
-  int32_t strength;
-  std::array<int32_t, 3> radii;
-};
-
 TEST(BoxBlur, ApproximatesAGaussianByThree) {
-  const Plane8 image = ExtremeNoise<uint8_t>(41, 23, 3);
-  for (const auto& [strength, radii] : std::to_array<GaussianRow>({
-           {0, {0, 0, 0}},
-           {1, {0, 0, 0}},
-           {2, {0, 0, 1}},
-           {3, {0, 0, 1}},
-           {4, {1, 1, 1}},
-           {5, {1, 1, 2}},
-           {6, {1, 1, 2}},
-           {7, {2, 2, 2}},
-           {8, {2, 2, 3}},
-           {9, {2, 2, 3}},
-           {10, {3, 3, 3}},
-       })) {
+  // By strength.
+  constexpr auto kRadii = std::to_array<std::array<int32_t, 3>>({
+      {0, 0, 0},
+      {0, 0, 0},
+      {0, 0, 1},
+      {0, 0, 1},
+      {1, 1, 1},
+      {1, 1, 2},
+      {1, 1, 2},
+      {2, 2, 2},
+      {2, 2, 3},
+      {2, 2, 3},
+      {3, 3, 3},
+  });
+  const Plane8 image = NoiseImage<uint8_t>(41, 23, 3);
+  for (int32_t strength = -10; strength <= 10; ++strength) {
     Plane8 expected = image;
-    for (const int32_t radius : radii) {
+    for (const int32_t radius :
+         kRadii.at(static_cast<size_t>(std::abs(strength)))) {
       expected = reference::BoxBlur(expected, radius);
     }
-    for (const int32_t signed_strength : {strength, -strength}) {
-      EXPECT_TRUE(
-          IsSame(Blurred(image, BoxGaussianBlur, signed_strength), expected))
-          << "strength " << signed_strength;
-    }
+    EXPECT_TRUE(IsSame(Blurred(image, BoxGaussianBlur, strength), expected))
+        << "strength " << strength;
   }
   // More of the smaller boxes than an integer holds.
   EXPECT_EQ(GaussianBoxRadii(1600000000)[2], 533333332);
 }
 
+// Of a frame and of a map. Each is the seed of what it draws.
 struct ExpansionRow {
-  const char* name;
   int32_t width, height, map_width, map_height;
-  uint64_t seed;
-  int32_t counter = 0;
 };
 
+// Odd ones, maps smaller and larger than the frame, of one row, column or pixel
+// and of none; likewise frames.
 constexpr auto kExpansionRows = std::to_array<ExpansionRow>({
-    {"map of a quarter", 64, 48, 16, 12, 1},
-    {"map of another shape", 48, 16, 12, 65, 2},
-    {"map larger than the frame", 16, 12, 65, 47, 3},
-    {"counter about to wrap", 12, 65, 47, 33, 4, INT32_MAX - 20},
-    {"odd frame, counter below 0", 65, 47, 33, 21, 5, -20},
-    {"odd width", 33, 20, 16, 10, 6},
-    {"odd height", 20, 33, 10, 16, 7},
-    {"odd and larger map", 21, 20, 30, 40, 8},
-    {"map as large as the frame", 30, 40, 30, 40, 9},
-    {"map wider and lower", 30, 40, 40, 14, 10, -20},
-    {"map higher", 40, 14, 40, 28, 11},
-    {"map of one row", 14, 40, 28, 1, 12, INT32_MAX - 20},
-    {"map of one column", 40, 28, 1, 9, 13},
-    {"frame of one row", 28, 1, 9, 4, 14},
-    {"frame of one column", 1, 9, 4, 3, 15},
-    {"frame of few pixels", 3, 2, 200, 24, 16},
-    {"long frame", 200, 24, 9, 4, 17, INT32_MAX - 20},
-    {"map without rows", 200, 24, 10, 0, 18},
-    {"map without columns", 24, 10, 0, 7, 19, -20},
-    {"frame without rows", 10, 0, 7, 6, 20},
-    {"frame without columns", 0, 7, 6, 1, 21},
-    {"map of one pixel", 7, 6, 1, 1, 22},
-    {"one pixel", 1, 1, 1, 1, 23},
+    {64, 48, 16, 12}, {48, 16, 12, 65}, {16, 12, 65, 47}, {12, 65, 47, 33},
+    {65, 47, 33, 21}, {33, 20, 16, 10}, {20, 33, 10, 16}, {21, 20, 30, 40},
+    {30, 40, 30, 40}, {30, 40, 40, 14}, {40, 14, 40, 28}, {14, 40, 28, 1},
+    {40, 28, 1, 9},   {28, 1, 9, 4},    {1, 9, 4, 3},     {3, 2, 200, 24},
+    {200, 24, 9, 4},  {200, 24, 10, 0}, {24, 10, 0, 7},   {10, 0, 7, 6},
+    {0, 7, 6, 1},     {7, 6, 1, 1},     {1, 1, 1, 1},
 });
 
 // A caller's planes, and what is to become of them.
 struct ReferenceExpansion {
-  explicit ReferenceExpansion(const ExpansionRow& row)
+  ReferenceExpansion(const ExpansionRow& row, int32_t first_count)
       : width(row.width),
         height(row.height),
         map{row.map_width, row.map_height},
-        counter(row.counter) {
+        counter(first_count) {
     history.fill(Bytes(map.values.size()));
   }
 
   // Noise before a slope with a step that lies one pixel further every second
   // time. Every 31st disparity is a hole; bits above the lowest ten are noise.
   void Shoot(int32_t turn, Random& random) {
-    luma = ExtremeNoise<uint8_t>(width, height, random.Bits());
-    chroma = ExtremeNoise<uint8_t>(width, height / 2, random.Bits());
+    luma = NoiseImage<uint8_t>(width, height, random.Bits());
+    chroma = NoiseImage<uint8_t>(width, height / 2, random.Bits());
     map.Visit([&](int32_t x, int32_t, uint16_t& disparity) {
       const int32_t column = (turn / 2 + x) % map.width;
       const auto slope = static_cast<uint32_t>(100 + column * 500 / map.width);
@@ -390,27 +304,12 @@ struct ReferenceExpansion {
   std::array<Bytes, 3> history;
 };
 
-// A call's planes with nothing after them.
-struct GuardedFrame {
-  explicit GuardedFrame(const ReferenceExpansion& from)
-      : luma(from.luma), chroma(from.chroma), map(from.map) {}
-
-  [[nodiscard]] uint32_t Render(int32_t x, int32_t y) const {
-    return zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(
-        luma.View().data, chroma.View().data, map.View().data, x,
-        static_cast<uint32_t>(y));
-  }
-
-  GuardedImage<uint8_t> luma, chroma;
-  GuardedImage<uint16_t> map;
-};
-
 // Gives the library's session the sizes of a row.
-void BeginSession(const ExpansionRow& row) {
+void BeginSession(const ExpansionRow& row, int32_t counter) {
   Session& session = TheSession();
   // Smoothing at once reads the masks that earlier rows have left.
-  if (row.counter > 2) session.until_close.emplace();
-  session.expansionFrameCounter = row.counter;
+  if (counter > 2) session.until_close.emplace();
+  session.expansionFrameCounter = counter;
   session.TakeInfo({row.width, row.height, row.map_width, row.map_height, 0, 0,
                     0, 0, 0, 0, 0, 0});
 }
@@ -418,27 +317,34 @@ void BeginSession(const ExpansionRow& row) {
 TEST(RenderExpansion, EqualsItsStepsInPlainForm) {
   LogCapture log;
   std::set<int> weights;
+  uint64_t seed = 0;
   for (const ExpansionRow& row : kExpansionRows) {
-    ReferenceExpansion expected(row);
-    BeginSession(row);
-    Random random(row.seed);
+    Random random(++seed);
+    // From 0, about to wrap, and below 0.
+    const int32_t counter = std::array{0, INT32_MAX - 20, -20}.at(seed % 3);
+    ReferenceExpansion expected(row, counter);
+    BeginSession(row, counter);
     int32_t turn = 0;
     for (const int32_t y :
          {row.height / 2, 0, row.height - 1, row.height, INT32_MAX}) {
       for (const int32_t x : {row.width / 2, 0, row.width - 1, -1, INT32_MIN}) {
         for (int32_t call = 0; call < 3; ++call, ++turn) {
           expected.Shoot(turn, random);
-          const GuardedFrame frame(expected);
-          const uint32_t status = frame.Render(x, y);
+          const GuardedImage luma(expected.luma), chroma(expected.chroma);
+          const GuardedImage map(expected.map);
+          const uint32_t status =
+              zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(
+                  luma.View().data, chroma.View().data, map.View().data, x,
+                  static_cast<uint32_t>(y));
           expected.Render(x, y);
           weights.insert(expected.weights.values.begin(),
                          expected.weights.values.end());
-          SCOPED_TRACE(testing::Message() << row.name << ", focus " << x << ", "
+          SCOPED_TRACE(testing::Message() << seed << ", focus " << x << ", "
                                           << y << ", call " << call);
           ASSERT_EQ(status, uint32_t{ZUQEL_SUCCESS});
-          ASSERT_TRUE(IsSame(frame.map.Copy(), expected.map)) << "the map";
-          ASSERT_TRUE(IsSame(frame.luma.Copy(), expected.luma));
-          ASSERT_TRUE(IsSame(frame.chroma.Copy(), expected.chroma)) << "chroma";
+          ASSERT_TRUE(IsSame(map.Copy(), expected.map)) << "the map";
+          ASSERT_TRUE(IsSame(luma.Copy(), expected.luma));
+          ASSERT_TRUE(IsSame(chroma.Copy(), expected.chroma)) << "chroma";
         }
       }
     }
@@ -449,14 +355,17 @@ TEST(RenderExpansion, EqualsItsStepsInPlainForm) {
 TEST(RenderExpansion, LogsItsSteps) {
   LogCapture log;
   const ExpansionRow& row = kExpansionRows[0];
-  ReferenceExpansion frame(row);
-  Random random(row.seed);
+  ReferenceExpansion frame(row, 0);
+  Random random(1);
   frame.Shoot(0, random);
   frame.map.Visit([](int32_t x, int32_t, uint16_t& disparity) {
     disparity = static_cast<uint16_t>(100 + 30 * x);
   });
-  BeginSession(row);
-  EXPECT_EQ(GuardedFrame(frame).Render(32, 24), uint32_t{ZUQEL_SUCCESS});
+  BeginSession(row, 0);
+  EXPECT_EQ(zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(
+                frame.luma.values.data(), frame.chroma.values.data(),
+                frame.map.values.data(), 32, 24),
+            uint32_t{ZUQEL_SUCCESS});
   EXPECT_EQ(log.Take(),
             (Lines{"pindle PreviewWidth w = 64, h = 48",
                    "pindle Depth w = 16, h = 12", "uwMaxDisp = 550\n",
