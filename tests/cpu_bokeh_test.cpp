@@ -95,6 +95,40 @@ TEST(ResizePlane, EqualsThePlainFormForSizesOfPictures) {
   CheckBothTypes({1, 556}, {3, 555});
 }
 
+struct ResizeRow {
+  const char* name;
+  Plane8 image, resized;
+};
+
+Plane8 SameRows(int32_t count, const Bytes& row) {
+  Plane8 image = {static_cast<int32_t>(row.size()), count, {}};
+  for (int32_t y = 0; y < count; ++y) {
+    image.values.insert(image.values.end(), row.begin(), row.end());
+  }
+  return image;
+}
+
+TEST(ResizePlane, GivesResultsWorkedOutByHand) {
+  const Plane8 step = {2, 1, {0, 255}};
+  for (const auto& [name, image, resized] : std::to_array<ResizeRow>({
+           {"rounds to nearest", {2, 2, {0, 1, 1, 1}}, {1, 1, {1}}},
+           {"covers 170, 86 + 85, 171",
+            {3, 1, {0, 90, 255}},
+            {2, 1, {30, 200}}},
+           {"twice", step, SameRows(2, {0, 64, 191, 255})},
+           {"three times", step, SameRows(3, {0, 0, 85, 169, 255, 255})},
+           {"six times", step,
+            SameRows(6, {0, 0, 0, 21, 64, 106, 148, 191, 233, 255, 255, 255})},
+       })) {
+    ResizeScratch scratch;
+    const GuardedImage<uint8_t> in(image),
+        out(NoiseImage<uint8_t>(resized.width, resized.height, 1));
+    ASSERT_TRUE(
+        ResizePlane(Plane<const uint8_t>(in.View()), scratch, out.View()));
+    EXPECT_TRUE(IsSame(out.Copy(), resized)) << name;
+  }
+}
+
 template <typename Blur>
 Plane8 Blurred(const Plane8& image, Blur blur, int32_t argument) {
   const GuardedImage<uint8_t> in(image),
