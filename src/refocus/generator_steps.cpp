@@ -55,8 +55,7 @@ std::span<uint32_t> MapDrawing::Words() const {
 }
 
 void MapDrawing::DrawWeights(const MapCall& call, ProgramRole program,
-                             const ValueRange& range,
-                             uint16_t focus) const {
+                             const ValueRange& range, uint16_t focus) const {
   if (state_ == nullptr) return;
   const ImageSize depth = work_.setup.depth;
   UploadRefocusDepth(*state_, PlaneOf<const uint16_t>(call.depth, depth),
