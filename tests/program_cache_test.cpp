@@ -160,7 +160,10 @@ std::vector<CacheRow> CacheRows() {
   constexpr int32_t kMax = INT32_MAX, kMin = INT32_MIN;
   constexpr auto kSize = static_cast<int32_t>(kCacheBytes);
   const auto fill = [](size_t from, uint8_t byte) {
-    return [=](auto cache) { std::ranges::fill(cache.subspan(from), byte); };
+    return [=](auto cache) {
+      const auto rest = cache.subspan(from);
+      std::fill(rest.begin(), rest.end(), byte);
+    };
   };
   std::vector<CacheRow> rows = {{"valid", All(), fill(kCacheBytes - 1, 1)},
                                 {"zeros", {}, fill(0, 0)},
