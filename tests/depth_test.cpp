@@ -39,7 +39,8 @@ constexpr auto kSizes = std::to_array<Size>({
 
 Map DrawMap(uint32_t values, uint32_t hole_percent, const Part& part,
             const Size& size) {
-  const auto& [width, height] = size;
+  // Names of their own: Clang 14 captures no structured bindings.
+  const int32_t width = size.width, height = size.height;
   Random random(values + hole_percent);
   Map map = {width, height};
   map.Visit([&](int32_t x, int32_t y, uint16_t& value) {

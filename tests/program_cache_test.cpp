@@ -306,7 +306,8 @@ TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {
   const Built built = Build({2, 6});
   driver::SetFailing(driver::Call::kProgramBinaryLength, false);
   Bytes expected(kCacheBytes);
-  for (const size_t i : {2, 6}) SetEntry(expected, i, {kHeadBytes, 0});
+  for (const size_t i : {size_t{2}, size_t{6}})
+    SetEntry(expected, i, {kHeadBytes, 0});
   SetWord(expected, kValidWord, 1);
   EXPECT_EQ(built.log, (Lines{"binaryLength = 0", "dst_offset = 92",
                               "binaryLength = 0", "dst_offset = 92"}));
