@@ -23,8 +23,8 @@ struct InitCall {
   uint8_t* program_cache = nullptr;
 };
 
-// Starts the session. A refused or failed one keeps nothing but the record and,
-// from the caller's cache, loses the refocus maps' buffers.
+// Starts the session. A call that fails keeps nothing but the record. A cached
+// start drops the refocus maps' buffers even when it fails later.
 uint32_t Initialise(const InitCall& call, Session& session);
 
 }  // namespace zuqel
