@@ -301,9 +301,9 @@ class RawCommand : public CommandLine {
   const std::string end_ = "_v0.54.07_0007_1_-2.raw";
   const std::string output_ = "GLOutput_34x5" + end_;
   const std::string luma_ = "GLBokeh_34x5" + end_;
-  // The output has four bytes per pixel, a plane one.
-  const std::vector<uint8_t> bytes_ = Random(1).Values<uint8_t>(4 * 34 * 5);
-  const std::vector<uint8_t> grey_{bytes_.begin(), bytes_.begin() + 34 * 5};
+  // The output has four bytes for each of its 170 pixels, a plane one.
+  const std::vector<uint8_t> bytes_ = Random(1).Values<uint8_t>(680);
+  const std::vector<uint8_t> grey_{bytes_.begin(), bytes_.begin() + 170};
 };
 
 TEST_F(RawCommand, ShowsOutputAsColourThroughFullRangeBt601) {

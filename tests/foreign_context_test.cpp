@@ -33,11 +33,11 @@ std::vector<uint8_t> ReadTextures() {
   GLuint framebuffer = 0;
   glGenFramebuffers(1, &framebuffer);
   glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-  std::vector<uint8_t> pixels(4 * kTextures);
+  std::vector<uint8_t> pixels(size_t{4} * kTextures);
   for (GLuint i = 0; i < kTextures; ++i) {
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
                            i + 1, 0);
-    glReadPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, &pixels[4 * i]);
+    glReadPixels(0, 0, 1, 1, GL_RGBA, GL_UNSIGNED_BYTE, &pixels[size_t{4} * i]);
   }
   glDeleteFramebuffers(1, &framebuffer);
   return pixels;
@@ -54,9 +54,9 @@ TEST_F(ForeignContextTest, NothingIsDrawnWhereTheSessionDoesNotLive) {
   const GLInitInfo info = SmallInfo();
   const ScopedProperty dot("persist.zu.LVGLbokeh.FocusDot", "1");
   ASSERT_EQ(InitSession(info), 0U);
-  const EGLDisplay display = eglGetCurrentDisplay();
-  const EGLContext home = eglGetCurrentContext();
-  const EGLSurface home_surface = eglGetCurrentSurface(EGL_DRAW);
+  EGLDisplay display = eglGetCurrentDisplay();
+  EGLContext home = eglGetCurrentContext();
+  EGLSurface home_surface = eglGetCurrentSurface(EGL_DRAW);
   constexpr std::array<uint8_t, 4> kPixel = {200, 0, 0, 255};
   const auto pictures = Pictures(kPixel.data());
   EXPECT_EQ(zuQelRT_GLShowDebugPicture(1, 0), 0U);

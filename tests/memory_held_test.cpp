@@ -21,12 +21,12 @@ struct HeldCase {
   int32_t format;
 };
 
-constexpr HeldCase kCases[] = {
+constexpr auto kCases = std::to_array<HeldCase>({
     {"640x480", 640, 480, false, false, 0},
     {"640x480, packed, cached", 640, 480, true, false, 7},
     {"odd, planar", 641, 483, false, false, 2},
     {"1920x1080, cached, graphic buffer", 1920, 1080, true, true, 0},
-};
+});
 
 GLInitInfo InfoOf(const HeldCase& row) {
   GLInitInfo info = DefaultInfo();
@@ -40,7 +40,7 @@ GLInitInfo InfoOf(const HeldCase& row) {
 }
 
 void GenerateMaps(const CallerFrame& frame) {
-  const GuardedMemory<uint8_t> map(640 * 480);
+  const GuardedMemory<uint8_t> map(size_t{640} * 480);
   uint16_t* depth = frame.depth.data();
   uint32_t out = 0;
   EXPECT_EQ(
@@ -90,8 +90,8 @@ TEST(MemoryHeld, NothingIsLeftAfterCloseAndDeinitialisation) {
         EXPECT_EQ(zuQelRT_GLClose(), 0U);
         // The maps keep their four buffers; with work and depth of these sizes
         // they have one byte and four for each pixel of both and one more.
-        const size_t work = 320 * 240, depth = 640 * 480;
-        EXPECT_LE(BytesHeld(), 5 * work + 5 * depth + 64);
+        constexpr size_t kWork = size_t{320} * 240, kDepth = size_t{640} * 480;
+        EXPECT_LE(BytesHeld(), 5 * kWork + 5 * kDepth + 64);
         GenerateMaps(CallerFrame(info));  // makes what it lacks
         EXPECT_EQ(zuQelRT_GenRefocusMap_Deinit(), 0U);
       } else {

@@ -52,7 +52,7 @@ TEST(OutOfMemory, ARefusedInitialisationKeepsNothing) {
 
 // What a call may change, as it is handed in.
 struct Handed {
-  explicit Handed(const GLInitInfo& info) : frame(info), map(64 * 48) {
+  explicit Handed(const GLInitInfo& info) : frame(info), map(size_t{64} * 48) {
     std::fill(map.span().begin(), map.span().end(), uint8_t{77});
   }
 
@@ -78,8 +78,8 @@ template <typename Y>
 void Generate(uint32_t (*generator)(uint8_t*, uint16_t*, uint32_t, Y, uint32_t*,
                                     uint32_t*, uint32_t*),
               Handed& handed) {
-  generator(handed.map.data(), handed.frame.depth.data(), 2, 2, &handed.out[0],
-            &handed.out[1], &handed.out[2]);
+  generator(handed.map.data(), handed.frame.depth.data(), 2, 2,
+            handed.out.data(), &handed.out[1], &handed.out[2]);
 }
 void Generate(uint32_t (*generator)(uint8_t*, uint16_t*, uint32_t, int32_t),
               Handed& handed) {

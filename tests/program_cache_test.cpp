@@ -133,6 +133,7 @@ class ProgramCacheTest : public testing::Test {
   Built Build(const std::vector<size_t>& order,
               AttributeNames names = kAttributeNames) {
     std::vector<CacheStep> steps;
+    steps.reserve(order.size());
     for (const size_t entry : order) {
       steps.push_back({&RowOfEntry(entry).source, entry});
     }
