@@ -87,15 +87,16 @@ struct TestFrame {
 };
 
 // Noise, weights of zero and depth with holes, of the sizes that a session
-// takes and each right before a protected page.
+// takes and each right before a protected page. Depth lies at two distances, so
+// that a focus has a background and a focus region grows.
 struct CallerFrame {
   explicit CallerFrame(const GLInitInfo& info)
       : luma(Noise(Area(info.PreviewWidth, info.PreviewHeight), 1)),
         chroma(Noise(Area(info.PreviewWidth, info.PreviewHeight / 2), 2)),
         weights(Area(info.WorkWidth, info.WorkHeight)),
         depth(Area(info.DepthWidth, info.DepthHeight)) {
-    constexpr std::array<uint16_t, 3> kDepths = {0xFFFF, 1023, 500};
-    for (size_t i = 0; i < depth.size(); ++i) depth.data()[i] = kDepths[i % 3];
+    constexpr std::array<uint16_t, 4> kDepths = {0xFFFF, 1023, 500, 200};
+    for (size_t i = 0; i < depth.size(); ++i) depth.data()[i] = kDepths[i % 4];
   }
 
   static size_t Area(int32_t width, int32_t height) {
