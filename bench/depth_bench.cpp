@@ -15,8 +15,8 @@ namespace {
 using Map = zuqel::Image<uint16_t>;
 
 Map MakeMap(const benchmark::State& state) {
-  return zuqel::BoxesScene(static_cast<int32_t>(state.range(0)),
-                           static_cast<int32_t>(state.range(1)));
+  return zuqel::bench::BoxesScene(static_cast<int32_t>(state.range(0)),
+                                  static_cast<int32_t>(state.range(1)));
 }
 
 void SetBytes(benchmark::State& state, const Map& map) {

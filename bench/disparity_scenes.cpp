@@ -3,7 +3,7 @@
 
 #include <cmath>
 
-namespace zuqel {
+namespace zuqel::bench {
 namespace {
 
 constexpr uint16_t kHole = 1023;
@@ -43,4 +43,4 @@ Image<uint16_t> SubjectScene(int32_t width, int32_t height) {
   return map;
 }
 
-}  // namespace zuqel
+}  // namespace zuqel::bench

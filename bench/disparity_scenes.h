@@ -1,13 +1,13 @@
 // Disparity as a stereo chip measures it: larger is nearer, and what only one
 // camera sees is a hole.
-#ifndef ZUQEL_TESTING_DISPARITY_SCENES_H_
-#define ZUQEL_TESTING_DISPARITY_SCENES_H_
+#ifndef ZUQEL_BENCH_DISPARITY_SCENES_H_
+#define ZUQEL_BENCH_DISPARITY_SCENES_H_
 
 #include <cstdint>
 
 #include "plane_image.h"
 
-namespace zuqel {
+namespace zuqel::bench {
 
 // Five near boxes before a slanted ground, with a band of holes to the left of
 // each box and single holes everywhere: about 5 % holes.
@@ -17,6 +17,6 @@ Image<uint16_t> BoxesScene(int32_t width, int32_t height);
 // holes to the left of the subject.
 Image<uint16_t> SubjectScene(int32_t width, int32_t height);
 
-}  // namespace zuqel
+}  // namespace zuqel::bench
 
-#endif  // ZUQEL_TESTING_DISPARITY_SCENES_H_
+#endif  // ZUQEL_BENCH_DISPARITY_SCENES_H_
