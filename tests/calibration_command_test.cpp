@@ -6,47 +6,24 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <string>
 #include <vector>
 
+#include "calibration_samples.h"
 #include "image_samples.h"
 #include "program_run.h"
 
 namespace zuqel::tools {
 namespace {
 
+using calib::Form, calib::kForms;
 using Bytes = std::vector<uint8_t>;
 
-// Record k begins at first + k * stride, its values `values` bytes later.
-struct Form {
-  size_t plain, sealed;
-  int kind;
-  size_t records, first, stride, values;
-};
-constexpr auto kForms = std::to_array<Form>({
-    {464, 496, 1, 1, 0, 0, 320},
-    {1403, 1499, 1, 3, 7, 466, 320},
-    {2801, 2993, 1, 6, 7, 466, 320},
-    {512, 544, 3, 1, 0, 0, 340},
-    {1547, 1643, 3, 3, 7, 514, 340},
-    {1488, 2080, 4, 1, 0, 0, 340},
-});
-
-template <typename T>
-void Put(Bytes& bytes, size_t place, const T& value) {
-  std::memcpy(bytes.data() + place, &value, sizeof(value));
-}
-
-Bytes MakeContainer(const Form& form) {
-  Bytes bytes(form.plain, 0xEE);
-  for (size_t k = 0; k < form.records; ++k) {
-    const size_t at = form.first + k * form.stride;
-    Put(bytes, at, std::array<int16_t, 4>{2, 5, 5, 0});
-    Put(bytes, at + 244, int32_t{1});
-    Put(bytes, at + form.values, std::array<float, 5>{0.1F, -4, 0, 0, 2.5F});
-  }
-  return bytes;
+Bytes PlainContainer(const Form& form) {
+  std::vector<Bytes> units = calib::MakeUnits(form);
+  calib::Put(units[0], form.optics(),
+             std::array<float, 5>{0.1F, -4, 0, 0, 2.5F});
+  return MakeContainer(form, units);
 }
 
 class CalibrationCommand : public testing::Test {
@@ -77,32 +54,38 @@ class CalibrationCommand : public testing::Test {
 
 TEST_F(CalibrationCommand, SealedContainersInspectLikePlainOnes) {
   for (const Form& form : kForms) {
-    SCOPED_TRACE(form.plain);
-    WriteBytes(folder_ / "p.bin", MakeContainer(form));
+    if (form.sealed) continue;
+    SCOPED_TRACE(form.length);
+    const size_t sealed_size =
+        std::find_if(kForms.begin(), kForms.end(), [&](const Form& other) {
+          return other.sealed && other.kind == form.kind &&
+                 other.count == form.count;
+        })->length;
+    WriteBytes(folder_ / "p.bin", PlainContainer(form));
     // Each time with another nonce.
     ASSERT_EQ(Run("seal p.bin --key key.bin -o t.bin").exit_code, 0);
     EXPECT_EQ(Run("seal p.bin --key key.hex -o s.bin").out,
-              "wrote s.bin (" + std::to_string(form.sealed) + " bytes)\n");
+              "wrote s.bin (" + std::to_string(sealed_size) + " bytes)\n");
     Bytes sealed = ReadBytes(folder_ / "s.bin");
-    ASSERT_EQ(sealed.size(), form.sealed);
+    ASSERT_EQ(sealed.size(), sealed_size);
     EXPECT_NE(ReadBytes(folder_ / "t.bin"), sealed);
     const std::string inspection =
         "kind                  " + std::to_string(form.kind) +
-        "\nrecords               " + std::to_string(form.records) +
+        "\nrecords               " + std::to_string(form.count) +
         "\nrecord                0\nfocal length          2.5\n"
         "focal length divisor  -4\nthird value           0.100000001\n";
     for (const std::string name :
          {"p.bin", "s.bin --key key.bin", "t.bin --key key.hex"}) {
       EXPECT_EQ(Run("inspect " + name).out, inspection) << name;
     }
-    sealed[form.sealed / 2] ^= 0x10;
+    sealed[sealed_size / 2] ^= 0x10;
     WriteBytes(folder_ / "s.bin", sealed);
     ExpectRefused("inspect s.bin --key key.hex", "s.bin: 0x6004: a record");
   }
 }
 
 TEST_F(CalibrationCommand, RefusesBadInputInOneLine) {
-  WriteBytes(folder_ / "plain.bin", MakeContainer(kForms[0]));
+  WriteBytes(folder_ / "plain.bin", PlainContainer(kForms[0]));
   ASSERT_EQ(Run("seal plain.bin --key key.hex -o sealed.bin").exit_code, 0);
   WriteBytes(folder_ / "kept.bin", {'o', 'l', 'd'});
   ExpectRefused("inspect sealed.bin --key kept.bin", "0x600c: the key");

@@ -1,9 +1,7 @@
-// Decoding: containers, keys, the choice of a record, camera values, wiping.
+// Decoding: containers, keys, the choice of a record, camera values.
 #include "calib/calibration.h"
 
 #include <gtest/gtest.h>
-#include <openssl/evp.h>
-#include <pthread.h>
 #include <zuQelRT_GL.h>
 
 #include <algorithm>
@@ -11,134 +9,16 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <limits>
 #include <optional>
-#include <span>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
-#include "calib/built_in_keys.h"
-#include "calib/gcm.h"
-#include "calib/key_wrap.h"
+#include "calibration_samples.h"
 #include "guarded_memory.h"
-#include "random.h"
 
 namespace zuqel::calib {
 namespace {
-
-using Bytes = std::vector<uint8_t>;
-
-// A container: unit k begins at first + k * stride. A sealed unit is a nonce,
-// 4 zeros, the encrypted bytes and their tag.
-struct Form {
-  size_t length;
-  bool sealed;
-  int32_t kind;
-  size_t count, first, stride, unit_size, record_size;
-};
-constexpr auto kForms = std::to_array<Form>({
-    {464, false, 1, 1, 0, 0, 464, 464},
-    {466, false, 1, 1, 0, 0, 464, 464},
-    {1403, false, 1, 3, 7, 466, 464, 464},
-    {2801, false, 1, 6, 7, 466, 464, 464},
-    {512, false, 3, 1, 0, 0, 512, 512},
-    {514, false, 3, 1, 0, 0, 512, 512},
-    {1547, false, 3, 3, 7, 514, 512, 512},
-    {1488, false, 4, 1, 0, 0, 1488, 512},
-    {496, true, 1, 1, 0, 0, 464, 464},
-    {1499, true, 1, 3, 7, 498, 464, 464},
-    {2993, true, 1, 6, 7, 498, 464, 464},
-    {544, true, 3, 1, 0, 0, 512, 512},
-    {1643, true, 3, 3, 7, 546, 512, 512},
-    {2080, true, 4, 1, 0, 0, 2048, 512},
-});
-
-const Form& FormOf(size_t length) {
-  return *std::find_if(std::begin(kForms), std::end(kForms),
-                       [=](const Form& form) { return form.length == length; });
-}
-
-Bytes MakeKey(uint8_t first) {
-  Bytes key(kAesKeySize);
-  for (uint8_t& byte : key) byte = first++;
-  return key;
-}
-
-Bytes RecordKey() {
-  return MakeKey(7);
-}
-
-Bytes OtherKey() {
-  return MakeKey(99);
-}
-
-// Wraps a key with another one, by libcrypto.
-Bytes Wrap(const Bytes& wrapping_key, const Bytes& key) {
-  Bytes wrapped(kWrappedKeySize);
-  int size = 0;
-  EVP_CIPHER_CTX* context = EVP_CIPHER_CTX_new();
-  EVP_CIPHER_CTX_set_flags(context, EVP_CIPHER_CTX_FLAG_WRAP_ALLOW);
-  EVP_EncryptInit_ex(context, EVP_aes_256_wrap(), nullptr, wrapping_key.data(),
-                     nullptr);
-  EVP_EncryptUpdate(context, wrapped.data(), &size, key.data(), kAesKeySize);
-  EVP_CIPHER_CTX_free(context);
-  return wrapped;
-}
-
-template <typename T>
-void Put(Bytes& bytes, size_t place, T value) {
-  std::memcpy(bytes.data() + place, &value, sizeof(value));
-}
-
-// The header of a kind-3 record.
-struct Header {
-  int16_t version, count;
-  int32_t first_count, second_count;
-};
-
-void PutHeader(Bytes& unit, const Header& header) {
-  Put(unit, 0, header.version);
-  Put(unit, 2, header.count);
-  Put(unit, 4, header.first_count);
-  Put(unit, 244, header.second_count);
-}
-
-// Units that differ in every byte past the header.
-std::vector<Bytes> MakeUnits(const Form& form) {
-  std::vector<Bytes> units(form.count, Bytes(form.unit_size));
-  for (size_t k = 0; k < form.count; ++k) {
-    for (size_t i = 0; i < form.unit_size; ++i) {
-      units[k][i] = static_cast<uint8_t>(i % 251 * 3 + k + 1);
-    }
-    if (form.kind == 3) PutHeader(units[k], {2, 5, 5, 1});
-  }
-  return units;
-}
-
-Bytes Join(Bytes a, const Bytes& b) {
-  a.insert(a.end(), b.begin(), b.end());
-  return a;
-}
-
-// Bytes outside the units are 0xEE.
-Bytes MakeContainer(const Form& form, const std::vector<Bytes>& units) {
-  Bytes container(form.length, 0xEE);
-  for (size_t k = 0; k < units.size(); ++k) {
-    Bytes stored = units[k];
-    if (form.sealed) {
-      const Bytes nonce(kGcmNonceSize, static_cast<uint8_t>(k + 1));
-      Bytes tag(kGcmTagSize);
-      GcmSeal(Aes256(AesKey(RecordKey())), GcmNonce(nonce), {}, stored,
-              std::span<uint8_t, kGcmTagSize>(tag));
-      stored = Join(Join(Join(nonce, Bytes(4)), stored), tag);
-    }
-    std::copy(stored.begin(), stored.end(),
-              &container[form.first + k * form.stride]);
-  }
-  return container;
-}
 
 // The decoder's arguments. An absent block is null, with a size to be ignored.
 struct Blocks {
@@ -189,8 +69,7 @@ void ExpectRecord(const Decoded& decoded, const Form& form, const Bytes& unit,
   std::copy_n(&unit[offset], form.record_size, expected.begin());
   EXPECT_EQ(record.bytes, expected);
   std::array<float, 5> optics = {};
-  std::memcpy(optics.data(), &unit[offset + (form.kind == 1 ? 320 : 340)],
-              sizeof(optics));
+  std::memcpy(optics.data(), &unit[offset + form.optics()], sizeof(optics));
   const std::optional<CameraValues> values = TakeCameraValues(record);
   ASSERT_TRUE(values.has_value());
   EXPECT_EQ(values->third, optics[0]);
@@ -377,7 +256,7 @@ TEST(Calibration, LensPositionChoosesAmongThree) {
   });
   for (const Form& form : kForms) {
     if (form.count == 1) continue;
-    const size_t slope = form.kind == 1 ? 328 : 348;
+    const size_t slope = form.optics() + 8;
     for (const Case& row : kCases) {
       std::vector<Bytes> units = MakeUnits(form);
       Put(units[0], slope, row.slope);
@@ -394,132 +273,6 @@ TEST(Calibration, LensPositionChoosesAmongThree) {
           << row.name << " in " << form.length;
     }
   }
-}
-
-// Runs `action` on a thread with the given stack and waits for its end.
-void RunOnStack(std::span<uint8_t> stack, std::function<void()> action) {
-  pthread_attr_t attributes;
-  pthread_t thread = {};
-  ASSERT_EQ(pthread_attr_init(&attributes), 0);
-  ASSERT_EQ(pthread_attr_setstack(&attributes, stack.data(), stack.size()), 0);
-  const auto run = [](void* argument) -> void* {
-    (*static_cast<std::function<void()>*>(argument))();
-    return nullptr;
-  };
-  ASSERT_EQ(pthread_create(&thread, &attributes, run, &action), 0);
-  ASSERT_EQ(pthread_join(thread, nullptr), 0);
-  ASSERT_EQ(pthread_attr_destroy(&attributes), 0);
-}
-
-// True if memory holds eight consecutive bytes of a secret.
-bool Holds(std::span<const uint8_t> memory, std::span<const uint8_t> secret) {
-  const auto sequence_at = [](std::span<const uint8_t> bytes, size_t i) {
-    uint64_t sequence = 0;
-    std::memcpy(&sequence, &bytes[i], sizeof(sequence));
-    return sequence;
-  };
-  std::unordered_set<uint64_t> sequences;
-  for (size_t i = 0; i + 8 <= secret.size(); ++i) {
-    sequences.insert(sequence_at(secret, i));
-  }
-  for (size_t i = 0; i + 8 <= memory.size(); ++i) {
-    if (sequences.contains(sequence_at(memory, i))) return true;
-  }
-  return false;
-}
-
-struct Secret {
-  const char* name;
-  Bytes bytes;
-};
-
-// A key and what is computed from it alone.
-std::vector<Secret> SecretsOfKey(const Bytes& key) {
-  const Aes256 cipher{AesKey(key)};
-  const auto* const expanded = reinterpret_cast<const uint8_t*>(&cipher);
-  // The two words of the authentication key, in the processor's byte order.
-  Bytes hash_key(kAesBlockSize);
-  cipher.Encrypt(AesBlock(hash_key));
-  std::reverse(hash_key.begin(), hash_key.begin() + 8);
-  std::reverse(hash_key.begin() + 8, hash_key.end());
-  return {{"key", key},
-          {"expanded key", Bytes(expanded, expanded + sizeof(cipher))},
-          {"hash key", hash_key}};
-}
-
-TEST(Calibration, StackKeepsNoSecrets) {
-  const DefaultKeys keys = BuiltInKeys();
-  const Bytes wrapping_key(keys.general->begin(), keys.general->end());
-  const Bytes wrapped = Wrap(wrapping_key, RecordKey());
-  const GuardedMemory<uint8_t> memory(size_t{256} << 10);
-  const std::span<uint8_t> stack = memory.span();
-  for (const Form& form : kForms) {
-    if (!form.sealed) continue;
-    std::vector<Bytes> units = MakeUnits(form);
-    std::vector<Secret> secrets = SecretsOfKey(RecordKey());
-    for (const Secret& secret : SecretsOfKey(wrapping_key)) {
-      secrets.push_back(secret);
-    }
-    for (Bytes& unit : units) {
-      // No eight bytes past the header occur anywhere else.
-      const auto seed = static_cast<uint32_t>(secrets.size());
-      secrets.push_back(
-          {"unit", Random(seed).Values<uint8_t>(form.unit_size - 248)});
-      std::copy(secrets.back().bytes.begin(), secrets.back().bytes.end(),
-                unit.begin() + 248);
-    }
-    const Bytes container = MakeContainer(form, units);
-    const CalibrationInput input = {
-        .block_a = container.data(),
-        .block_a_size = static_cast<uint32_t>(container.size()),
-        .block_b = wrapped.data(),
-        .block_b_size = static_cast<uint32_t>(wrapped.size()),
-        .selector = 1,
-        .default_keys = keys};
-    // A picture of this size is refused after the calibration was decoded.
-    GLInitInfo info = {};
-    info.PreviewWidth = info.PreviewHeight = 1 << 20;
-    uint32_t status = 0;
-    const auto decode = [&] {
-      CalibrationRecord record;
-      status = DecodeCalibration(input, record);
-      if (!TakeCameraValues(record)) ADD_FAILURE();
-    };
-    const auto initialise = [&] {
-      status = zuQelRT_GLInitV1(input.block_a, input.block_a_size,
-                                input.block_b, input.block_b_size, &info);
-    };
-    const auto keep_unit = [&] {
-      std::array<uint8_t, 512> kept = {};
-      std::copy_n(units.back().end() - 200, 200, kept.begin());
-      // As far as the compiler knows, this reads them.
-      asm volatile("" : : "r"(kept.data()) : "memory");
-    };
-
-    RunOnStack(stack, keep_unit);
-    EXPECT_TRUE(Holds(stack, secrets.back().bytes));
-    std::fill(stack.begin(), stack.end(), 0);
-    RunOnStack(stack, decode);
-    EXPECT_EQ(status, ZUQEL_SUCCESS);
-    for (const auto& [name, bytes] : secrets) {
-      EXPECT_FALSE(Holds(stack, bytes)) << name << " of " << form.length;
-    }
-    std::fill(stack.begin(), stack.end(), 0);
-    RunOnStack(stack, initialise);
-    EXPECT_EQ(status, ZUQEL_INIT_REFUSED);
-    for (const auto& [name, bytes] : secrets) {
-      EXPECT_FALSE(Holds(stack, bytes))
-          << name << " of " << form.length << " in the initialisation";
-    }
-  }
-}
-
-// This program's build has a general key, 0x20 to 0x3F, and no other.
-TEST(Calibration, KeysOfTheBuild) {
-  const DefaultKeys keys = BuiltInKeys();
-  ASSERT_NE(keys.general, nullptr);
-  EXPECT_EQ(Bytes(keys.general->begin(), keys.general->end()), MakeKey(0x20));
-  EXPECT_EQ(keys.kind4, nullptr);
 }
 
 }  // namespace

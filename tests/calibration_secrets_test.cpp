@@ -1,0 +1,148 @@
+// Keys and decrypted bytes are wiped; the keys that a build has.
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <zuQelRT_GL.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <functional>
+#include <span>
+#include <unordered_set>
+#include <vector>
+
+#include "calib/built_in_keys.h"
+#include "calib/calibration.h"
+#include "calibration_samples.h"
+#include "guarded_memory.h"
+#include "random.h"
+
+namespace zuqel::calib {
+namespace {
+
+// Runs `action` on a thread with the given stack and waits for its end.
+void RunOnStack(std::span<uint8_t> stack, std::function<void()> action) {
+  pthread_attr_t attributes;
+  pthread_t thread = {};
+  ASSERT_EQ(pthread_attr_init(&attributes), 0);
+  ASSERT_EQ(pthread_attr_setstack(&attributes, stack.data(), stack.size()), 0);
+  const auto run = [](void* argument) -> void* {
+    (*static_cast<std::function<void()>*>(argument))();
+    return nullptr;
+  };
+  ASSERT_EQ(pthread_create(&thread, &attributes, run, &action), 0);
+  ASSERT_EQ(pthread_join(thread, nullptr), 0);
+  ASSERT_EQ(pthread_attr_destroy(&attributes), 0);
+}
+
+// True if memory holds eight consecutive bytes of a secret.
+bool Holds(std::span<const uint8_t> memory, std::span<const uint8_t> secret) {
+  const auto sequence_at = [](std::span<const uint8_t> bytes, size_t i) {
+    uint64_t sequence = 0;
+    std::memcpy(&sequence, &bytes[i], sizeof(sequence));
+    return sequence;
+  };
+  std::unordered_set<uint64_t> sequences;
+  for (size_t i = 0; i + 8 <= secret.size(); ++i) {
+    sequences.insert(sequence_at(secret, i));
+  }
+  for (size_t i = 0; i + 8 <= memory.size(); ++i) {
+    if (sequences.contains(sequence_at(memory, i))) return true;
+  }
+  return false;
+}
+
+struct Secret {
+  const char* name;
+  Bytes bytes;
+};
+
+// A key and what is computed from it alone.
+std::vector<Secret> SecretsOfKey(const Bytes& key) {
+  const Aes256 cipher{AesKey(key)};
+  const auto* const expanded = reinterpret_cast<const uint8_t*>(&cipher);
+  // The two words of the authentication key, in the processor's byte order.
+  Bytes hash_key(kAesBlockSize);
+  cipher.Encrypt(AesBlock(hash_key));
+  std::reverse(hash_key.begin(), hash_key.begin() + 8);
+  std::reverse(hash_key.begin() + 8, hash_key.end());
+  return {{"key", key},
+          {"expanded key", Bytes(expanded, expanded + sizeof(cipher))},
+          {"hash key", hash_key}};
+}
+
+TEST(CalibrationSecrets, StackKeepsNone) {
+  const DefaultKeys keys = BuiltInKeys();
+  const Bytes wrapping_key(keys.general->begin(), keys.general->end());
+  const Bytes wrapped = Wrap(wrapping_key, RecordKey());
+  const GuardedMemory<uint8_t> memory(size_t{256} << 10);
+  const std::span<uint8_t> stack = memory.span();
+  for (const Form& form : kForms) {
+    if (!form.sealed) continue;
+    std::vector<Bytes> units = MakeUnits(form);
+    std::vector<Secret> secrets = SecretsOfKey(RecordKey());
+    for (const Secret& secret : SecretsOfKey(wrapping_key)) {
+      secrets.push_back(secret);
+    }
+    for (Bytes& unit : units) {
+      // No eight bytes past the header occur anywhere else.
+      const auto seed = static_cast<uint32_t>(secrets.size());
+      secrets.push_back(
+          {"unit", Random(seed).Values<uint8_t>(form.unit_size - 248)});
+      std::copy(secrets.back().bytes.begin(), secrets.back().bytes.end(),
+                unit.begin() + 248);
+    }
+    const Bytes container = MakeContainer(form, units);
+    const CalibrationInput input = {
+        .block_a = container.data(),
+        .block_a_size = static_cast<uint32_t>(container.size()),
+        .block_b = wrapped.data(),
+        .block_b_size = static_cast<uint32_t>(wrapped.size()),
+        .selector = 1,
+        .default_keys = keys};
+    // A picture of this size is refused after the calibration was decoded.
+    GLInitInfo info = {};
+    info.PreviewWidth = info.PreviewHeight = 1 << 20;
+    const auto keep_unit = [&] {
+      std::array<uint8_t, 512> kept = {};
+      std::copy_n(units.back().end() - 200, 200, kept.begin());
+      // As far as the compiler knows, this reads them.
+      asm volatile("" : : "r"(kept.data()) : "memory");
+    };
+
+    RunOnStack(stack, keep_unit);
+    EXPECT_TRUE(Holds(stack, secrets.back().bytes));
+    for (const bool initialises : {false, true}) {
+      uint32_t status = 0;
+      std::fill(stack.begin(), stack.end(), 0);
+      RunOnStack(stack, [&] {
+        if (initialises) {
+          status = zuQelRT_GLInitV1(input.block_a, input.block_a_size,
+                                    input.block_b, input.block_b_size, &info);
+          return;
+        }
+        CalibrationRecord record;
+        status = DecodeCalibration(input, record);
+        if (!TakeCameraValues(record)) ADD_FAILURE();
+      });
+      EXPECT_EQ(status, initialises ? ZUQEL_INIT_REFUSED : ZUQEL_SUCCESS);
+      for (const auto& [name, bytes] : secrets) {
+        EXPECT_FALSE(Holds(stack, bytes))
+            << name << " of " << form.length << ", initialises " << initialises;
+      }
+    }
+  }
+}
+
+// This program's build has a general key, 0x20 to 0x3F, and no other.
+TEST(CalibrationSecrets, KeysOfTheBuild) {
+  const DefaultKeys keys = BuiltInKeys();
+  ASSERT_NE(keys.general, nullptr);
+  EXPECT_EQ(Bytes(keys.general->begin(), keys.general->end()), MakeKey(0x20));
+  EXPECT_EQ(keys.kind4, nullptr);
+}
+
+}  // namespace
+}  // namespace zuqel::calib
