@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <filesystem>
-#include <map>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,52 +23,6 @@ namespace {
 
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-// Arguments and a piece of what is printed.
-using Cases = std::vector<std::pair<std::string, std::string>>;
-constexpr const char* kNoGl = "__EGL_VENDOR_LIBRARY_FILENAMES=/none";
-// The driver's libraries are unloaded with the session, so the leak checker
-// cannot tell what they still hold from what is lost. The library's own tests
-// look for leaks of a session.
-constexpr const char* kGl = "ASAN_OPTIONS=detect_leaks=0";
-
-// The program in a folder of its own.
-class CommandLine : public testing::Test {
- protected:
-  [[nodiscard]] std::string File(const std::string& name) const {
-    return folder_ / name;
-  }
-  [[nodiscard]] std::vector<uint8_t> Rgb(const std::string& name) const {
-    return ReadPicture(File(name)).rgb;
-  }
-  [[nodiscard]] Outcome Run(const std::string& arguments,
-                            const char* setting = kNoGl) const {
-    return RunZuqel(File(""), arguments, {setting});
-  }
-
-  // Each is refused in one line, and no file is touched.
-  void ExpectRefused(const Cases& cases, int exit_code = 2) const {
-    const auto contents = [&] {
-      std::map<std::string, std::string> files;
-      for (const auto& name : FilesIn(File(""))) {
-        files[name] = ReadText(File(name));
-      }
-      return files;
-    };
-    const auto before = contents();
-    for (const auto& [arguments, message] : cases) {
-      SCOPED_TRACE(arguments);
-      const Outcome outcome = Run(arguments);
-      EXPECT_EQ(outcome.exit_code, exit_code);
-      EXPECT_THAT(outcome.err, HasSubstr(message));
-      EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1);
-      EXPECT_THAT(outcome.out, IsEmpty());
-      EXPECT_TRUE(contents() == before);
-    }
-  }
-
-  const TemporaryFolder folder_;
-};
 
 constexpr int kWidth = 320, kHeight = 240;
 
@@ -367,6 +320,10 @@ class SequenceCommand : public CommandLine {
       }
       WriteDisparity(map, File("d_" + names_[i]));
     }
+  }
+
+  [[nodiscard]] std::vector<uint8_t> Rgb(const std::string& name) const {
+    return ReadPicture(File(name)).rgb;
   }
 
   const std::vector<std::string> names_ = {"07", "08", "09", "10"};

@@ -2,15 +2,16 @@
 #include "program_run.h"
 
 #include <fcntl.h>
+#include <gmock/gmock.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
+#include <map>
 #include <sstream>
-
-#include "image_samples.h"
 
 namespace zuqel::tools {
 namespace {
@@ -26,12 +27,17 @@ std::vector<char*> PointersTo(std::vector<std::string>& texts) {
 
 }  // namespace
 
-Outcome RunZuqel(const std::string& folder, const std::string& arguments,
-                 const std::vector<std::string>& environment) {
+std::string ReadText(const std::string& path) {
+  const std::vector<uint8_t> bytes = ReadBytes(path);
+  return {bytes.begin(), bytes.end()};
+}
+
+Outcome CommandLine::Run(const std::string& arguments,
+                         const char* setting) const {
   std::istringstream words("zuqel " + arguments);
   std::vector<std::string> argv_text;
   for (std::string word; words >> word;) argv_text.push_back(word);
-  std::vector<std::string> env_text = environment;
+  std::vector<std::string> env_text = {setting};  // the first one counts
   for (char** entry = environ; *entry != nullptr; ++entry) {
     env_text.emplace_back(*entry);
   }
@@ -43,7 +49,7 @@ Outcome RunZuqel(const std::string& folder, const std::string& arguments,
   posix_spawn_file_actions_init(&actions);
   posix_spawn_file_actions_addopen(&actions, 1, out.c_str(), kFlags, 0600);
   posix_spawn_file_actions_addopen(&actions, 2, err.c_str(), kFlags, 0600);
-  posix_spawn_file_actions_addchdir_np(&actions, folder.c_str());
+  posix_spawn_file_actions_addchdir_np(&actions, File("").c_str());
   pid_t child = 0;
   int status = 0;
   const int failed =
@@ -55,17 +61,24 @@ Outcome RunZuqel(const std::string& folder, const std::string& arguments,
           ReadText(err)};
 }
 
-std::string ReadText(const std::string& path) {
-  const std::vector<uint8_t> bytes = ReadBytes(path);
-  return {bytes.begin(), bytes.end()};
-}
-
-std::set<std::string> FilesIn(const std::string& folder) {
-  std::set<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-    names.insert(entry.path().filename());
+void CommandLine::ExpectRefused(const Cases& cases, int exit_code) const {
+  const auto contents = [&] {
+    std::map<std::string, std::string> files;
+    for (const auto& file : std::filesystem::directory_iterator(File(""))) {
+      files[file.path().filename()] = ReadText(file.path());
+    }
+    return files;
+  };
+  const auto before = contents();
+  for (const auto& [arguments, message] : cases) {
+    SCOPED_TRACE(arguments);
+    const Outcome outcome = Run(arguments);
+    EXPECT_EQ(outcome.exit_code, exit_code);
+    EXPECT_THAT(outcome.err, testing::HasSubstr(message));
+    EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1);
+    EXPECT_EQ(outcome.out, "");
+    EXPECT_TRUE(contents() == before);
   }
-  return names;
 }
 
 }  // namespace zuqel::tools

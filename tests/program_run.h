@@ -2,9 +2,13 @@
 #ifndef ZUQEL_TESTS_PROGRAM_RUN_H_
 #define ZUQEL_TESTS_PROGRAM_RUN_H_
 
-#include <set>
+#include <gtest/gtest.h>
+
 #include <string>
+#include <utility>
 #include <vector>
+
+#include "image_samples.h"
 
 namespace zuqel::tools {
 
@@ -13,15 +17,33 @@ struct Outcome {
   std::string out, err;
 };
 
-// Runs zuqel in a folder; `arguments` are separated by spaces. Entries of
-// `environment` are NAME=value and come before this process's own.
-Outcome RunZuqel(const std::string& folder, const std::string& arguments,
-                 const std::vector<std::string>& environment = {});
+// Arguments, separated by spaces, and a piece of what is printed.
+using Cases = std::vector<std::pair<std::string, std::string>>;
+
+// Settings of the environment, NAME=value.
+inline constexpr const char* kNoGl = "__EGL_VENDOR_LIBRARY_FILENAMES=/none";
+// The driver's libraries are unloaded with the session, so the leak checker
+// cannot tell what they still hold from what is lost. The library's own tests
+// look for leaks of a session.
+inline constexpr const char* kGl = "ASAN_OPTIONS=detect_leaks=0";
 
 std::string ReadText(const std::string& path);
 
-// The names of a folder's entries.
-std::set<std::string> FilesIn(const std::string& folder);
+// The program in a folder of its own.
+class CommandLine : public testing::Test {
+ protected:
+  [[nodiscard]] std::string File(const std::string& name) const {
+    return folder_ / name;
+  }
+  [[nodiscard]] Outcome Run(const std::string& arguments,
+                            const char* setting = kNoGl) const;
+
+  // Each is refused in one line, and no file is touched.
+  void ExpectRefused(const Cases& cases, int exit_code = 2) const;
+
+ private:
+  const TemporaryFolder folder_;
+};
 
 }  // namespace zuqel::tools
 

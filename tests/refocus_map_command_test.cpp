@@ -14,30 +14,25 @@
 namespace zuqel::tools {
 namespace {
 
-class RefocusMapCommand : public testing::Test {
+class RefocusMapCommand : public CommandLine {
  protected:
   // The left half is near, the right half far; each has a hole.
   void SetUp() override {
-    WritePicture(photo_, folder_ / "photo.png");
+    WritePicture(photo_, File("photo.png"));
     DisparityMap disparity(80, 60);
     for (int i = 0; i < 80 * 60; ++i) {
       const bool hole = i % 40 == 9 && i / 80 == 9;
       disparity.At(i % 80, i / 80) = hole ? 1023 : i % 80 < 40 ? 900 : 99;
     }
-    WriteDisparity(disparity, folder_ / "d.png");
+    WriteDisparity(disparity, File("d.png"));
     const std::string words = Make("gpu --disparity d.png --focus 1,1").err;
     if (words.find("no OpenGL ES") != std::string::npos) GTEST_SKIP() << words;
   }
 
-  // See command_line_test.cpp for why leaks are not checked.
-  [[nodiscard]] Outcome Run(const std::string& arguments) const {
-    return RunZuqel(folder_ / "", arguments, {"ASAN_OPTIONS=detect_leaks=0"});
-  }
   [[nodiscard]] Outcome Make(const std::string& arguments) const {
-    return Run("refocus-map -o map.png --generator " + arguments);
+    return Run("refocus-map -o map.png --generator " + arguments, kGl);
   }
 
-  const TemporaryFolder folder_;
   const Picture photo_ = NoisePicture(320, 240);
 };
 
@@ -79,7 +74,7 @@ TEST_F(RefocusMapCommand, IsSharpAtTheFocusAndPrintsItsOwnLinesOnly) {
     const Outcome verbose = Make(arguments + " --verbose");
     EXPECT_EQ(verbose.out, own);
     EXPECT_THAT(verbose.err, testing::HasSubstr(log));
-    const WeightMap map = ReadWeights(folder_ / "map.png");
+    const WeightMap map = ReadWeights(File("map.png"));
     EXPECT_EQ(map.At(map.width / 4, 9), near ? 0 : 255);
     EXPECT_EQ(map.At(3 * map.width / 4, 9), near ? 255 : 0);
   }
@@ -92,12 +87,12 @@ TEST_F(RefocusMapCommand, RenderTakesAMapOfEachGenerator) {
   for (const Generator& generator : Generators()) {
     SCOPED_TRACE(generator.name);
     const std::string from = generator.name + rest;
-    EXPECT_EQ(Make(from + " --panel m.png").err + Run(one + from).err, "");
-    EXPECT_EQ(Run(two + "--image photo.png --focus 90,70").err, "");
-    EXPECT_EQ(ReadBytes(folder_ / "1.png"), ReadBytes(folder_ / "2.png"));
-    EXPECT_EQ(ReadBytes(folder_ / "p1.png"), ReadBytes(folder_ / "p2.png"));
+    EXPECT_EQ(Make(from + " --panel m.png").err + Run(one + from, kGl).err, "");
+    EXPECT_EQ(Run(two + "--image photo.png --focus 90,70", kGl).err, "");
+    EXPECT_EQ(ReadBytes(File("1.png")), ReadBytes(File("2.png")));
+    EXPECT_EQ(ReadBytes(File("p1.png")), ReadBytes(File("p2.png")));
     // What is sharp keeps its colours in the panel's last tile.
-    const Picture panel = ReadPicture(folder_ / "m.png");
+    const Picture panel = ReadPicture(File("m.png"));
     EXPECT_TRUE(std::equal(photo_.Pixel(40, 9), photo_.Pixel(120, 9),
                            panel.Pixel(656 + 40, 9)));
   }
