@@ -1,9 +1,13 @@
-// Checks results before another library is timed.
+// Compares results before another library is timed.
 #ifndef ZUQEL_BENCH_EXPECT_H_
 #define ZUQEL_BENCH_EXPECT_H_
 
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <span>
+
+#include "difference.h"
 
 namespace zuqel::bench {
 
@@ -12,6 +16,13 @@ inline void ExpectTrue(bool is_same, const char* what) {
   if (is_same) return;
   static_cast<void>(std::fprintf(stderr, "results differ: %s\n", what));
   std::abort();
+}
+
+// Share of the bytes that are at most `levels` apart; 0 of different sizes.
+inline double ShareWithin(int levels, std::span<const uint8_t> a,
+                          std::span<const uint8_t> b) {
+  if (a.size() != b.size() || a.empty()) return 0;
+  return FindDifference(a, b, levels, 1).share_within;
 }
 
 }  // namespace zuqel::bench

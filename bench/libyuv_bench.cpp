@@ -8,7 +8,6 @@
 
 #include "cpu_bokeh/resize/resize_plane.h"
 #include "cpu_bokeh/two_level_blur.h"
-#include "difference.h"
 #include "expect.h"
 #include "plane_image.h"
 #include "resize_rows.h"

@@ -9,7 +9,6 @@
 #include "bokeh_frame.h"
 #include "cpu_bokeh/box_blur.h"
 #include "cpu_bokeh/resize/resize_plane.h"
-#include "difference.h"
 #include "expect.h"
 #include "opencv_bokeh.h"
 #include "opencv_images.h"

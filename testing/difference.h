@@ -31,13 +31,6 @@ inline Difference FindDifference(std::span<const uint8_t> a,
   return found;
 }
 
-// Share of the bytes that are at most `levels` apart; 0 of different sizes.
-inline double ShareWithin(int levels, std::span<const uint8_t> a,
-                          std::span<const uint8_t> b) {
-  if (a.size() != b.size() || a.empty()) return 0;
-  return FindDifference(a, b, levels, 1).share_within;
-}
-
 }  // namespace zuqel
 
 #endif  // ZUQEL_TESTING_DIFFERENCE_H_

@@ -11,6 +11,10 @@
 
 namespace zuqel {
 
+struct Size {
+  int32_t width, height;
+};
+
 // Zeros, unless values are given.
 template <typename T>
 struct Image {

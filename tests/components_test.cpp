@@ -39,9 +39,6 @@ constexpr auto kShapes = std::to_array<MaskShape>({
     {"full, a few other values", IsNoise<100>, 18, 10},
 });
 
-struct Size {
-  int32_t width, height;
-};
 // Around the sizes of rings, of vectors and of words of 64 pixels.
 constexpr auto kSizes = std::to_array<Size>({
     {0, 0},   {0, 3},   {3, 0},    {1, 1},   {1, 9},   {9, 1},

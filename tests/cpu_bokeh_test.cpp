@@ -30,10 +30,6 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 using Plane8 = Image<uint8_t>;
 
-struct Size {
-  int32_t width, height;
-};
-
 // Noise, and the largest value everywhere. One scratch for all sizes.
 template <typename T>
 void CheckResize(Size from, Size to) {
@@ -175,19 +171,17 @@ TEST(BoxBlur, CapsTheRadius) {
 
 TEST(BoxBlur, ApproximatesAGaussianByThree) {
   // By strength.
-  constexpr auto kRadii = std::to_array<std::array<int32_t, 3>>({
-      {0, 0, 0},
-      {0, 0, 0},
-      {0, 0, 1},
-      {0, 0, 1},
-      {1, 1, 1},
-      {1, 1, 2},
-      {1, 1, 2},
-      {2, 2, 2},
-      {2, 2, 3},
-      {2, 2, 3},
-      {3, 3, 3},
-  });
+  constexpr std::array<std::array<int32_t, 3>, 11> kRadii = {{{0, 0, 0},
+                                                              {0, 0, 0},
+                                                              {0, 0, 1},
+                                                              {0, 0, 1},
+                                                              {1, 1, 1},
+                                                              {1, 1, 2},
+                                                              {1, 1, 2},
+                                                              {2, 2, 2},
+                                                              {2, 2, 3},
+                                                              {2, 2, 3},
+                                                              {3, 3, 3}}};
   const Plane8 image = NoiseImage<uint8_t>(41, 23, 3);
   for (int32_t strength = -10; strength <= 10; ++strength) {
     Plane8 expected = image;

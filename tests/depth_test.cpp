@@ -27,9 +27,6 @@ struct Part {
   int32_t left, top, right, bottom;
 };
 
-struct Size {
-  int32_t width, height;
-};
 // Around the lengths of vectors and runs.
 constexpr auto kSizes = std::to_array<Size>({
     {1, 1},  {1, 20},  {2, 2},   {3, 9},   {7, 3},  {8, 5},  {9, 4},

@@ -214,9 +214,6 @@ TEST_F(FocusMasks, AreDecidedByTheRange) {
   }
 }
 
-struct Size {
-  int32_t width, height;
-};
 constexpr auto kSizes = std::to_array<Size>(
     {{0, 30}, {1, 1}, {1, 30}, {29, 1}, {29, 2}, {5, 30}, {17, 30}, {29, 30}});
 
