@@ -13,7 +13,8 @@ size_t BytesHeld();
 // Blocks taken since the process began, failed ones included.
 int Count();
 
-// While it lives, the `number`-th block taken, from 1 on, is not to be had.
+// While it lives, the `number`-th block taken, from 1 on, is not to be had; all
+// are for 0.
 class FailingBlock {
  public:
   explicit FailingBlock(int number);

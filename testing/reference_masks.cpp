@@ -111,11 +111,12 @@ Mask RemoveSpecks(Mask mask, uint32_t focus_area) {
 Mask FilterSquare(Mask mask, int32_t radius, Combine combine) {
   Mask made = mask;
   made.Visit([&](int32_t x, int32_t y, uint8_t& value) {
-    mask.Visit([&](int32_t near_x, int32_t near_y, uint8_t near) {
-      const int32_t steps =
-          std::max(std::abs(near_x - x), std::abs(near_y - y));
-      if (steps <= radius) value = combine(value, near);
-    });
+    const int32_t bottom = std::min(y + radius, mask.height - 1);
+    const int32_t right = std::min(x + radius, mask.width - 1);
+    for (int32_t row = std::max(y - radius, 0); row <= bottom; ++row) {
+      for (int32_t column = std::max(x - radius, 0); column <= right; ++column)
+        value = combine(value, *mask.At(column, row));
+    }
   });
   return made;
 }

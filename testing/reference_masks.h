@@ -10,10 +10,10 @@
 
 namespace zuqel::reference {
 
-using Mask = Image<uint8_t>;
+using Mask = zuqel::Image<uint8_t>;
 
 struct Components {
-  Image<uint32_t> labels;
+  zuqel::Image<uint32_t> labels;
   std::vector<uint32_t> areas;
   uint32_t largest = 0;
 };

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 #include <vector>
 
 #include "fresh_session.h"
@@ -103,63 +102,45 @@ constexpr auto kCalls = std::to_array<CallCase>(
      ZUQEL_REFOCUS_GENERATORS(GENERATOR_CASE)});
 #undef GENERATOR_CASE
 
-// A session of its own for each call, so that it takes all that it needs. Odd
-// and planar, with dumps and a focus dot: everything that a call may reserve or
-// change early.
-class FirstCall {
- public:
-  explicit FirstCall(bool maps_have_started) {
-    EXPECT_EQ(InitSession(kInfo), 0U);
-    if (maps_have_started) {
-      zuQelRT_GenRefocusMap_init();
-    } else {
-      zuQelRT_GenRefocusMap_Deinit();  // takes the buffers of the maps away
-    }
-  }
-  ~FirstCall() {
-    zuQelRT_GenRefocusMap_Deinit();
-    zuQelRT_GLClose();
-  }
-  FirstCall(const FirstCall&) = delete;
-  FirstCall& operator=(const FirstCall&) = delete;
-
-  // What the call leaves, the `failing`-th block not to be had; 0 for none.
-  static std::vector<uint16_t> Run(const CallCase& row, int failing) {
-    Handed handed(kInfo);
-    std::optional<FailingBlock> block;
-    if (failing > 0) block.emplace(failing);
-    row.call(handed);
-    block.reset();
-    return handed.Contents();
-  }
-
-  static constexpr GLInitInfo kInfo = {61, 47, 16, 12, 32, 24,
-                                       61, 47, 0,  1,  2,  0};
-};
+// Odd and planar, with dumps and a focus dot: everything that a call may
+// reserve or change early.
+constexpr GLInitInfo kOddInfo = {61, 47, 16, 12, 32, 24, 61, 47, 0, 1, 2, 0};
 
 TEST(OutOfMemory, FailedCallsTouchNothingOfTheCallers) {
   const ScopedProperty dumps("persist.zu.VLGLbokeh.readfile", "1");
   const ScopedProperty directory("persist.zu.LVGLbokeh.fileDir", "/nowhere/");
   const ScopedProperty dot("persist.zu.LVGLbokeh.FocusDot", "1");
-  const auto untouched = Handed(FirstCall::kInfo).Contents();
+  const auto untouched = Handed(kOddInfo).Contents();
   for (const CallCase& row : kCalls) {
     for (const bool maps_have_started : {true, false}) {
-      ResetSession();
+      // What the call leaves in a session of its own, so that it takes all that
+      // it needs. The `failing`-th block is not to be had; 0 for none.
       int blocks = 0;
-      const auto unfailed = [&] {
-        const FirstCall first(maps_have_started);
+      const auto run = [&](int failing) {
+        const ScopedSession session(kOddInfo);
+        EXPECT_EQ(session.status(), 0U);
+        // Ending the maps takes their buffers away.
+        (maps_have_started ? zuQelRT_GenRefocusMap_init
+                           : zuQelRT_GenRefocusMap_Deinit)();
+        Handed handed(kOddInfo);
         const int before = library_allocations::Count();
-        auto contents = FirstCall::Run(row, 0);
+        {
+          const FailingBlock block(failing);
+          row.call(handed);
+        }
         blocks = library_allocations::Count() - before;
-        return contents;
-      }();
+        zuQelRT_GenRefocusMap_Deinit();
+        return handed.Contents();
+      };
+      ResetSession();
+      const auto unfailed = run(0);
+      const int needed = blocks;
       EXPECT_NE(unfailed, untouched) << row.name;
-      EXPECT_GT(blocks, 0) << row.name;
-      for (int number = 1; number <= blocks; ++number) {
-        const FirstCall first(maps_have_started);
-        const auto failed = FirstCall::Run(row, number);
+      EXPECT_GT(needed, 0) << row.name;
+      for (int number = 1; number <= needed; ++number) {
+        const auto failed = run(number);
         EXPECT_TRUE(failed == untouched || failed == unfailed)
-            << row.name << ", block " << number << " of " << blocks
+            << row.name << ", block " << number << " of " << needed
             << ", maps started " << maps_have_started;
       }
     }

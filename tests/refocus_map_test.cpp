@@ -13,6 +13,7 @@
 #include "depth/hole_filling.h"
 #include "depth/statistics.h"
 #include "fresh_session.h"
+#include "reference_masks.h"
 #include "test_scene.h"
 
 namespace zuqel {
@@ -37,27 +38,15 @@ GLInitInfo Info() {
   return info;
 }
 
-// The smallest or largest of the bytes within 4 inside the image.
-Bytes Extreme(const Bytes& in, Size size, bool largest) {
-  Bytes out;
-  for (int i = 0; i < static_cast<int>(in.size()); ++i) {
-    Bytes near;
-    for (int y = i / size.width - 4; y <= i / size.width + 4; ++y) {
-      for (int x = i % size.width - 4; x <= i % size.width + 4; ++x) {
-        if (x < 0 || y < 0 || x >= size.width || y >= size.height) continue;
-        near.push_back(
-            in[static_cast<size_t>(x) +
-               static_cast<size_t>(y) * static_cast<size_t>(size.width)]);
-      }
-    }
-    out.push_back(largest ? *std::max_element(near.begin(), near.end())
-                          : *std::min_element(near.begin(), near.end()));
-  }
-  return out;
-}
-
+// Eroded and then dilated by 4.
 Bytes Opened(const Bytes& mask, Size size) {
-  return Extreme(Extreme(mask, size, false), size, true);
+  const auto smaller = [](uint8_t a, uint8_t b) { return std::min(a, b); };
+  const auto larger = [](uint8_t a, uint8_t b) { return std::max(a, b); };
+  return reference::FilterSquare(
+             reference::FilterSquare({size.width, size.height, mask}, 4,
+                                     smaller),
+             4, larger)
+      .values;
 }
 
 Bytes Reds(const reference::Image& image) {
