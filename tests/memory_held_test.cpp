@@ -43,11 +43,10 @@ void GenerateMaps(const CallerFrame& frame) {
   const GuardedMemory<uint8_t> map(size_t{640} * 480);
   uint16_t* depth = frame.depth.data();
   uint32_t out = 0;
-  EXPECT_EQ(
-      zuQelRT_GenRefocusMap(map.data(), depth, 300, 200, &out, &out, &out), 0U);
-  EXPECT_EQ(zuQelRT_GenRefocusMap_ZU4410_DispartyBase(map.data(), depth, 300,
-                                                      200, &out, &out, &out),
-            0U);
+  for (const auto generate :
+       {zuQelRT_GenRefocusMap, zuQelRT_GenRefocusMap_ZU4410_DispartyBase}) {
+    EXPECT_EQ(generate(map.data(), depth, 300, 200, &out, &out, &out), 0U);
+  }
   EXPECT_EQ(zuQelRT_GenRefocusMap_ZU4410_DispartyBase_CPU(
                 map.data(), depth, 300, 200, &out, &out, &out),
             0U);
