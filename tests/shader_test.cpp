@@ -29,8 +29,8 @@ constexpr Size kMaps = {320, 240};
 Texture Upload(const Image& image) {
   Texture texture = Texture::Generate();
   UploadTexture(texture.get(), GL_RGBA, image.size.width, image.size.height,
-                image.rgba.data(),
-                {image.linear ? GL_LINEAR : GL_NEAREST, GL_CLAMP_TO_EDGE});
+                image.rgba.data());
+  BindTexture(texture.get(), image.linear ? GL_LINEAR : GL_NEAREST);
   return texture;
 }
 

@@ -33,7 +33,10 @@ float BlurScale(float f_number) {
 }
 
 FrameSizes SizesOf(const FrameSetup& setup) {
-  return {.image = setup.preview, .work = setup.work, .output = setup.output};
+  return {.image = setup.preview,
+          .depth = setup.depth,
+          .work = setup.work,
+          .output = setup.output};
 }
 
 // One frame's way through the passes.
@@ -80,6 +83,7 @@ class FramePasses {
          .weight_texture = call_.from_depth
                                ? state_.targets.texture(kBlurredWeights)
                                : state_.inputs[kInputRefocus].get(),
+         .weight_size = call_.from_depth ? sizes_.weights : setup_.work,
          .off_screen = setup_.off_screen,
          .portrait = call_.portrait});
   }

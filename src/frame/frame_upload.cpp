@@ -9,10 +9,6 @@
 namespace zuqel {
 namespace {
 
-constexpr TextureSampling kSmooth = {GL_LINEAR, GL_CLAMP_TO_EDGE};
-constexpr TextureSampling kSharp = {GL_NEAREST, GL_CLAMP_TO_EDGE};
-constexpr TextureSampling kRepeated = {GL_LINEAR, GL_REPEAT};
-
 size_t Area(int32_t width, int32_t height) {
   return static_cast<size_t>(width) * static_cast<size_t>(height);
 }
@@ -28,7 +24,7 @@ size_t ChromaPlaneBytes(ImageSize size) {
 
 void UploadLuma(const RenderState& state, Plane<const uint8_t> luma) {
   UploadTexture(state.inputs[kInputY].get(), GL_LUMINANCE, luma.width,
-                luma.height, luma.data, kSmooth);
+                luma.height, luma.data);
 }
 
 // The U plane; bytes past the end of the buffer are 0.
@@ -57,21 +53,21 @@ const uint8_t* ChromaPairs(const Frame& frame, std::span<uint8_t> scratch) {
   return scratch.data();
 }
 
-void UploadNv21(const RenderState& state, const Frame& frame, bool sharp_chroma,
+void UploadNv21(const RenderState& state, const Frame& frame,
                 std::span<uint8_t> scratch) {
   UploadLuma(state, frame.luma);
   UploadTexture(state.inputs[kInputUV].get(), GL_LUMINANCE_ALPHA,
                 frame.luma.width / 2, frame.luma.height / 2,
-                ChromaPairs(frame, scratch), sharp_chroma ? kSharp : kSmooth);
+                ChromaPairs(frame, scratch));
 }
 
 void UploadPlanar(const RenderState& state, const Frame& frame, ImageSize size,
                   std::span<uint8_t> scratch) {
   UploadLuma(state, frame.luma);
   UploadTexture(state.inputs[kInputUV].get(), GL_LUMINANCE, size.width / 2,
-                size.height / 2, UPlane(frame.chroma, size, scratch), kSharp);
+                size.height / 2, UPlane(frame.chroma, size, scratch));
   UploadTexture(state.inputs[kInputV].get(), GL_LUMINANCE, size.width / 2,
-                size.height / 2, frame.chroma.data(), kSharp);
+                size.height / 2, frame.chroma.data());
 }
 
 }  // namespace
@@ -80,14 +76,14 @@ void UploadWeights(const RenderState& state, Plane<const uint8_t> weights,
                    std::span<uint32_t> rgba) {
   PackWeights(weights, rgba);
   UploadTexture(state.inputs[kInputRefocus].get(), GL_RGBA, weights.width,
-                weights.height, rgba.data(), kSmooth);
+                weights.height, rgba.data());
 }
 
 void UploadDepth(const RenderState& state, Plane<const uint16_t> depth,
                  std::span<uint32_t> rgba) {
   PackDepth(depth, rgba);
   UploadTexture(state.inputs[kInputRefocus].get(), GL_RGBA, depth.width,
-                depth.height, rgba.data(), kRepeated);
+                depth.height, rgba.data(), GL_REPEAT);
 }
 
 size_t ChromaScratchBytes(const FrameSetup& setup) {
@@ -112,7 +108,7 @@ void UploadFrame(const RenderState& state, const FrameSetup& setup,
                  std::span<uint8_t> chroma_scratch) {
   switch (UploadKindOf(setup)) {
     case UploadKind::kNv21:
-      UploadNv21(state, frame, setup.off_screen, chroma_scratch);
+      UploadNv21(state, frame, chroma_scratch);
       break;
     case UploadKind::kPlanar:
       UploadPlanar(state, frame, setup.preview, chroma_scratch);
@@ -120,7 +116,7 @@ void UploadFrame(const RenderState& state, const FrameSetup& setup,
     case UploadKind::kPacked:
       if (setup.source_format == kFormatPacked) PackFrame(frame, packed);
       UploadTexture(state.inputs[kInputY].get(), GL_RGBA, setup.preview.width,
-                    setup.preview.height, packed.data(), kSmooth);
+                    setup.preview.height, packed.data());
       break;
   }
 }

@@ -60,34 +60,35 @@ void BlurSeparably(const RenderState& state, const FrameSizes& sizes,
 void Pick3x3(const RenderState& state, const FrameSizes& sizes,
              const PassRow& row, size_t source) {
   DrawPass(PassOf(row, state, sizes),
-           {{"inputImageTexture", 0, state.targets.texture(source)}},
+           {{"inputImageTexture", 0, state.targets.texture(source),
+             FilterBetween(sizes.weights, sizes.work)}},
            {{"fWidth", static_cast<float>(sizes.work.width)},
             {"fHeight", static_cast<float>(sizes.work.height)},
             {"scale", 1.0F}});
 }
 
 void DrawNv21(const RenderState& state, const FrameSizes& sizes,
-              const PassRow& row) {
+              const PassRow& row, GLint filter) {
   DrawPass(PassOf(row, state, sizes),
-           {{"inputYTexture", 0, state.inputs[kInputY].get()},
-            {"inputUVTexture", 1, state.inputs[kInputUV].get()}});
+           {{"inputYTexture", 0, state.inputs[kInputY].get(), filter},
+            {"inputUVTexture", 1, state.inputs[kInputUV].get(), filter}});
 }
 
 }  // namespace
 
 void PassNv21ToRgb(const RenderState& state, const FrameSizes& sizes) {
-  DrawNv21(state, sizes, kNv21ToRgb);
+  DrawNv21(state, sizes, kNv21ToRgb, GL_LINEAR);
 }
 
 void PassNv21Pack(const RenderState& state, const FrameSizes& sizes) {
-  DrawNv21(state, sizes, kNv21Pack);
+  DrawNv21(state, sizes, kNv21Pack, GL_NEAREST);
 }
 
 void PassPlanarYuvPack(const RenderState& state, const FrameSizes& sizes) {
   DrawPass(PassOf(kPlanarYuvPack, state, sizes),
-           {{"inputYTexture", 0, state.inputs[kInputY].get()},
-            {"inputUTexture", 1, state.inputs[kInputUV].get()},
-            {"inputVTexture", 2, state.inputs[kInputV].get()}});
+           {{"inputYTexture", 0, state.inputs[kInputY].get(), GL_NEAREST},
+            {"inputUTexture", 1, state.inputs[kInputUV].get(), GL_NEAREST},
+            {"inputVTexture", 2, state.inputs[kInputV].get(), GL_NEAREST}});
 }
 
 void PassBypass(const RenderState& state, const FrameSizes& sizes,
@@ -104,7 +105,7 @@ void PassBlurImage(const RenderState& state, const FrameSizes& sizes,
 void PassDepthWeight(const RenderState& state, const FrameSizes& sizes,
                      const DepthWeightUniforms& uniforms) {
   DrawDepthWeight(PassOf(kDepthWeight, state, sizes),
-                  state.inputs[kInputRefocus].get(), uniforms);
+                  state.inputs[kInputRefocus].get(), sizes.depth, uniforms);
 }
 
 void PassErodeWeights(const RenderState& state, const FrameSizes& sizes) {
@@ -124,10 +125,16 @@ void PassBlurWeights(const RenderState& state, const FrameSizes& sizes,
 void PassComposite(const RenderState& state, const FrameSizes& sizes,
                    const CompositeInputs& inputs) {
   const PassRow& row = inputs.off_screen ? kComposite : kCompositeOnScreen;
+  const bool is_whole = inputs.off_screen && !inputs.portrait;
+  const auto filter = [&](ImageSize source) {
+    return is_whole ? FilterBetween(source, sizes.output) : GL_LINEAR;
+  };
   DrawPass(PassOf(row, state, sizes, inputs.portrait),
-           {{"inputImageTexture", 0, inputs.image_texture},
-            {"blurTexture1", 1, state.targets.texture(kBlurredImage)},
-            {"refocusTexture", 4, inputs.weight_texture}},
+           {{"inputImageTexture", 0, inputs.image_texture, filter(sizes.image)},
+            {"blurTexture1", 1, state.targets.texture(kBlurredImage),
+             filter(sizes.blur)},
+            {"refocusTexture", 4, inputs.weight_texture,
+             filter(inputs.weight_size)}},
            {{"blurTexture4", 6}, {"blurLayer", 1}});
 }
 

@@ -39,14 +39,16 @@ struct RenderState {
   DebugTextures debug_pictures;
 };
 
-// Sizes of what passes fill.
+// Sizes of what passes read and fill.
 struct FrameSizes {
   ImageSize image;
+  ImageSize depth;
   ImageSize work;
   ImageSize output;
   // Whatever the preview size.
   ImageSize conversion = {1280, 960};
   ImageSize blur = {kReducedWidth, kReducedHeight};
+  ImageSize weights = {kQuarterWidth, kQuarterHeight};
 };
 
 // From the input textures to the work image.
@@ -78,6 +80,7 @@ void PassBlurWeights(const RenderState& state, const FrameSizes& sizes,
 struct CompositeInputs {
   GLuint image_texture = 0;
   GLuint weight_texture = 0;
+  ImageSize weight_size;
   bool off_screen = false;
   bool portrait = false;
 };

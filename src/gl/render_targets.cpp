@@ -23,7 +23,7 @@ void BackByGraphicBuffer(GLuint texture, ImageSize size,
                          std::optional<GraphicBuffer>& graphic_buffer) {
   ZUQEL_LOG("Graphics buffer +");
   graphic_buffer.emplace(size);
-  BindTexture(texture, {});
+  SetUpTexture(texture, GL_CLAMP_TO_EDGE);
   graphic_buffer->BackBoundTexture();
 }
 
@@ -47,7 +47,7 @@ RenderTargets::RenderTargets(ImageSize preview, bool has_graphic_buffer,
     if (is_graphic_buffer) {
       BackByGraphicBuffer(texture(i), size, graphic_buffer);
     } else {
-      UploadTexture(texture(i), GL_RGBA, size.width, size.height, nullptr, {});
+      UploadTexture(texture(i), GL_RGBA, size.width, size.height, nullptr);
     }
     Attach(framebuffer(i), texture(i));
     if (is_graphic_buffer) ZUQEL_LOG("Graphics buffer -");

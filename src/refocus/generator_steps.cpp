@@ -61,7 +61,7 @@ void MapDrawing::DrawWeights(const MapCall& call, ProgramRole program,
   UploadRefocusDepth(*state_, PlaneOf<const uint16_t>(call.depth, depth),
                      work_.maps.buffers.pucInputDepthRGBA_RM.words());
   PassRefocusWeights(
-      *state_, program, work_.setup.map,
+      *state_, program, work_.setup.map, depth,
       {.mouse_x = static_cast<float>(call.x) / static_cast<float>(depth.width),
        .mouse_y = static_cast<float>(call.y) / static_cast<float>(depth.height),
        .focus_plane = static_cast<float>(focus),

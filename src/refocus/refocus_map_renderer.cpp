@@ -14,7 +14,6 @@
 namespace zuqel {
 namespace {
 
-constexpr TextureSampling kRepeated = {GL_LINEAR, GL_REPEAT};
 constexpr float kSofteningScale = 1.0F;
 
 // Every pass has the size of the map and draws it upright.
@@ -42,7 +41,7 @@ void AttachDepth(GLuint depth_buffer, ImageSize size) {
 
 void SetUpTarget(const RefocusMapState& state, size_t index, ImageSize size) {
   const GLuint colour = state.colour_textures[index].get();
-  UploadTexture(colour, GL_RGBA, size.width, size.height, nullptr, kRepeated);
+  UploadTexture(colour, GL_RGBA, size.width, size.height, nullptr, GL_REPEAT);
   glBindFramebuffer(GL_FRAMEBUFFER, state.framebuffers[index].get());
   glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
                          colour, 0);
@@ -75,21 +74,21 @@ void UploadRefocusDepth(const RefocusMapState& state,
                         std::span<uint32_t> rgba) {
   PackDepth(disparity, rgba);
   UploadTexture(state.depth_texture.get(), GL_RGBA, disparity.width,
-                disparity.height, rgba.data(), kRepeated);
+                disparity.height, rgba.data(), GL_REPEAT);
 }
 
 void PassRefocusWeights(const RefocusMapState& state, ProgramRole program,
-                        ImageSize map_size,
+                        ImageSize map_size, ImageSize depth_size,
                         const DepthWeightUniforms& uniforms) {
   DrawDepthWeight(PassOf({program, 0}, state, map_size),
-                  state.depth_texture.get(), uniforms);
+                  state.depth_texture.get(), depth_size, uniforms);
 }
 
 void PassSoftenRefocusMap(const RefocusMapState& state,
                           Plane<const uint8_t> map, std::span<uint32_t> rgba) {
   PackRefocusMap(map, rgba);
   UploadTexture(state.map_texture.get(), GL_RGBA, map.width, map.height,
-                rgba.data(), kRepeated);
+                rgba.data(), GL_REPEAT);
   const ImageSize size = {map.width, map.height};
   DrawBlur(PassOf(kSoftenDown, state, size), state.map_texture.get(), size,
            kSofteningScale);

@@ -45,7 +45,7 @@ void UploadRefocusDepth(const RefocusMapState& state,
 // Draws the weights of the uploaded disparity. `program` is DepthWeightProgram
 // or AllInFocusWeightProgram.
 void PassRefocusWeights(const RefocusMapState& state, ProgramRole program,
-                        ImageSize map_size,
+                        ImageSize map_size, ImageSize depth_size,
                         const DepthWeightUniforms& uniforms);
 
 // Draws `map` blurred by one texel, down and then across.

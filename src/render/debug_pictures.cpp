@@ -32,7 +32,7 @@ void LoadDebugPictures(const DebugTextures* textures, const DebugPicture* table,
         picture.iHeight);
     if (textures == nullptr) continue;
     UploadTexture((*textures)[i].get(), GL_RGBA, picture.iWidth,
-                  picture.iHeight, picture.pData, {});
+                  picture.iHeight, picture.pData);
   }
 }
 

@@ -1,6 +1,8 @@
 // Draws passes.
 #include "render/pass_draws.h"
 
+#include "gl/texture.h"
+
 namespace zuqel {
 namespace {
 
@@ -22,7 +24,7 @@ void SetViewport(DrawRegion region) {
 
 void SetTexture(const LinkedProgram& program, const TextureInput& input) {
   glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(input.unit));
-  glBindTexture(GL_TEXTURE_2D, input.texture);
+  BindTexture(input.texture, input.filter);
   glUniform1i(input.sampler.LocationIn(program), input.unit);
 }
 
@@ -37,17 +39,23 @@ void DrawPass(const Pass& pass, std::initializer_list<TextureInput> textures,
   DrawQuad(pass.program, pass.quad);
 }
 
-void DrawDepthWeight(const Pass& pass, GLuint depth_texture,
+GLint FilterBetween(ImageSize source, ImageSize target) {
+  return source == target ? GL_NEAREST : GL_LINEAR;
+}
+
+void DrawDepthWeight(const Pass& pass, GLuint depth_texture, ImageSize depth,
                      const DepthWeightUniforms& uniforms) {
-  DrawPass(pass, {{"depthTexture", 4, depth_texture}},
-           {{"depthTexture2", 5},
-            {"focusPlane", uniforms.focus_plane},
-            {"mouseX", uniforms.mouse_x},
-            {"mouseY", uniforms.mouse_y},
-            {"F_number", 0.0F},
-            {"min_depth", uniforms.min_depth},
-            {"max_depth", uniforms.max_depth},
-            {"focal_length", uniforms.focal_length}});
+  DrawPass(
+      pass,
+      {{"depthTexture", 4, depth_texture, FilterBetween(depth, pass.size)}},
+      {{"depthTexture2", 5},
+       {"focusPlane", uniforms.focus_plane},
+       {"mouseX", uniforms.mouse_x},
+       {"mouseY", uniforms.mouse_y},
+       {"F_number", 0.0F},
+       {"min_depth", uniforms.min_depth},
+       {"max_depth", uniforms.max_depth},
+       {"focal_length", uniforms.focal_length}});
 }
 
 void DrawBlur(const Pass& pass, GLuint source_texture, ImageSize image,

@@ -27,7 +27,13 @@ struct TextureInput {
   Uniform sampler;
   GLint unit = 0;
   GLuint texture = 0;
+  GLint filter = GL_LINEAR;
 };
+
+// How an upright pass reads an image that it covers once: one of the target's
+// size is read at the centres of its texels, where filters agree, and the
+// nearest texel is the one that no driver's arithmetic can miss.
+GLint FilterBetween(ImageSize source, ImageSize target);
 
 struct UniformInput {
   Uniform uniform;
@@ -47,9 +53,9 @@ struct DepthWeightUniforms {
   float focal_length = 0;
 };
 
-// Weights from packed disparity, by DepthWeightProgram or
+// Weights from packed disparity of `depth` pixels, by DepthWeightProgram or
 // AllInFocusWeightProgram.
-void DrawDepthWeight(const Pass& pass, GLuint depth_texture,
+void DrawDepthWeight(const Pass& pass, GLuint depth_texture, ImageSize depth,
                      const DepthWeightUniforms& uniforms);
 
 // One direction of a separable blur, by BlurHProgram or BlurVProgram. `scale`
