@@ -5,11 +5,15 @@
 #include <GLES2/gl2.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
 
 #include "difference.h"
+#include "gl_driver.h"
 #include "reference_render.h"
 
 namespace zuqel {
@@ -27,10 +31,11 @@ inline constexpr Tolerance kRendered = {2, 0.995};
 
 // Compares pixels of `channels` bytes. A failure names the first byte outside.
 inline testing::AssertionResult IsNear(std::span<const uint8_t> actual,
-                                       std::span<const uint8_t> expected,
+                                       const Bounds& expected,
                                        Tolerance tolerance,
                                        size_t channels = 4) {
-  if (actual.empty() || actual.size() != expected.size()) {
+  if (actual.empty() || actual.size() != expected.lowest.size() ||
+      actual.size() != expected.highest.size()) {
     return testing::AssertionFailure() << "of " << actual.size() << " bytes";
   }
   const Difference found =
@@ -43,7 +48,45 @@ inline testing::AssertionResult IsNear(std::span<const uint8_t> actual,
          << "only " << 100 * found.share_within << " % within "
          << tolerance.levels << " levels; first pixel outside: " << i / channels
          << ", channel " << i % channels << ": " << int{actual[i]}
-         << " instead of " << int{expected[i]};
+         << " instead of " << int{expected.lowest[i]} << " to "
+         << int{expected.highest[i]};
+}
+
+inline testing::AssertionResult IsNear(std::span<const uint8_t> actual,
+                                       std::span<const uint8_t> expected,
+                                       Tolerance tolerance,
+                                       size_t channels = 4) {
+  return IsNear(actual, Bounds{expected, expected}, tolerance, channels);
+}
+
+// What a driver may draw in place of Draw, whose filter errs by so much.
+struct DrawnRange {
+  reference::Image lowest, highest;
+
+  operator Bounds() const { return {lowest.rgba, highest.rgba}; }
+};
+
+inline DrawnRange DrawRange(
+    reference::Size target, reference::Size viewport, reference::Turn turn,
+    const std::function<reference::Rgba(reference::Point)>& shader,
+    const GlDriver& driver = CurrentGlDriver()) {
+  const reference::Image exact = Draw(target, viewport, turn, shader);
+  DrawnRange range = {exact, exact};
+  if (driver.place_error == 0) return range;
+  for (const int corner : {0, 1, 2, 3, 4, 5, 6, 7}) {
+    const double s = (corner % 2 == 0 ? -1 : 1) * driver.place_error;
+    const double t = (corner / 2 % 2 == 0 ? -1 : 1) * driver.place_error;
+    const double cut = corner / 4 * driver.value_error;
+    const reference::Image image =
+        Draw(target, viewport, turn, [&](reference::Point at) {
+          return shader({at.s + s, at.t + t, cut});
+        });
+    for (size_t i = 0; i < image.rgba.size(); ++i) {
+      range.lowest.rgba[i] = std::min(range.lowest.rgba[i], image.rgba[i]);
+      range.highest.rgba[i] = std::max(range.highest.rgba[i], image.rgba[i]);
+    }
+  }
+  return range;
 }
 
 // Reads a framebuffer of the current context.

@@ -91,7 +91,8 @@ Rgba Sample(const Image& image, Point at) {
   const auto row = [&](double t) {
     return (1 - fx) * Texel(image, left, t) + fx * Texel(image, left + 1, t);
   };
-  return (1 - fy) * row(top) + fy * row(top + 1);
+  const Rgba p = (1 - fy) * row(top) + fy * row(top + 1);
+  return {p.r - at.cut, p.g - at.cut, p.b - at.cut, p.a - at.cut};
 }
 
 Image Draw(Size target, Size viewport, Turn turn,

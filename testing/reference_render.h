@@ -32,6 +32,7 @@ struct Image {
 
 struct Point {
   double s = 0, t = 0;
+  double cut = 0;  // what a driver's filter loses of a value sampled there
 };
 
 struct Rgba {

@@ -33,13 +33,17 @@ std::string ReadText(const std::string& path) {
 }
 
 Outcome CommandLine::Run(const std::string& arguments,
-                         const char* setting) const {
+                         const Settings& settings) const {
   std::istringstream words("zuqel " + arguments);
   std::vector<std::string> argv_text;
   for (std::string word; words >> word;) argv_text.push_back(word);
-  std::vector<std::string> env_text = {setting};  // the first one counts
+  std::vector<std::string> env_text = settings;
   for (char** entry = environ; *entry != nullptr; ++entry) {
-    env_text.emplace_back(*entry);
+    const std::string text = *entry, name = text.substr(0, text.find('=') + 1);
+    const auto is_set = [&](const auto& set) { return set.starts_with(name); };
+    if (std::none_of(settings.begin(), settings.end(), is_set)) {
+      env_text.push_back(text);
+    }
   }
 
   const TemporaryFolder streams;

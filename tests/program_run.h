@@ -21,11 +21,14 @@ struct Outcome {
 using Cases = std::vector<std::pair<std::string, std::string>>;
 
 // Settings of the environment, NAME=value.
-inline constexpr const char* kNoGl = "__EGL_VENDOR_LIBRARY_FILENAMES=/none";
+using Settings = std::vector<std::string>;
+// The system's own loader, without a driver to load.
+inline const Settings kNoGl = {"__EGL_VENDOR_LIBRARY_FILENAMES=/none",
+                               "LD_LIBRARY_PATH="};
 // The driver's libraries are unloaded with the session, so the leak checker
 // cannot tell what they still hold from what is lost. The library's own tests
 // look for leaks of a session.
-inline constexpr const char* kGl = "ASAN_OPTIONS=detect_leaks=0";
+inline const Settings kGl = {"ASAN_OPTIONS=detect_leaks=0"};
 
 std::string ReadText(const std::string& path);
 
@@ -36,7 +39,7 @@ class CommandLine : public testing::Test {
     return folder_ / name;
   }
   [[nodiscard]] Outcome Run(const std::string& arguments,
-                            const char* setting = kNoGl) const;
+                            const Settings& settings = kNoGl) const;
 
   // Each is refused in one line, and no file is touched.
   void ExpectRefused(const Cases& cases, int exit_code = 2) const;

@@ -96,15 +96,20 @@ class RefocusMap : public FreshSessionTest {
         session_.refocus_maps.buffers.WeightMap_buffer_char_RM.bytes();
     return {bytes, bytes + kMap.area()};
   }
-  [[nodiscard]] Bytes PlainWeights(auto shader, uint32_t focus) const {
+  // True if the weights are those of plain arithmetic.
+  [[nodiscard]] testing::AssertionResult HasWeights(const Bytes& weights,
+                                                    auto shader, uint32_t focus,
+                                                    Tolerance tolerance) const {
     reference::Image depth = reference::FromDisparity(disparity_, kDepth);
     depth.repeat = true;
     const reference::DepthRange range = {static_cast<int>(focus),
                                          static_cast<int>(out_[0]),
                                          static_cast<int>(out_[1])};
-    return Reds(reference::Draw(
-        kMap, kMap, reference::Turn::kUpright,
-        [&](Point at) { return shader(Sample(depth, at), range); }));
+    const DrawnRange plain =
+        DrawRange(kMap, kMap, reference::Turn::kUpright,
+                  [&](Point at) { return shader(Sample(depth, at), range); });
+    const Bytes lowest = Reds(plain.lowest), highest = Reds(plain.highest);
+    return IsNear(weights, Bounds{lowest, highest}, tolerance, 1);
   }
 
   Values disparity_;    // of the last call, filled
@@ -124,8 +129,8 @@ TEST_F(RefocusMap, OnTheGpuIsRefinedAndSoftened) {
               "zuQelRT_GenRefocusMap +\nglReadPixel takes # ms\n"
               "CCL takes # ms\nzuQelRT_GenRefocusMap -\n");
     const Bytes weights = Weights();
-    EXPECT_TRUE(IsNear(weights, PlainWeights(reference::DepthWeight, out_[2]),
-                       kRendered, 1));
+    EXPECT_TRUE(
+        HasWeights(weights, reference::DepthWeight, out_[2], kRendered));
 
     RefinementScratch scratch;
     Bytes refined(kMap.area());
@@ -153,9 +158,8 @@ TEST_F(RefocusMap, FromDisparityOnTheGpuIsOpened) {
     Bytes map(kMap.area());
     Generate(zuQelRT_GenRefocusMap_ZU4410_DispartyBase, 5, focus, map);
     EXPECT_EQ(TakeLog(), "GenRefocusMap_ZU4410_DispartyBase take test # ms\n");
-    EXPECT_TRUE(IsNear(Weights(),
-                       PlainWeights(reference::AllInFocusWeight, pixel_),
-                       {2, 0.99}, 1));
+    EXPECT_TRUE(
+        HasWeights(Weights(), reference::AllInFocusWeight, pixel_, {2, 0.99}));
     EXPECT_EQ(map, Opened(Weights(), kMap)) << focus.s << ", " << focus.t;
   }
 }

@@ -71,7 +71,7 @@ class ShaderTest : public testing::Test {
     glViewport(0, 0, size.width, size.height);
     DrawQuad(program, kQuadUpright);
     Image gpu = ReadPixels(target, size);
-    EXPECT_TRUE(IsNear(gpu.rgba, Draw(size, size, Turn::kUpright, shade).rgba,
+    EXPECT_TRUE(IsNear(gpu.rgba, DrawRange(size, size, Turn::kUpright, shade),
                        tolerance))
         << "program " << static_cast<int>(role) << ", width " << size.width;
     return gpu;
