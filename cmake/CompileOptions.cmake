@@ -11,10 +11,22 @@ target_compile_options(
             -ffp-contract=off)
 
 if(ZUQEL_SANITIZE)
+  if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    message(FATAL_ERROR "ZUQEL_SANITIZE is for Clang: use the preset asan")
+  endif()
+  # The runtime is shared by the library and its callers, Java among them.
+  set(runtime libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
+  execute_process(
+    COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
+    OUTPUT_VARIABLE ZUQEL_SANITIZER_RUNTIME
+    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  cmake_path(GET ZUQEL_SANITIZER_RUNTIME PARENT_PATH runtime_folder)
   set(ZUQEL_SANITIZERS -fsanitize=address,undefined -fno-sanitize-recover=all
-                       -fno-omit-frame-pointer)
-  target_compile_options(zuqel_options INTERFACE ${ZUQEL_SANITIZERS})
-  target_link_options(zuqel_options INTERFACE ${ZUQEL_SANITIZERS})
+                       -fno-omit-frame-pointer -shared-libasan)
+  # GoogleTest too: libc++ marks the unused part of a vector, and all code that
+  # changes the vector has to keep the marks.
+  add_compile_options(${ZUQEL_SANITIZERS})
+  add_link_options(${ZUQEL_SANITIZERS} -Wl,-rpath,${runtime_folder})
 endif()
 
 # The baseline unless asked otherwise, so that a build runs on machines other
