@@ -73,10 +73,12 @@ inline DrawnRange DrawRange(
   const reference::Image exact = Draw(target, viewport, turn, shader);
   DrawnRange range = {exact, exact};
   if (driver.place_error == 0) return range;
-  for (const int corner : {0, 1, 2, 3, 4, 5, 6, 7}) {
-    const double s = (corner % 2 == 0 ? -1 : 1) * driver.place_error;
-    const double t = (corner / 2 % 2 == 0 ? -1 : 1) * driver.place_error;
-    const double cut = corner / 4 * driver.value_error;
+  for (const unsigned corner : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U}) {
+    const double s =
+        (corner & 1U) == 0 ? -driver.place_error : driver.place_error;
+    const double t =
+        (corner & 2U) == 0 ? -driver.place_error : driver.place_error;
+    const double cut = (corner & 4U) == 0 ? 0 : driver.value_error;
     const reference::Image image =
         Draw(target, viewport, turn, [&](reference::Point at) {
           return shader({at.s + s, at.t + t, cut});

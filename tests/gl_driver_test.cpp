@@ -13,7 +13,8 @@ namespace {
 TEST(GlDriver, IsTheOneAskedFor) {
   const CallerContext caller;
   ASSERT_TRUE(caller.is_current());
-  for (const GLenum name : {GL_VENDOR, GL_RENDERER, GL_VERSION}) {
+  for (const GLenum name :
+       {GLenum{GL_VENDOR}, GLenum{GL_RENDERER}, GLenum{GL_VERSION}}) {
     std::cout << glGetString(name) << "\n";
   }
   const char* asked = std::getenv("ZUQEL_GL_DRIVER");

@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <map>
 #include <sstream>
+#include <string_view>
 
 namespace zuqel::tools {
 namespace {
@@ -33,14 +34,16 @@ std::string ReadText(const std::string& path) {
 }
 
 Outcome CommandLine::Run(const std::string& arguments,
-                         const Settings& settings) const {
+                         Settings settings) const {
   std::istringstream words("zuqel " + arguments);
   std::vector<std::string> argv_text;
   for (std::string word; words >> word;) argv_text.push_back(word);
-  std::vector<std::string> env_text = settings;
+  std::vector<std::string> env_text(settings.begin(), settings.end());
   for (char** entry = environ; *entry != nullptr; ++entry) {
     const std::string text = *entry, name = text.substr(0, text.find('=') + 1);
-    const auto is_set = [&](const auto& set) { return set.starts_with(name); };
+    const auto is_set = [&](std::string_view set) {
+      return set.starts_with(name);
+    };
     if (std::none_of(settings.begin(), settings.end(), is_set)) {
       env_text.push_back(text);
     }

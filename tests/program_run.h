@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -21,14 +23,14 @@ struct Outcome {
 using Cases = std::vector<std::pair<std::string, std::string>>;
 
 // Settings of the environment, NAME=value.
-using Settings = std::vector<std::string>;
+using Settings = std::span<const char* const>;
 // The system's own loader, without a driver to load.
-inline const Settings kNoGl = {"__EGL_VENDOR_LIBRARY_FILENAMES=/none",
-                               "LD_LIBRARY_PATH="};
+inline constexpr std::array kNoGl = {"__EGL_VENDOR_LIBRARY_FILENAMES=/none",
+                                     "LD_LIBRARY_PATH="};
 // The driver's libraries are unloaded with the session, so the leak checker
 // cannot tell what they still hold from what is lost. The library's own tests
 // look for leaks of a session.
-inline const Settings kGl = {"ASAN_OPTIONS=detect_leaks=0"};
+inline constexpr std::array kGl = {"ASAN_OPTIONS=detect_leaks=0"};
 
 std::string ReadText(const std::string& path);
 
@@ -39,7 +41,7 @@ class CommandLine : public testing::Test {
     return folder_ / name;
   }
   [[nodiscard]] Outcome Run(const std::string& arguments,
-                            const Settings& settings = kNoGl) const;
+                            Settings settings = kNoGl) const;
 
   // Each is refused in one line, and no file is touched.
   void ExpectRefused(const Cases& cases, int exit_code = 2) const;
