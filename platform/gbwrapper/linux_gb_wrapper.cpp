@@ -30,8 +30,11 @@ class TextureBuffer {
     GLint largest = 0;
     glGetIntegerv(GL_MAX_TEXTURE_SIZE, &largest);
     if (width <= largest && height <= largest) {
+      // A frame on screen reads what nobody has written. Also, a driver that
+      // zeroes memory late does not see what is written through the EGL image.
+      const std::vector<unsigned char> zeros(ByteCount());
       glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, width, height, 0, GL_RGBA,
-                   GL_UNSIGNED_BYTE, nullptr);
+                   GL_UNSIGNED_BYTE, zeros.data());
     }
     glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
     glBindTexture(GL_TEXTURE_2D, static_cast<GLuint>(bound));
@@ -49,8 +52,7 @@ class TextureBuffer {
 
   // The texture's pixels, valid until Unlock.
   void* Lock() {
-    pixels_.resize(static_cast<size_t>(native_.width) *
-                   static_cast<size_t>(native_.height) * 4);
+    pixels_.resize(ByteCount());
     GLint bound = 0;
     glGetIntegerv(GL_FRAMEBUFFER_BINDING, &bound);
     GLuint framebuffer = 0;
@@ -67,6 +69,11 @@ class TextureBuffer {
   void Unlock() { pixels_ = {}; }
 
  private:
+  [[nodiscard]] size_t ByteCount() const {
+    return static_cast<size_t>(native_.width) *
+           static_cast<size_t>(native_.height) * 4;
+  }
+
   EGLContext context_ = EGL_NO_CONTEXT;
   zuqel::NativeBuffer native_;
   std::vector<unsigned char> pixels_;
