@@ -34,7 +34,8 @@ struct ProgramInterface {
 Program BuildProgram(const ProgramSource& source, AttributeNames attributes);
 
 // A program and the locations of its inputs. An input that it lacks, or that
-// the compiler has dropped as unused, has location -1, which GL ignores.
+// the compiler has dropped as unused, has location -1, which GL ignores. Without
+// a program GL takes no uniforms and no draws.
 class LinkedProgram {
  public:
   LinkedProgram();
@@ -42,6 +43,7 @@ class LinkedProgram {
   // have other locations.
   LinkedProgram(Program program, const ProgramInterface& interface);
 
+  [[nodiscard]] bool exists() const { return name() != 0; }
   [[nodiscard]] GLuint name() const { return program_.get(); }
   // Locations, by index in the interface.
   [[nodiscard]] GLint attribute(size_t index) const {

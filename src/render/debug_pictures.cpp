@@ -51,6 +51,7 @@ void DrawDebugPictures(const LinkedProgram& copy_program,
       glEnable(GL_BLEND);
       glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     }
+    if (!copy_program.exists()) continue;
     SetTexture(copy_program, {"inputImageTexture", 0, textures[i].get()});
     DrawQuad(copy_program, kQuadUpright);
   }

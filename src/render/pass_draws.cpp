@@ -34,6 +34,7 @@ void DrawPass(const Pass& pass, std::initializer_list<TextureInput> textures,
   glBindFramebuffer(GL_FRAMEBUFFER, pass.framebuffer);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   SetViewport({0, 0, pass.size.width, pass.size.height});
+  if (!pass.program.exists()) return;
   for (const UniformInput& input : uniforms) SetUniform(pass.program, input);
   for (const TextureInput& input : textures) SetTexture(pass.program, input);
   DrawQuad(pass.program, pass.quad);
