@@ -170,6 +170,14 @@ GLint __wrap_glGetUniformLocation(GLuint program, const char* name) {
                                           : glGetUniformLocation(program, name);
 }
 
+void __wrap_glGetIntegerv(GLenum name, GLint* values) {
+  glGetIntegerv(name, values);
+  if (name == GL_PROGRAM_BINARY_FORMATS_OES &&
+      zuqel::driver::OwnBinaryFormat() != 0) {
+    *values = GL_SGX_PROGRAM_BINARY_IMG;
+  }
+}
+
 void __wrap_glGetProgramiv(GLuint program, GLenum name, GLint* value) {
   if (name == GL_PROGRAM_BINARY_LENGTH_OES &&
       Fails(Call::kProgramBinaryLength)) {

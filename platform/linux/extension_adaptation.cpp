@@ -15,16 +15,6 @@
 namespace zuqel::driver {
 namespace {
 
-// The only binary format of a desktop driver; 0 if it has none.
-GLenum OwnBinaryFormat() {
-  GLint count = 0;
-  glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS_OES, &count);
-  if (count != 1) return 0;
-  GLint format = 0;
-  glGetIntegerv(GL_PROGRAM_BINARY_FORMATS_OES, &format);
-  return static_cast<GLenum>(format);
-}
-
 // The device's format stands for the driver's own.
 void GL_APIENTRY ProgramBinary(GLuint program, GLenum format,
                                const void* binary, GLint length) {
@@ -60,6 +50,15 @@ struct Adapted {
 };
 
 }  // namespace
+
+GLenum OwnBinaryFormat() {
+  GLint count = 0;
+  glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS_OES, &count);
+  if (count != 1) return 0;
+  GLint format = 0;
+  glGetIntegerv(GL_PROGRAM_BINARY_FORMATS_OES, &format);
+  return static_cast<GLenum>(format);
+}
 
 __eglMustCastToProperFunctionPointerType AdaptedFunction(const char* name) {
   using Any = __eglMustCastToProperFunctionPointerType;

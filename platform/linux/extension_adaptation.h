@@ -3,8 +3,13 @@
 #define PLATFORM_LINUX_EXTENSION_ADAPTATION_H_
 
 #include <EGL/egl.h>
+#include <GLES2/gl2.h>
 
 namespace zuqel::driver {
+
+// The driver's only program-binary format, which the device's stands for; 0 if
+// it does not have exactly one.
+GLenum OwnBinaryFormat();
 
 // The replacement for the driver's function of this name; null where the
 // driver's own is used.

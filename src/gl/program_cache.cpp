@@ -3,6 +3,7 @@
 
 #include <GLES2/gl2ext.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "base/log.h"
@@ -18,6 +19,18 @@ bool IsInside(const BinaryInfo::Entry& entry) {
   return entry.offset >= 0 && entry.length >= 0 &&
          int64_t{entry.offset} + entry.length <=
              static_cast<int64_t>(kProgramCacheBytes);
+}
+
+// A driver takes any other format for an error of the caller's, who would find
+// it with glGetError.
+bool TakesBinaryFormat() {
+  GLint count = 0;
+  glGetIntegerv(GL_NUM_PROGRAM_BINARY_FORMATS_OES, &count);
+  std::array<GLint, 64> formats = {};
+  if (count < 1 || static_cast<size_t>(count) > formats.size()) return false;
+  glGetIntegerv(GL_PROGRAM_BINARY_FORMATS_OES, formats.data());
+  return std::find(std::begin(formats), std::end(formats),
+                   GLint{kBinaryFormat}) != std::end(formats);
 }
 
 GLint LinkStatus(const Program& program) {
@@ -74,7 +87,8 @@ GLint LoadProgramBinary(ProgramCacheBytes cache, const BinaryInfo::Entry& entry,
                         Program& program) {
   program = Program(glCreateProgram());
   const auto program_binary = GetExtensions().ProgramBinary;
-  if (program_binary != nullptr && IsInside(entry)) {
+  const bool is_set = entry.length != 0 && IsInside(entry);
+  if (program_binary != nullptr && is_set && TakesBinaryFormat()) {
     program_binary(program.get(), kBinaryFormat, cache.data() + entry.offset,
                    entry.length);
   }
