@@ -182,7 +182,8 @@ uint32_t zuQelRT_GLInitV1(const uint8_t* calibA, uint32_t calibASize,
  * between runs as they are, or null. A cache that does not load (zeros, at the
  * first start) is filled during the call, for the next start. A cache serves
  * only the driver that made it; that is checked only by loading one of its
- * programs. */
+ * programs. Drop it with every update of library or driver: its programs carry
+ * the shaders of the library that made them, and nothing in it says which. */
 uint32_t zuQelRT_GLInitV1_1(const uint8_t* calibA, uint32_t calibASize,
                             const uint8_t* calibB, uint32_t calibBSize,
                             const GLInitInfo* info,
