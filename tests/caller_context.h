@@ -7,6 +7,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <vector>
 
 #include "pin_driver.h"
 
@@ -17,10 +18,11 @@ namespace zuqel {
 // calls, so that a program without the library's objects can have one too.
 class CallerContext {
  public:
+  // `attributes` are those of the context that go beyond its version.
   explicit CallerContext(EGLint width = 1, EGLint height = 1,
-                         EGLint version = 2)
+                         EGLint version = 2,
+                         const std::vector<EGLint>& attributes = {})
       : display_(OpenDisplay()) {
-    eglInitialize(display_, nullptr, nullptr);
     const EGLint renderable =
         version == 3 ? EGL_OPENGL_ES3_BIT : EGL_OPENGL_ES2_BIT;
     const std::array wanted = {
@@ -31,7 +33,9 @@ class CallerContext {
     eglChooseConfig(display_, wanted.data(), &config, 1, &count);
     const std::array size = {EGL_WIDTH, width, EGL_HEIGHT, height, EGL_NONE};
     EGLSurface surface = eglCreatePbufferSurface(display_, config, size.data());
-    const std::array client = {EGL_CONTEXT_CLIENT_VERSION, version, EGL_NONE};
+    std::vector client = {EGL_CONTEXT_CLIENT_VERSION, version};
+    client.insert(client.end(), attributes.begin(), attributes.end());
+    client.push_back(EGL_NONE);
     context_ =
         eglCreateContext(display_, config, EGL_NO_CONTEXT, client.data());
     eglMakeCurrent(display_, surface, surface, context_);
@@ -44,20 +48,23 @@ class CallerContext {
   CallerContext(const CallerContext&) = delete;
   CallerContext& operator=(const CallerContext&) = delete;
 
+  // Initialised; the surfaceless one where there is no window system.
+  static EGLDisplay OpenDisplay() {
+    const bool has_windows = std::getenv("DISPLAY") != nullptr ||
+                             std::getenv("WAYLAND_DISPLAY") != nullptr;
+    EGLDisplay display =
+        has_windows ? eglGetDisplay(EGL_DEFAULT_DISPLAY)
+                    : eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA,
+                                            EGL_DEFAULT_DISPLAY, nullptr);
+    eglInitialize(display, nullptr, nullptr);
+    return display;
+  }
+
   [[nodiscard]] bool is_current() const {
     return context_ != EGL_NO_CONTEXT && eglGetCurrentContext() == context_;
   }
 
  private:
-  // The surfaceless display where there is no window system.
-  static EGLDisplay OpenDisplay() {
-    const bool has_windows = std::getenv("DISPLAY") != nullptr ||
-                             std::getenv("WAYLAND_DISPLAY") != nullptr;
-    return has_windows ? eglGetDisplay(EGL_DEFAULT_DISPLAY)
-                       : eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA,
-                                               EGL_DEFAULT_DISPLAY, nullptr);
-  }
-
   EGLDisplay display_;
   EGLContext context_ = EGL_NO_CONTEXT;
 };

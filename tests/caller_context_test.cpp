@@ -8,6 +8,7 @@
 #include <array>
 
 #include "caller_context.h"
+#include "caller_state.h"
 #include "compare.h"
 #include "test_scene.h"
 
@@ -42,12 +43,6 @@ std::vector<uint8_t> RenderFrames() {
   return frames;
 }
 
-constexpr auto kBuffers = std::to_array<GLenum>(
-    {GL_ARRAY_BUFFER, GL_PIXEL_PACK_BUFFER, GL_PIXEL_UNPACK_BUFFER});
-constexpr auto kPixelStore = std::to_array<GLenum>(
-    {GL_PACK_ROW_LENGTH, GL_UNPACK_ALIGNMENT, GL_UNPACK_SKIP_ROWS});
-constexpr auto kSwitches =
-    std::to_array<GLenum>({GL_SCISSOR_TEST, GL_DEPTH_TEST});
 constexpr auto kOthers = std::to_array<GLenum>(
     {GL_ARRAY_BUFFER_BINDING, GL_PIXEL_PACK_BUFFER_BINDING,
      GL_PIXEL_UNPACK_BUFFER_BINDING, GL_VERTEX_ARRAY_BINDING, GL_SCISSOR_BOX,
@@ -58,43 +53,6 @@ constexpr auto kAttribute = std::to_array<GLenum>(
      GL_VERTEX_ATTRIB_ARRAY_TYPE, GL_VERTEX_ATTRIB_ARRAY_NORMALIZED,
      GL_VERTEX_ATTRIB_ARRAY_STRIDE, GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING,
      GL_VERTEX_ATTRIB_ARRAY_INTEGER, GL_VERTEX_ATTRIB_ARRAY_DIVISOR});
-
-// Both attributes of the bound vertex array, fed from the bound buffer and from
-// client memory.
-void SetAttributes() {
-  static constexpr std::array<uint8_t, 64> kBytes = {};
-  glVertexAttribPointer(0, 3, GL_SHORT, GL_TRUE, 24,
-                        reinterpret_cast<const void*>(8));
-  glVertexAttribDivisor(0, 2);
-  glEnableVertexAttribArray(0);
-  GLint vertex_array = 0;
-  glGetIntegerv(GL_VERTEX_ARRAY_BINDING, &vertex_array);
-  if (vertex_array == 0) glBindBuffer(GL_ARRAY_BUFFER, 0);
-  glVertexAttribIPointer(1, 2, GL_UNSIGNED_BYTE, 4,
-                         vertex_array == 0 ? kBytes.data() : nullptr);
-}
-
-// All of it different from what a new context has. The buffers are too small
-// for a frame.
-void SetState() {
-  GLuint name = 0;
-  glGenBuffers(1, &name);
-  glBindBuffer(GL_ARRAY_BUFFER, name);
-  SetAttributes();
-  glGenVertexArrays(1, &name);
-  glBindVertexArray(name);
-  for (const GLenum target : kBuffers) {
-    glGenBuffers(1, &name);
-    glBindBuffer(target, name);
-    glBufferData(target, 64, nullptr, GL_STATIC_DRAW);
-  }
-  SetAttributes();
-  for (const GLenum store : kPixelStore) glPixelStorei(store, 8);
-  for (const GLenum test : kSwitches) glEnable(test);
-  glScissor(3, 4, 5, 6);
-  glDepthFunc(GL_NEVER);
-  glColorMask(GL_FALSE, GL_TRUE, GL_FALSE, GL_TRUE);
-}
 
 void ReadAttributes(std::vector<GLint>& state) {
   for (const GLuint index : {0U, 1U}) {
