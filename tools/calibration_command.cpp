@@ -155,40 +155,40 @@ void Seal(const SealOptions& options) {
   outputs.Commit();
 }
 
-Command AddInspect(CLI::App& group) {
-  CLI::App* app = group.add_subcommand(
+Command AddInspect(CommandLine group) {
+  CommandLine app = group.AddCommand(
       "inspect", "Print what initialisation reads from a container");
   auto options = std::make_shared<InspectOptions>();
-  app->add_option("FILE", options->container,
-                  "The container, plain or encrypted; an empty file\n"
-                  "when it follows the key")
-      ->type_name("")
-      ->required();
-  AddFileOption(*app, "--key", options->key,
+  app.AddOption("FILE", options->container,
+                "The container, plain or encrypted; an empty file\n"
+                "when it follows the key")
+      .TypeName("")
+      .Required();
+  AddFileOption(app, "--key", options->key,
                 "64 hex digits, or the camera module's second block; else\n"
                 "this build's default keys are used");
-  app->add_option("--layout", options->layout,
-                  "Camera layout, 1 (the default) to 4, which picks the\n"
-                  "half of a kind-4 container")
-      ->type_name("N")
-      ->check(CLI::Range(1, 4));
-  app->footer(
+  app.AddOption("--layout", options->layout,
+                "Camera layout, 1 (the default) to 4, which picks the\n"
+                "half of a kind-4 container")
+      .TypeName("N")
+      .Range(1, 4);
+  app.Footer(
       "Example:\n"
       "  zuqel calibration inspect sealed.bin --key key.hex");
   return {app, [options] { Inspect(*options); }};
 }
 
-Command AddSeal(CLI::App& group) {
-  CLI::App* app = group.add_subcommand("seal", "Encrypt a plain container");
+Command AddSeal(CommandLine group) {
+  CommandLine app = group.AddCommand("seal", "Encrypt a plain container");
   auto options = std::make_shared<SealOptions>();
-  app->add_option("FILE", options->container, "The plain container")
-      ->type_name("")
-      ->required();
-  AddFileOption(*app, "--key", options->key, "64 hex digits or 32 bytes")
-      ->required();
-  AddFileOption(*app, "-o,--output", options->output, "The encrypted container")
-      ->required();
-  app->footer(
+  app.AddOption("FILE", options->container, "The plain container")
+      .TypeName("")
+      .Required();
+  AddFileOption(app, "--key", options->key, "64 hex digits or 32 bytes")
+      .Required();
+  AddFileOption(app, "-o,--output", options->output, "The encrypted container")
+      .Required();
+  app.Footer(
       "Example:\n"
       "  zuqel calibration seal plain.bin --key key.hex -o sealed.bin");
   return {app, [options] { Seal(*options); }};
@@ -196,16 +196,16 @@ Command AddSeal(CLI::App& group) {
 
 }  // namespace
 
-Command AddCalibrationCommand(CLI::App& program) {
-  CLI::App* app = program.add_subcommand(
+Command AddCalibrationCommand(CommandLine program) {
+  CommandLine app = program.AddCommand(
       "calibration", "Inspect or encrypt a calibration container");
-  app->require_subcommand(1);
-  app->footer(
+  app.RequireCommand();
+  app.Footer(
       "`zuqel calibration COMMAND --help` has the details and an example.");
-  const std::array commands = {AddInspect(*app), AddSeal(*app)};
+  const std::array commands = {AddInspect(app), AddSeal(app)};
   return {app, [commands] {
             for (const Command& command : commands) {
-              if (command.options->parsed()) command.run();
+              if (command.options.IsGiven()) command.run();
             }
           }};
 }

@@ -3,22 +3,23 @@
 #ifndef ZUQEL_TOOLS_COMMAND_H_
 #define ZUQEL_TOOLS_COMMAND_H_
 
-#include <CLI/CLI.hpp>
 #include <functional>
+
+#include "command_line.h"
 
 namespace zuqel::tools {
 
 struct Command {
-  CLI::App* options;          // owned by the program's CLI::App
+  CommandLine options;
   std::function<void()> run;  // after parsing; throws as in tool_error.h
 };
 
-Command AddRenderCommand(CLI::App& program);
-Command AddRefocusMapCommand(CLI::App& program);
-Command AddSequenceCommand(CLI::App& program);
-Command AddDemoCommand(CLI::App& program);
-Command AddRawCommand(CLI::App& program);
-Command AddCalibrationCommand(CLI::App& program);
+Command AddRenderCommand(CommandLine program);
+Command AddRefocusMapCommand(CommandLine program);
+Command AddSequenceCommand(CommandLine program);
+Command AddDemoCommand(CommandLine program);
+Command AddRawCommand(CommandLine program);
+Command AddCalibrationCommand(CommandLine program);
 
 }  // namespace zuqel::tools
 

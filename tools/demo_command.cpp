@@ -99,15 +99,15 @@ void Run(const std::string& folder) {
 
 }  // namespace
 
-Command AddDemoCommand(CLI::App& program) {
-  CLI::App* app = program.add_subcommand(
+Command AddDemoCommand(CommandLine program) {
+  CommandLine app = program.AddCommand(
       "demo", "Render a built-in scene for two focus points and three lenses");
   auto folder = std::make_shared<std::string>();
-  app->add_option("-o,--output", *folder,
-                  "The folder for the pictures, created if it does not exist")
-      ->type_name("FOLDER")
-      ->required();
-  app->footer(
+  app.AddOption("-o,--output", *folder,
+                "The folder for the pictures, created if it does not exist")
+      .TypeName("FOLDER")
+      .Required();
+  app.Footer(
       "Writes the scene (scene.png), its disparity (disparity.png), a result\n"
       "for each focus and f-number, a panel of the strongest, and one of the\n"
       "refocus map that the GPU makes (refocus_map.png).\n"

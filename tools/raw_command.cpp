@@ -139,32 +139,31 @@ void Run(const RawOptions& options) {
 
 }  // namespace
 
-Command AddRawCommand(CLI::App& program) {
-  CLI::App* app = program.add_subcommand(
+Command AddRawCommand(CommandLine program) {
+  CommandLine app = program.AddCommand(
       "raw", "Turn a frame dump of the library into a picture");
   auto options = std::make_shared<RawOptions>();
-  app->add_option(
-         "FILE", options->file,
-         "The dump; its name gives size and kind unless it was renamed")
-      ->type_name("")
-      ->required();
-  app->add_option("--size", options->size, "Width and height in pixels")
-      ->type_name("WxH");
-  app->add_option("--kind", options->kind,
-                  "luma and weights, one byte per pixel, become 8-bit grey;\n"
-                  "output, four bytes per pixel, becomes a colour picture")
-      ->type_name("KIND")
-      ->check([](const std::string& name) {
+  app.AddOption("FILE", options->file,
+                "The dump; its name gives size and kind unless it was renamed")
+      .TypeName("")
+      .Required();
+  app.AddOption("--size", options->size, "Width and height in pixels")
+      .TypeName("WxH");
+  app.AddOption("--kind", options->kind,
+                "luma and weights, one byte per pixel, become 8-bit grey;\n"
+                "output, four bytes per pixel, becomes a colour picture")
+      .TypeName("KIND")
+      .Check([](const std::string& name) {
         return KindNamed(name) == nullptr
                    ? name + " is not luma, weights or output"
                    : std::string();
       });
-  app->add_flag("--rgb", options->is_rgb,
-                "The output's channels are R, G, B, as when the library\n"
-                "renders to a screen; off screen they are Y, U, V");
-  AddFileOption(*app, "-o,--output", options->output, "The picture, PNG")
-      ->required();
-  app->footer(
+  app.AddFlag("--rgb", options->is_rgb,
+              "The output's channels are R, G, B, as when the library\n"
+              "renders to a screen; off screen they are Y, U, V");
+  AddFileOption(app, "-o,--output", options->output, "The picture, PNG")
+      .Required();
+  app.Footer(
       "Example:\n"
       "  zuqel raw GLOutput_1280x960_v0.54.07_0007_640_480.raw -o output.png");
   return {app, [options] { Run(*options); }};

@@ -111,37 +111,37 @@ std::string GeneratorList() {
 
 }  // namespace
 
-Command AddRefocusMapCommand(CLI::App& program) {
-  CLI::App* app = program.add_subcommand(
+Command AddRefocusMapCommand(CommandLine program) {
+  CommandLine app = program.AddCommand(
       "refocus-map", "Make a map of what stays sharp and what is blurred");
   auto options = std::make_shared<RefocusMapOptions>();
-  AddDisparityOption(*app, options->disparity);
-  AddFileOption(*app, "--distance", options->distance,
+  AddDisparityOption(app, options->disparity);
+  AddFileOption(app, "--distance", options->distance,
                 "Instead, for a generator that takes distances: 16-bit\n"
                 "grey PNG, larger is farther, 0 is unknown. Given\n"
                 "--disparity, it takes 262144 / disparity");
-  app->add_option("--focus", options->focus,
-                  "The point in focus, in pixels of --image if given, else of\n"
-                  "the disparity or distance map")
-      ->type_name("X,Y")
-      ->required();
-  app->add_option("--generator", options->generator,
-                  "How the map is made; see the list below")
-      ->type_name("NAME")
-      ->check(CheckGeneratorName)
-      ->required();
-  app->add_option("--size", options->size,
-                  "Width and height of the map; by default, those of the depth")
-      ->type_name("WxH");
-  AddFileOption(*app, "--image", options->image,
+  app.AddOption("--focus", options->focus,
+                "The point in focus, in pixels of --image if given, else of\n"
+                "the disparity or distance map")
+      .TypeName("X,Y")
+      .Required();
+  app.AddOption("--generator", options->generator,
+                "How the map is made; see the list below")
+      .TypeName("NAME")
+      .Check(CheckGeneratorName)
+      .Required();
+  app.AddOption("--size", options->size,
+                "Width and height of the map; by default, those of the depth")
+      .TypeName("WxH");
+  AddFileOption(app, "--image", options->image,
                 "The picture that the depth belongs to, PNG or JPEG");
-  AddFileOption(*app, "-o,--output", options->output,
+  AddFileOption(app, "-o,--output", options->output,
                 "The map, 8-bit grey PNG: 0 stays sharp, 255 blurs fully")
-      ->required();
-  AddFileOption(*app, "--panel", options->panel,
+      .Required();
+  AddFileOption(app, "--panel", options->panel,
                 "Also write the depth in false colour, the map and the\n"
                 "image, blue where it is blurred, side by side, PNG");
-  app->footer(
+  app.Footer(
       "Generators:\n" + GeneratorList() +
       "\n"
       "Prints the range of disparities, without a few percent of the pixels "

@@ -204,46 +204,46 @@ void Run(const RenderOptions& options) {
 
 }  // namespace
 
-Command AddRenderCommand(CLI::App& program) {
-  CLI::App* app = program.add_subcommand(
+Command AddRenderCommand(CommandLine program) {
+  CommandLine app = program.AddCommand(
       "render", "Render a picture with a synthetic shallow depth of field");
   auto options = std::make_shared<RenderOptions>();
-  AddFileOption(*app, "--image", options->image,
+  AddFileOption(app, "--image", options->image,
                 "The picture, PNG or JPEG, of even width and height")
-      ->required();
-  AddDisparityOption(*app, options->disparity);
-  AddFileOption(*app, "--weights", options->weights,
+      .Required();
+  AddDisparityOption(app, options->disparity);
+  AddFileOption(app, "--weights", options->weights,
                 "Instead of --disparity, 8-bit grey PNG of any size: 0 keeps\n"
                 "a pixel sharp, 255 blurs it fully");
-  app->add_option("--map-from", options->map_from,
-                  "With --disparity, render from the refocus map that this\n"
-                  "generator makes from it; see zuqel refocus-map --help")
-      ->type_name("NAME")
-      ->check(CheckGeneratorName);
-  app->add_option("--focus", options->focus,
-                  "The point in focus, in picture pixels")
-      ->type_name("X,Y")
-      ->required();
-  app->add_option("--f-number", options->f_number,
-                  "1 (strongest blur, the default) to 10 (hardly any)")
-      ->type_name("N");
-  AddRendererOption(*app, options->renderer);
-  app->add_flag("--focus-dot", options->focus_dot,
-                "Mark the focus point in the result");
-  AddFileOption(*app, "-o,--output", options->output, "The result, PNG")
-      ->required();
-  AddFileOption(*app, "--panel", options->panel,
+  app.AddOption("--map-from", options->map_from,
+                "With --disparity, render from the refocus map that this\n"
+                "generator makes from it; see zuqel refocus-map --help")
+      .TypeName("NAME")
+      .Check(CheckGeneratorName);
+  app.AddOption("--focus", options->focus,
+                "The point in focus, in picture pixels")
+      .TypeName("X,Y")
+      .Required();
+  app.AddOption("--f-number", options->f_number,
+                "1 (strongest blur, the default) to 10 (hardly any)")
+      .TypeName("N");
+  AddRendererOption(app, options->renderer);
+  app.AddFlag("--focus-dot", options->focus_dot,
+              "Mark the focus point in the result");
+  AddFileOption(app, "-o,--output", options->output, "The result, PNG")
+      .Required();
+  AddFileOption(app, "--panel", options->panel,
                 "Also write input, map in false colour and result side by\n"
                 "side, PNG");
-  app->add_option("--repeat", options->repeat,
-                  "Render this many frames and print the frame time")
-      ->type_name("N")
-      ->check(CLI::Range(1, 100000));
-  AddFileOption(*app, "--compare", options->compare,
+  app.AddOption("--repeat", options->repeat,
+                "Render this many frames and print the frame time")
+      .TypeName("N")
+      .Range(1, 100000);
+  AddFileOption(app, "--compare", options->compare,
                 "Also render with the other renderer, print how much the\n"
                 "results differ, and write the difference, amplified\n" +
                     std::to_string(kDifferenceGain) + " times, PNG");
-  app->footer(
+  app.Footer(
       "Example:\n"
       "  zuqel render --image photo.jpg --disparity disparity.png \\\n"
       "    --focus 640,480 --f-number 1.4 -o bokeh.png --panel panel.png");

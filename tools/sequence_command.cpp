@@ -141,63 +141,61 @@ void Run(SequenceOptions options) {
   ReportBlurredFocus(blurred, count);
 }
 
-void AddSourceOptions(CLI::App& app, SequenceOptions& options) {
-  CLI::Option* images =
-      app.add_option(
-             "--images", options.images,
-             "The pictures, PNG or JPEG, of even width and height; one\n"
-             "%d or %04d stands for the number")
-          ->type_name("PATTERN");
-  CLI::Option* disparities =
-      app.add_option("--disparities", options.disparities,
-                     "Their disparities, 16-bit grey PNG: 0..1022, larger is\n"
-                     "nearer, 1023 is unknown")
-          ->type_name("PATTERN");
-  images->needs(disparities);
-  disparities->needs(images);
-  CLI::Option* first =
-      app.add_option(
-             "--first", options.target.first,
-             "The first number, of files read and written; 0 by default")
-          ->type_name("N")
-          ->check(CLI::Range(0, 1000000000));
-  app.add_flag("--demo", options.is_demo,
-               "Instead of files, a built-in scene that an orange crosses")
-      ->excludes(images)
-      ->excludes(first);
-  app.add_option("--count", options.target.count,
-                 "Number of frames; with --demo " +
-                     std::to_string(kDemoFrames) + " by default")
-      ->type_name("N")
-      ->check(CLI::Range(1, 100000));
+void AddSourceOptions(CommandLine app, SequenceOptions& options) {
+  Option images =
+      app.AddOption("--images", options.images,
+                    "The pictures, PNG or JPEG, of even width and height; one\n"
+                    "%d or %04d stands for the number")
+          .TypeName("PATTERN");
+  Option disparities =
+      app.AddOption("--disparities", options.disparities,
+                    "Their disparities, 16-bit grey PNG: 0..1022, larger is\n"
+                    "nearer, 1023 is unknown")
+          .TypeName("PATTERN");
+  images.Needs(disparities);
+  disparities.Needs(images);
+  Option first =
+      app.AddOption("--first", options.target.first,
+                    "The first number, of files read and written; 0 by default")
+          .TypeName("N")
+          .Range(0, 1000000000);
+  app.AddFlag("--demo", options.is_demo,
+              "Instead of files, a built-in scene that an orange crosses")
+      .Excludes(images)
+      .Excludes(first);
+  app.AddOption("--count", options.target.count,
+                "Number of frames; with --demo " + std::to_string(kDemoFrames) +
+                    " by default")
+      .TypeName("N")
+      .Range(1, 100000);
 }
 
 }  // namespace
 
-Command AddSequenceCommand(CLI::App& program) {
-  CLI::App* app = program.add_subcommand(
+Command AddSequenceCommand(CommandLine program) {
+  CommandLine app = program.AddCommand(
       "sequence", "Render a series of frames as the camera would");
   auto options = std::make_shared<SequenceOptions>();
-  AddSourceOptions(*app, *options);
-  CLI::Option* focus =
-      app->add_option("--focus", options->focus,
-                      "The point in focus, in picture pixels; with --demo the\n"
-                      "orange by default")
-          ->type_name("X,Y");
-  app->add_option("--focus-to", options->focus_to,
-                  "Where the focus moves to over the frames")
-      ->type_name("X,Y")
-      ->needs(focus);
-  AddRendererOption(*app, options->renderer);
-  AddFileOption(*app, "-o,--output", options->target.path,
+  AddSourceOptions(app, *options);
+  Option focus =
+      app.AddOption("--focus", options->focus,
+                    "The point in focus, in picture pixels; with --demo the\n"
+                    "orange by default")
+          .TypeName("X,Y");
+  app.AddOption("--focus-to", options->focus_to,
+                "Where the focus moves to over the frames")
+      .TypeName("X,Y")
+      .Needs(focus);
+  AddRendererOption(app, options->renderer);
+  AddFileOption(app, "-o,--output", options->target.path,
                 "A video if it ends with .y4m, else a pattern for numbered\n"
                 "PNG files")
-      ->required();
-  app->add_option("--fps", options->target.frames_per_second,
-                  "Frames per second of the video; 25 by default")
-      ->type_name("N")
-      ->check(CLI::Range(1, 1000));
-  app->footer(
+      .Required();
+  app.AddOption("--fps", options->target.frames_per_second,
+                "Frames per second of the video; 25 by default")
+      .TypeName("N")
+      .Range(1, 1000);
+  app.Footer(
       "Examples:\n"
       "  zuqel sequence --demo -o moving.y4m\n"
       "  zuqel sequence --images in_%04d.png --disparities depth_%04d.png \\\n"

@@ -6,20 +6,20 @@
 
 namespace zuqel::tools {
 
-CLI::Option* AddFileOption(CLI::App& app, const std::string& names,
-                           std::string& path, const std::string& help) {
-  return app.add_option(names, path, help)->type_name("FILE");
+Option AddFileOption(CommandLine app, const std::string& names,
+                     std::string& path, const std::string& help) {
+  return app.AddOption(names, path, help).TypeName("FILE");
 }
 
-void AddDisparityOption(CLI::App& app, std::string& path) {
+void AddDisparityOption(CommandLine app, std::string& path) {
   AddFileOption(app, "--disparity", path,
                 "16-bit grey PNG of any size: 0..1022, larger is nearer,\n"
                 "1023 is unknown");
 }
 
-void AddRendererOption(CLI::App& app, Renderer& renderer) {
+void AddRendererOption(CommandLine app, Renderer& renderer) {
   const std::string fallback = renderer == Renderer::kGpu ? "gpu" : "cpu";
-  app.add_option_function<std::string>(
+  app.AddOption(
          "--renderer",
          [&renderer](const std::string& name) {
            renderer = name == "gpu" ? Renderer::kGpu : Renderer::kCpu;
@@ -28,8 +28,8 @@ void AddRendererOption(CLI::App& app, Renderer& renderer) {
              " by default). The CPU renderer takes a\n"
              "disparity, has a fixed strength of blur and smooths its mask\n"
              "over the frames; it blurs the background even when in focus")
-      ->type_name("NAME")
-      ->check(CLI::IsMember({"gpu", "cpu"}));
+      .TypeName("NAME")
+      .OneOf({"gpu", "cpu"});
 }
 
 void ReportBlurredFocus(int blurred, int count) {

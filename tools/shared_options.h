@@ -2,22 +2,22 @@
 #ifndef ZUQEL_TOOLS_SHARED_OPTIONS_H_
 #define ZUQEL_TOOLS_SHARED_OPTIONS_H_
 
-#include <CLI/CLI.hpp>
 #include <string>
 
 #include "bokeh_session.h"
+#include "command_line.h"
 
 namespace zuqel::tools {
 
 // An option whose value names a file.
-CLI::Option* AddFileOption(CLI::App& app, const std::string& names,
-                           std::string& path, const std::string& help);
+Option AddFileOption(CommandLine app, const std::string& names,
+                     std::string& path, const std::string& help);
 
 // --disparity.
-void AddDisparityOption(CLI::App& app, std::string& path);
+void AddDisparityOption(CommandLine app, std::string& path);
 
 // --renderer; `renderer` holds its default.
-void AddRendererOption(CLI::App& app, Renderer& renderer);
+void AddRendererOption(CommandLine app, Renderer& renderer);
 
 // Prints a line if the focus was `blurred` in some of `count` frames, as
 // Renderer::kCpu may leave it.

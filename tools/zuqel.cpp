@@ -6,7 +6,6 @@
 #include <iostream>
 #include <new>
 #include <string>
-#include <vector>
 
 #include "command.h"
 #include "library_log.h"
@@ -30,40 +29,27 @@ int Fail(int exit_code, const char* message) {
   return exit_code;
 }
 
-// An unknown word is reported before missing options.
-std::string Explain(const CLI::App& program, const CLI::ParseError& error) {
-  const std::vector<std::string> unknown = program.remaining(true);
-  if (unknown.empty()) return error.what();
-  return "unknown option or command: " + unknown.front();
-}
-
 int Run(int argc, char** argv) {
-  CLI::App program("Synthetic shallow depth of field from stereo disparity");
-  program.name("zuqel");
-  program.set_version_flag("--version", Version);
+  zuqel::tools::Program program(
+      "zuqel", "Synthetic shallow depth of field from stereo disparity",
+      Version);
+  zuqel::tools::CommandLine options = program.Options();
   bool verbose = false;
-  program.add_flag("--verbose", verbose, "Show the library's log and output");
-  program.require_subcommand(1);
-  program.fallthrough();
-  program.footer("`zuqel COMMAND --help` has the details and an example.");
+  options.AddFlag("--verbose", verbose, "Show the library's log and output");
+  options.RequireCommand();
+  options.Footer("`zuqel COMMAND --help` has the details and an example.");
   const std::array commands = {
-      zuqel::tools::AddRenderCommand(program),
-      zuqel::tools::AddRefocusMapCommand(program),
-      zuqel::tools::AddSequenceCommand(program),
-      zuqel::tools::AddDemoCommand(program),
-      zuqel::tools::AddRawCommand(program),
-      zuqel::tools::AddCalibrationCommand(program),
+      zuqel::tools::AddRenderCommand(options),
+      zuqel::tools::AddRefocusMapCommand(options),
+      zuqel::tools::AddSequenceCommand(options),
+      zuqel::tools::AddDemoCommand(options),
+      zuqel::tools::AddRawCommand(options),
+      zuqel::tools::AddCalibrationCommand(options),
   };
-  try {
-    program.parse(argc, argv);
-  } catch (const CLI::Success& help_or_version) {
-    return program.exit(help_or_version);
-  } catch (const CLI::ParseError& error) {
-    return Fail(kExitBadInput, Explain(program, error).c_str());
-  }
+  if (const auto exit_code = program.Parse(argc, argv)) return *exit_code;
   zuqel::tools::CaptureLibraryLog(verbose);
   for (const Command& command : commands) {
-    if (command.options->parsed()) command.run();
+    if (command.options.IsGiven()) command.run();
   }
   return 0;
 }
