@@ -81,7 +81,8 @@ std::optional<std::vector<EGLint>> AttributesOf(const ContextRow& row) {
     attributes.insert(attributes.end(), {kBackwardsCompatible, EGL_FALSE});
   }
   if (has("EGL_ANGLE_robust_resource_initialization")) {
-    attributes.insert(attributes.end(), {kZeroedMemory, row.is_zeroed});
+    attributes.insert(attributes.end(),
+                      {kZeroedMemory, row.is_zeroed ? EGL_TRUE : EGL_FALSE});
   } else if (row.is_zeroed) {
     return std::nullopt;
   }
