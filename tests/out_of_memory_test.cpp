@@ -6,6 +6,7 @@
 #include <array>
 #include <vector>
 
+#include "driver_turns.h"
 #include "fresh_session.h"
 #include "library_allocations.h"
 #include "scoped_property.h"
@@ -111,6 +112,7 @@ TEST(OutOfMemory, FailedCallsTouchNothingOfTheCallers) {
   const ScopedProperty directory("persist.zu.LVGLbokeh.fileDir", "/nowhere/");
   const ScopedProperty dot("persist.zu.LVGLbokeh.FocusDot", "1");
   const auto untouched = Handed(kOddInfo).Contents();
+  int turn = 0;
   for (const CallCase& row : kCalls) {
     for (const bool maps_have_started : {true, false}) {
       // What the call leaves in a session of its own, so that it takes all that
@@ -138,6 +140,7 @@ TEST(OutOfMemory, FailedCallsTouchNothingOfTheCallers) {
       EXPECT_NE(unfailed, untouched) << row.name;
       EXPECT_GT(needed, 0) << row.name;
       for (int number = 1; number <= needed; ++number) {
+        if (!TakesTurn(turn++, 3)) continue;
         const auto failed = run(number);
         EXPECT_TRUE(failed == untouched || failed == unfailed)
             << row.name << ", block " << number << " of " << needed
