@@ -79,7 +79,7 @@ TEST_F(GraphicBufferTest, GivesThePictureOfReadBack) {
   for (const int32_t format : {0, 2, 7, 5}) {
     ++turn;  // alternates between the calls on a slow driver
     for (const bool from_depth : {false, true}) {
-      if (!TakesTurn(turn + int{from_depth}, 2)) continue;
+      if (!TakesTurn(turn + (from_depth ? 1 : 0), 2)) continue;
       SCOPED_TRACE(testing::Message()
                    << "format " << format << ", from depth " << from_depth);
       const int32_t width = 64 + 8 * format;  // another one after each other

@@ -156,7 +156,7 @@ TEST(HostileInput, EmptyRowsAreNotWalked) {
     zuQelRT_GenRefocusMap_init();
     ++turn;  // alternates between the calls on a slow driver
     for (const bool from_depth : {false, true}) {
-      if (!TakesTurn(turn + int{from_depth}, 2)) continue;
+      if (!TakesTurn(turn + (from_depth ? 1 : 0), 2)) continue;
       EXPECT_EQ(frame.Render({.from_depth = from_depth}), 0U);
     }
     kCpuBokeh(frame.luma.data(), frame.chroma.data(), frame.depth.data(), 1, 1);

@@ -142,7 +142,7 @@ TEST_F(LifecycleLog, Frames) {
     const GLInitInfo info = SmallInfo(row.off_screen, row.format);
     const ScopedSession session(info);
     for (const bool from_depth : {false, true}) {
-      if (!TakesTurn(turn + int{from_depth}, 2)) continue;
+      if (!TakesTurn(turn + (from_depth ? 1 : 0), 2)) continue;
       row.call.from_depth = from_depth;
       // A second ends with the frame from depth, the second in it.
       auto& counters = session_.frames.counters;
@@ -154,8 +154,8 @@ TEST_F(LifecycleLog, Frames) {
       std::string log = TakeLog();
       // A driver may take a second for one frame.
       const std::string early = "Bokeh lib FPS = 2\n";
-      const size_t found = from_depth ? log.npos : log.find(early);
-      if (found != log.npos) log.erase(found, early.size());
+      const size_t found = from_depth ? std::string::npos : log.find(early);
+      if (found != std::string::npos) log.erase(found, early.size());
       EXPECT_EQ(log, FrameLog(row));
     }
   }

@@ -82,7 +82,7 @@ TEST(MemoryHeld, NothingIsLeftAfterCloseAndDeinitialisation) {
     const GLInitInfo info = InfoOf(row);
     ++turn;  // alternates between the orders on a slow driver
     for (const bool closed_first : {true, false}) {
-      if (!TakesTurn(turn + int{closed_first}, 2)) continue;
+      if (!TakesTurn(turn + (closed_first ? 1 : 0), 2)) continue;
       SCOPED_TRACE(testing::Message()
                    << row.name << ", closed first " << closed_first);
       EXPECT_EQ(row.cached ? InitCachedSession(info, cache.data())

@@ -323,7 +323,8 @@ TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {
     log_.Take();
     Start(cache.data(), kRebuilt, All(), Bytes(kCacheBytes));
     const Lines log = log_.Take();
-    Lines lines = {"binaryInfo isValid = " + std::to_string(int{is_built})};
+    Lines lines = {is_built ? "binaryInfo isValid = 1"
+                            : "binaryInfo isValid = 0"};
     const auto repeat = [&](size_t count, const char* line, const char* next) {
       for (; count > 0; --count) lines.insert(lines.end(), {line, next});
     };
