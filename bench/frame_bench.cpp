@@ -1,5 +1,6 @@
 // Times the conversions between planes and pixels against a plain copy of the
-// bytes they touch, and whole frames through the C interface.
+// bytes they touch, and starts and whole frames through the C interface.
+#include <GLES2/gl2.h>
 #include <android/log.h>
 #include <benchmark/benchmark.h>
 #include <zuQelRT_GL.h>
@@ -10,6 +11,7 @@
 #include <cstring>
 #include <vector>
 
+#include "gl/program_cache.h"
 #include "random.h"
 #include "render/plane_conversion.h"
 
@@ -80,10 +82,11 @@ void PackFrame(benchmark::State& state) {
   SetTouchedBytes(state, planes);
 }
 
-// A running session of one preview size.
+// A running session of one preview size. Its programs are compiled, or come
+// from a cache that a session before it has filled.
 class Session {
  public:
-  explicit Session(const Planes& planes) {
+  explicit Session(const Planes& planes, uint8_t* program_cache = nullptr) {
     __android_log_set_minimum_priority(ANDROID_LOG_SILENT);
     const GLInitInfo info = {.PreviewWidth = planes.width,
                              .PreviewHeight = planes.height,
@@ -98,8 +101,9 @@ class Session {
                              .srcformat = 0,
                              .GraphicBufferFlag = 0};
     const std::array<uint8_t, 512> calibration = {};
-    started_ = zuQelRT_GLInitV1(calibration.data(), calibration.size(), nullptr,
-                                0, &info) == ZUQEL_SUCCESS;
+    started_ =
+        zuQelRT_GLInitV1_1(calibration.data(), calibration.size(), nullptr, 0,
+                           &info, program_cache) == ZUQEL_SUCCESS;
   }
   ~Session() { zuQelRT_GLClose(); }
   Session(const Session&) = delete;
@@ -110,6 +114,16 @@ class Session {
  private:
   bool started_;
 };
+
+// Starts and ends a session.
+template <bool kIsCached>
+void Start(benchmark::State& state) {
+  const Planes planes = MakePlanes(state);
+  std::vector<uint8_t> cache(zuqel::kProgramCacheBytes);
+  uint8_t* given = kIsCached ? cache.data() : nullptr;
+  if (!Session(planes, given).started()) state.SkipWithError("no session");
+  while (state.KeepRunning()) const Session session(planes, given);
+}
 
 void FrameFromWeights(benchmark::State& state) {
   Planes planes = MakePlanes(state);
@@ -146,7 +160,26 @@ BENCHMARK(UnpackFrame<zuqel::kFormatNv21>)->Apply(FrameSizes);
 BENCHMARK(UnpackFrame<zuqel::kFormatPlanar>)->Apply(FrameSizes);
 BENCHMARK(UnpackFrame<zuqel::kFormatPacked>)->Apply(FrameSizes);
 BENCHMARK(PackFrame)->Apply(FrameSizes);
+BENCHMARK(Start<false>)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
+BENCHMARK(Start<true>)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
 BENCHMARK(FrameFromWeights)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
 BENCHMARK(FrameFromDepth)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
 
 }  // namespace
+
+// Says which driver is timed.
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  {
+    const Session session({64, 48, {}, {}});
+    const auto add = [](const char* key, GLenum name) {
+      const auto* text = reinterpret_cast<const char*>(glGetString(name));
+      benchmark::AddCustomContext(key, text == nullptr ? "none" : text);
+    };
+    add("gl_vendor", GL_VENDOR);
+    add("gl_renderer", GL_RENDERER);
+  }
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+}
