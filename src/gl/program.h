@@ -34,8 +34,8 @@ struct ProgramInterface {
 Program BuildProgram(const ProgramSource& source, AttributeNames attributes);
 
 // A program and the locations of its inputs. An input that it lacks, or that
-// the compiler has dropped as unused, has location -1, which GL ignores. Without
-// a program GL takes no uniforms and no draws.
+// the compiler has dropped as unused, has location -1, which GL ignores. GL
+// takes no uniforms and no draws without a program.
 class LinkedProgram {
  public:
   LinkedProgram();
