@@ -23,15 +23,9 @@ class GlMessages {
   GlMessages() {
     current_ = this;
     eglGetError();
-    const auto control =
-        LookUp<PFNEGLDEBUGMESSAGECONTROLKHRPROC>("eglDebugMessageControlKHR");
-    if (control != nullptr) control(&OnEglMessage, nullptr);
+    SetEglCallback(&OnEglMessage);
   }
-  ~GlMessages() {
-    const auto control =
-        LookUp<PFNEGLDEBUGMESSAGECONTROLKHRPROC>("eglDebugMessageControlKHR");
-    if (control != nullptr) control(nullptr, nullptr);
-  }
+  ~GlMessages() { SetEglCallback(nullptr); }
   GlMessages(const GlMessages&) = delete;
   GlMessages& operator=(const GlMessages&) = delete;
 

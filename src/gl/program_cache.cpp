@@ -4,6 +4,7 @@
 #include <GLES2/gl2ext.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 #include "base/log.h"
