@@ -1,0 +1,98 @@
+// The calls that the fake driver knows, and whether each can fail.
+#ifndef TESTING_FAKE_DRIVER_CALL_LIST_H_
+#define TESTING_FAKE_DRIVER_CALL_LIST_H_
+
+// Asking for errors and for what is current always succeeds, and a deletion
+// that failed would leave nobody with a name to delete.
+#define ZUQEL_FAKE_CALLS(ROW)             \
+  ROW(eglChooseConfig, true)              \
+  ROW(eglCreateContext, true)             \
+  ROW(eglCreateImageKHR, true)            \
+  ROW(eglCreatePbufferSurface, true)      \
+  ROW(eglDestroyContext, true)            \
+  ROW(eglDestroyImageKHR, true)           \
+  ROW(eglDestroySurface, true)            \
+  ROW(eglGetCurrentContext, false)        \
+  ROW(eglGetCurrentDisplay, false)        \
+  ROW(eglGetCurrentSurface, false)        \
+  ROW(eglGetDisplay, true)                \
+  ROW(eglGetError, false)                 \
+  ROW(eglGetPlatformDisplay, true)        \
+  ROW(eglGetProcAddress, true)            \
+  ROW(eglInitialize, true)                \
+  ROW(eglMakeCurrent, true)               \
+  ROW(eglQueryString, true)               \
+  ROW(eglTerminate, true)                 \
+  ROW(glActiveTexture, true)              \
+  ROW(glAttachShader, true)               \
+  ROW(glBindAttribLocation, true)         \
+  ROW(glBindBuffer, true)                 \
+  ROW(glBindFramebuffer, true)            \
+  ROW(glBindRenderbuffer, true)           \
+  ROW(glBindTexture, true)                \
+  ROW(glBindVertexArray, true)            \
+  ROW(glBlendFunc, true)                  \
+  ROW(glBufferData, true)                 \
+  ROW(glCheckFramebufferStatus, true)     \
+  ROW(glClear, true)                      \
+  ROW(glClearColor, true)                 \
+  ROW(glColorMask, true)                  \
+  ROW(glCompileShader, true)              \
+  ROW(glCreateProgram, true)              \
+  ROW(glCreateShader, true)               \
+  ROW(glDeleteBuffers, false)             \
+  ROW(glDeleteFramebuffers, false)        \
+  ROW(glDeleteProgram, false)             \
+  ROW(glDeleteRenderbuffers, false)       \
+  ROW(glDeleteShader, false)              \
+  ROW(glDeleteTextures, false)            \
+  ROW(glDetachShader, true)               \
+  ROW(glDisable, true)                    \
+  ROW(glDisableVertexAttribArray, true)   \
+  ROW(glDrawArrays, true)                 \
+  ROW(glDrawElements, true)               \
+  ROW(glEGLImageTargetTexture2DOES, true) \
+  ROW(glEnable, true)                     \
+  ROW(glEnableVertexAttribArray, true)    \
+  ROW(glFinish, true)                     \
+  ROW(glFlush, true)                      \
+  ROW(glFramebufferRenderbuffer, true)    \
+  ROW(glFramebufferTexture2D, true)       \
+  ROW(glGenBuffers, true)                 \
+  ROW(glGenFramebuffers, true)            \
+  ROW(glGenRenderbuffers, true)           \
+  ROW(glGenTextures, true)                \
+  ROW(glGenVertexArrays, true)            \
+  ROW(glGetAttribLocation, true)          \
+  ROW(glGetBooleanv, true)                \
+  ROW(glGetError, false)                  \
+  ROW(glGetIntegerv, true)                \
+  ROW(glGetProgramBinaryOES, true)        \
+  ROW(glGetProgramInfoLog, true)          \
+  ROW(glGetProgramiv, true)               \
+  ROW(glGetShaderInfoLog, true)           \
+  ROW(glGetShaderiv, true)                \
+  ROW(glGetString, true)                  \
+  ROW(glGetUniformLocation, true)         \
+  ROW(glGetVertexAttribPointerv, true)    \
+  ROW(glGetVertexAttribiv, true)          \
+  ROW(glIsEnabled, true)                  \
+  ROW(glLinkProgram, true)                \
+  ROW(glPixelStorei, true)                \
+  ROW(glProgramBinaryOES, true)           \
+  ROW(glReadPixels, true)                 \
+  ROW(glRenderbufferStorage, true)        \
+  ROW(glScissor, true)                    \
+  ROW(glShaderSource, true)               \
+  ROW(glTexImage2D, true)                 \
+  ROW(glTexParameteri, true)              \
+  ROW(glUniform1f, true)                  \
+  ROW(glUniform1i, true)                  \
+  ROW(glUniformMatrix4fv, true)           \
+  ROW(glUseProgram, true)                 \
+  ROW(glVertexAttribDivisor, true)        \
+  ROW(glVertexAttribIPointer, true)       \
+  ROW(glVertexAttribPointer, true)        \
+  ROW(glViewport, true)
+
+#endif  // TESTING_FAKE_DRIVER_CALL_LIST_H_
