@@ -10,9 +10,13 @@
  *
  * Threads: initialisation, frames, debug pictures and close belong to one
  * thread, the one on which the session's OpenGL ES 2.0 context is current; they
- * must not overlap. zuQelRT_SetParameter may be called from any thread. A frame
- * or debug-picture call made elsewhere (no session, another context, none)
- * draws nothing and leaves planes and textures as they are.
+ * must not overlap. zuQelRT_SetParameter may be called from any thread at any
+ * time. Refocus maps may be made on a second thread, and frames on the CPU on a
+ * third, while others render; calls of one kind must not overlap each other,
+ * initialisation or close. A build with assertions ends the process where calls
+ * overlap that must not. A frame or debug-picture call made elsewhere (no
+ * session, another context, none) draws nothing and leaves planes and textures
+ * as they are.
  *
  * Memory: the library keeps no pointer of the caller's after a call returns. It
  * reads and writes only the bytes that each function names; a position given by

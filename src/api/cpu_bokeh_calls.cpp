@@ -17,6 +17,7 @@ uint32_t zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(uint8_t* yPlane,
     return ZUQEL_SUCCESS;
   }
   zuqel::Session& session = zuqel::TheSession();
+  const auto in_progress = session.Enter(zuqel::kCpuFrameCalls);
   const auto [width, height] = session.frame_setup.preview;
   const auto [depth_width, depth_height] = session.frame_setup.depth;
   const auto chroma_bytes =

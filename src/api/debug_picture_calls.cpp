@@ -8,7 +8,9 @@ using zuqel::Session;
 using zuqel::TheSession;
 
 uint32_t zuQelRT_GLShowDebugPicture(int32_t isShow, int32_t isBlending) {
-  zuqel::DebugPictures& pictures = TheSession().frames.debug_pictures;
+  Session& session = TheSession();
+  const auto in_progress = session.Enter(zuqel::kFrameCalls);
+  zuqel::DebugPictures& pictures = session.frames.debug_pictures;
   pictures.show = isShow != 0;
   pictures.blend = isBlending != 0;
   ZUQEL_LOG("isShow = %d, isBlending = %d", isShow, isBlending);
@@ -18,6 +20,7 @@ uint32_t zuQelRT_GLShowDebugPicture(int32_t isShow, int32_t isBlending) {
 uint32_t zuQelRT_GLSetDebugPicture(const DebugPicture* table) {
   if (table == nullptr) return ZUQEL_NULL_POINTER;
   Session& session = TheSession();
+  const auto in_progress = session.Enter(zuqel::kFrameCalls);
   zuqel::TakeDebugPictures(session.RunningFrame(), table, session.frames);
   return ZUQEL_SUCCESS;
 }

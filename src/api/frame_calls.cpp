@@ -19,6 +19,7 @@ constexpr float kWeakestFNumber = 10.0F;
 uint32_t RunFrameCall(FrameCall call) {
   const uint32_t start = zuqel::MillisecondClock();
   Session& session = zuqel::TheSession();
+  const auto in_progress = session.Enter(zuqel::kFrameCalls);
   if (call.bypass && session.gInfo.offmode != 0) {
     ZUQEL_LOG("Qel Bokeh bypass");
     session.frames.counters.frame_index = 0;

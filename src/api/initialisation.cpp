@@ -77,6 +77,7 @@ void SetUp(const InitCall& call, FrameMemory&& memory, Session& session) {
 }  // namespace
 
 uint32_t Initialise(const InitCall& call, Session& session) {
+  const auto in_progress = session.Enter(kAllCalls);
   if (session.QelMode != kModeClosed &&
       session.QelMode != kModeNeverInitialised) {
     ZUQEL_LOG("Qel status abnormal");

@@ -45,6 +45,7 @@ uint32_t zuQelRT_GLInitV1_1(const uint8_t* calibA, uint32_t calibASize,
 uint32_t zuQelRT_GLClose() {
   ZUQEL_LOG("zuQelRT_GLClose +");
   Session& session = TheSession();
+  const auto in_progress = session.Enter(zuqel::kAllCalls);
   session.QelMode = zuqel::kModeClosed;
   session.until_close.emplace();
   if (session.gInfo.offmode != 0) zuqel::DeleteContext(session.frame_context);

@@ -16,6 +16,7 @@ using zuqel::TheSession;
 
 void Generate(const Generator& generator, const MapCall& call) {
   Session& session = TheSession();
+  const auto in_progress = session.Enter(zuqel::kRefocusMapCalls);
   generator.generate(call, {session.map_setup, session.refocus_maps,
                             session.until_close->generators});
 }
@@ -45,6 +46,7 @@ uint32_t GenerateFromDistance(const Generator& generator, const MapCall& call) {
 uint32_t zuQelRT_GenRefocusMap_init() {
   ZUQEL_LOG("Init RefocusMap Gen tid = %d +", gettid());
   Session& session = TheSession();
+  const auto in_progress = session.Enter(zuqel::kRefocusMapCalls);
   zuqel::RefocusMaps& maps = session.refocus_maps;
   maps.buffers.LogBoundaryBlur("Refocus init pointer status");
   if (session.gInfo.offmode != 0) {
@@ -62,6 +64,7 @@ uint32_t zuQelRT_GenRefocusMap_init() {
 uint32_t zuQelRT_GenRefocusMap_Deinit() {
   ZUQEL_LOG("Deinit RefocusMap Gen +");
   Session& session = TheSession();
+  const auto in_progress = session.Enter(zuqel::kRefocusMapCalls);
   session.frames.counters.frame_index = 0;
   session.refocus_maps.buffers.Log("deinit");
   session.refocus_maps = {};

@@ -1,12 +1,17 @@
 // Holds the session.
 #include "api/session.h"
 
+#include <mutex>
+
 #include "base/never_destroyed.h"
 
 namespace zuqel {
 
 void Session::TakeInfo(const GLInitInfo& info) {
-  gInfo = info;
+  {
+    const std::lock_guard lock(mutex);
+    gInfo = info;
+  }
   const ImageSize preview = SizeFrom(info.PreviewWidth, info.PreviewHeight);
   const ImageSize depth = SizeFrom(info.DepthWidth, info.DepthHeight);
   const ImageSize work = SizeFrom(info.WorkWidth, info.WorkHeight);

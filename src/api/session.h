@@ -9,6 +9,7 @@
 #include <optional>
 #include <utility>
 
+#include "api/call_in_progress.h"
 #include "base/mutex.h"
 #include "calib/calibration.h"
 #include "cpu_bokeh/expansion.h"
@@ -64,8 +65,14 @@ struct Session {
   std::optional<UntilClose> until_close{std::in_place};
   RefocusMaps refocus_maps;  // until their deinitialisation
 
-  // Taken by zuQelRT_SetParameter only.
+  // Taken where a parameter is set, and where a record with one is copied.
   Mutex mutex;
+  std::atomic<uint32_t> calls_in_progress{0};  // families
+
+  // For the length of a call.
+  [[nodiscard]] CallInProgress Enter(CallFamily family) {
+    return {family, calls_in_progress};
+  }
 
   // Copies the record and takes all sizes from it.
   void TakeInfo(const GLInitInfo& info);
