@@ -2,6 +2,7 @@
 #include "gl/frame_dump.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -71,6 +72,25 @@ TEST_F(FrameDumpTest, NamesTellFrameAndFocus) {
   EXPECT_EQ(NewFiles(),
             (Files{{"GLOutput_640x480_v0.54.07_0007_1_0.raw", bytes},
                    {"GLRM_0x0_v0.54.07_-001_-2147483648_2147483647.raw", {}}}));
+}
+
+TEST_F(FrameDumpTest, FollowsNoLinkAndWaitsForNoPipe) {
+  const ScopedProperty on(kSwitch, "1");
+  const fs::path victim = directory_ / "victim";
+  std::ofstream(victim) << "kept";
+  const auto dump = [&](int focus_x) {
+    return directory_ /
+           ("GLRM_1x1_v0.54.07_0000_" + std::to_string(focus_x) + "_0.raw");
+  };
+  fs::create_symlink(victim, dump(0));
+  fs::create_symlink(directory_ / "new", dump(1));
+  ASSERT_EQ(mkfifo(dump(2).c_str(), 0600), 0);
+  for (const int focus_x : {0, 1, 2}) {
+    DumpFrame({"raw", 3, 1, 1, "RM"}, {0, focus_x, 0});
+    EXPECT_TRUE(fs::remove(dump(focus_x)));
+  }
+  EXPECT_EQ(log_.Take(), Lines(3, "*VX* WriteRAW Image Failed!!!"));
+  EXPECT_EQ(NewFiles(), (Files{{"victim", {'k', 'e', 'p', 't'}}}));
 }
 
 TEST_F(FrameDumpTest, FilesHoldTheFrame) {

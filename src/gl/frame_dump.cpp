@@ -1,7 +1,10 @@
 // Writes frame dumps.
 #include "gl/frame_dump.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/system_properties.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdio>
@@ -28,6 +31,31 @@ DumpPath PathOf(const DumpImage& image, const DumpName& name) {
   return path;
 }
 
+struct CloseFile {
+  void operator()(std::FILE* file) const {
+    static_cast<void>(std::fclose(file));
+  }
+};
+using DumpFile = std::unique_ptr<std::FILE, CloseFile>;
+
+// Null if it cannot be opened. Others may write to the folder: neither does a
+// link there lead elsewhere, nor does a pipe stop the frame.
+DumpFile OpenDump(const DumpPath& path) {
+  constexpr mode_t kAll =
+      S_IRUSR | S_IWUSR | S_IRGRP | S_IWGRP | S_IROTH | S_IWOTH;
+  const int file = open(
+      path.data(),
+      O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, kAll);
+  if (file < 0) return nullptr;
+  struct stat status = {};
+  DumpFile stream;
+  if (fstat(file, &status) == 0 && S_ISREG(status.st_mode)) {
+    stream.reset(fdopen(file, "wb"));
+  }
+  if (stream == nullptr) close(file);
+  return stream;
+}
+
 }  // namespace
 
 bool DumpsAreOn() {
@@ -40,13 +68,7 @@ void DumpFrame(const DumpImage& image, const DumpName& name) {
     return;
   }
   if (!DumpsAreOn()) return;
-  struct Close {
-    void operator()(std::FILE* file) const {
-      static_cast<void>(std::fclose(file));
-    }
-  };
-  const std::unique_ptr<std::FILE, Close> file(
-      std::fopen(PathOf(image, name).data(), "wb"));
+  const DumpFile file = OpenDump(PathOf(image, name));
   if (file == nullptr) {
     ZUQEL_LOG("*VX* WriteRAW Image Failed!!!");
     return;

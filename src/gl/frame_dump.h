@@ -27,7 +27,7 @@ bool DumpsAreOn();
 
 // Writes the image to the directory text of the property
 // "persist.zu.LVGLbokeh.fileDir", which ends with "/", where dumps are on. A
-// null image and a file that cannot be opened are logged.
+// null image and a file that cannot be opened, such as a link, are logged.
 void DumpFrame(const DumpImage& image, const DumpName& name);
 
 }  // namespace zuqel
