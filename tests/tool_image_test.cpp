@@ -1,6 +1,7 @@
 // What the tools do with pictures before and after the library.
 #include <gtest/gtest.h>
 #include <png.h>
+#include <sys/resource.h>
 #include <zlib.h>
 
 #include <algorithm>
@@ -100,7 +101,7 @@ Picture Ramp() {
   return picture;
 }
 
-Bytes Jpeg(Picture picture) {
+Bytes Jpeg(Picture picture, bool is_progressive = false) {
   jpeg_compress_struct compress = {};
   jpeg_error_mgr errors = {};
   compress.err = jpeg_std_error(&errors);
@@ -114,6 +115,7 @@ Bytes Jpeg(Picture picture) {
   compress.in_color_space = JCS_RGB;
   jpeg_set_defaults(&compress);
   jpeg_set_quality(&compress, 98, TRUE);
+  if (is_progressive) jpeg_simple_progression(&compress);
   jpeg_start_compress(&compress, TRUE);
   for (auto row = picture.rgb.begin(); row < picture.rgb.end();
        row += std::ptrdiff_t{3} * picture.width) {
@@ -273,6 +275,52 @@ TEST(ReadPicture, TakesSizesOfJpegFromItsDecoderAlone) {
        {"larger than libjpeg can", with(resized(65535, 12)), "is damaged: "},
        {"more rows than data", with(resized(16, 8192)), "is truncated"}},
       Ramp(), 6);
+}
+
+TEST(ReadPicture, LimitsWhatAFileUnpacksTo) {
+  const Bytes whole = Jpeg(Ramp(), /*is_progressive=*/true);
+  // Tables come before each scan; the first can be repeated.
+  const auto find = [&](Bytes::const_iterator from, uint8_t marker) {
+    const std::array<uint8_t, 2> bytes = {0xff, marker};
+    return std::search(from, whole.end(), bytes.begin(), bytes.end());
+  };
+  const auto scan = find(whole.begin(), 0xda), next = find(scan, 0xc4);
+  ASSERT_NE(next, whole.end());
+  const auto with_scans = [&](int more) {
+    Bytes file(whole.begin(), next);
+    for (int i = 0; i < more; ++i) file.insert(file.end(), scan, next);
+    return Join({file, {next, whole.end()}});
+  };
+  ExpectReadOrRefused(
+      {{"progressive", whole},
+       {"many scans", with_scans(90)},
+       {"too many scans", with_scans(91), "is damaged: it has too many scans"}},
+      Ramp(), 6);
+
+  // 7 MiB of text, just below libpng's own limit for one, 150 times.
+  const Bytes unpacked(size_t{7} << 20, ' ');
+  uLongf size = compressBound(unpacked.size());
+  Bytes packed(size);
+  compress(packed.data(), &size, unpacked.data(), unpacked.size());
+  packed.resize(size);
+  const Bytes text = Chunk("zTXt", Join({{'T', 0, 0}, packed}));
+  Bytes chunks = Header(1, 1);
+  for (int i = 0; i < 150; ++i)
+    chunks.insert(chunks.end(), text.begin(), text.end());
+  const auto peak_kib = [] {
+    rusage usage = {};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+  };
+  const auto before = peak_kib();
+  ExpectReadOrRefused({{"texts", Png(chunks, Bytes(4))}}, Picture(1, 1), 0);
+  EXPECT_LT(peak_kib() - before, 100 << 10);
+}
+
+TEST(ReadWeights, TakesMapsOfTheLargestSize) {
+  const TemporaryFolder folder;
+  WriteGrey(WeightMap(kLargestSide, kLargestSide), folder / "map");
+  EXPECT_EQ(ReadWeights(folder / "map").values.size(), size_t{1} << 26);
 }
 
 TEST(ReadWeights, TakesDepthAndColourOfPngFromItsDecoderAlone) {

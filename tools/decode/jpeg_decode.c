@@ -9,8 +9,13 @@
 
 #include "decode/decode.h"
 
+/* A progressive file of a few bytes can have the whole picture gone over again
+ * and again. Encoders make about ten scans. */
+enum { kMostScans = 100 };
+
 struct JpegDecoder {
   struct jpeg_decompress_struct decompress;
+  struct jpeg_progress_mgr progress;
   struct jpeg_error_mgr errors; /* found again through decompress.client_data */
   jmp_buf failed;
   enum DecodeStatus status;
@@ -44,13 +49,21 @@ static void OnMessage(j_common_ptr common, int level) {
   }
 }
 
+static void OnProgress(j_common_ptr common) {
+  if (((j_decompress_ptr)common)->input_scan_number > kMostScans) {
+    Leave(common->client_data, kDecodeDamaged, "it has too many scans");
+  }
+}
+
 static void Open(struct JpegDecoder* decoder, const uint8_t* bytes,
                  size_t size) {
   decoder->decompress.err = jpeg_std_error(&decoder->errors);
   decoder->errors.error_exit = OnError;
   decoder->errors.emit_message = OnMessage;
   decoder->decompress.client_data = decoder;
+  decoder->progress.progress_monitor = OnProgress;
   jpeg_create_decompress(&decoder->decompress);
+  decoder->decompress.progress = &decoder->progress;
   jpeg_mem_src(&decoder->decompress, bytes, size);
   jpeg_read_header(&decoder->decompress, TRUE);
 }

@@ -87,6 +87,9 @@ static void Decode(png_structp png, png_infop info, struct PngHeader* header,
   png_set_read_fn(png, png_get_error_ptr(png), ReadBytes);
   /* No limit here: the caller checks the size and words the error. */
   png_set_user_limits(png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
+  /* Texts, profiles and the like, which may unpack to gigabytes, are skipped;
+   * transparency is not one of them. */
+  png_set_keep_unknown_chunks(png, PNG_HANDLE_CHUNK_NEVER, NULL, -1);
   png_read_info(png, info);
   if (header != NULL) CopyHeader(png, info, header);
   if (target != NULL) ReadRows(png, info, target);
