@@ -1,5 +1,6 @@
 // Keys and decrypted bytes are wiped; the keys that a build has.
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <pthread.h>
 #include <zuQelRT_GL.h>
 
@@ -7,16 +8,23 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <functional>
+#include <new>
 #include <span>
+#include <string>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "calib/built_in_keys.h"
 #include "calib/calibration.h"
 #include "calibration_samples.h"
 #include "guarded_memory.h"
+#include "key_file.h"
 #include "random.h"
 
 namespace zuqel::calib {
@@ -53,6 +61,36 @@ bool Holds(std::span<const uint8_t> memory, std::span<const uint8_t> secret) {
   }
   return false;
 }
+
+// Looked for in the blocks of the heap that are freed, while not empty.
+std::span<const uint8_t> heap_secret;
+bool was_freed_with_secret = false;
+
+}  // namespace
+}  // namespace zuqel::calib
+
+[[gnu::noinline]] void* operator new(size_t size) {
+  if (void* block = std::malloc(size)) return block;
+  throw std::bad_alloc();
+}
+
+[[gnu::noinline]] void operator delete(void* block) noexcept {
+  using namespace zuqel::calib;
+  if (const auto secret = std::exchange(heap_secret, {}); !secret.empty()) {
+    was_freed_with_secret |=
+        Holds({static_cast<const uint8_t*>(block), malloc_usable_size(block)},
+              secret);
+    heap_secret = secret;
+  }
+  std::free(block);
+}
+
+void operator delete(void* block, size_t /*size*/) noexcept {
+  operator delete(block);
+}
+
+namespace zuqel::calib {
+namespace {
 
 struct Secret {
   const char* name;
@@ -134,6 +172,35 @@ TEST(CalibrationSecrets, StackKeepsNone) {
       }
     }
   }
+}
+
+TEST(CalibrationSecrets, ReadingAKeyFileKeepsNone) {
+  const Bytes key = Random(5).Values<uint8_t>(kAesKeySize);
+  Bytes digits;
+  for (const uint8_t byte : key) {
+    for (const int digit : {byte >> 4, byte & 15}) {
+      digits.push_back(static_cast<uint8_t>("0123456789aBcDeF"[digit]));
+    }
+  }
+  const Bytes secrets = Join(key, digits);
+  const GuardedMemory<uint8_t> memory(size_t{256} << 10);
+  const std::span<uint8_t> stack = memory.span();
+  const std::string path = testing::TempDir() + "zuqel_key_file";
+  for (const Bytes& file : {key, digits, Join(digits, {'\r', '\n'})}) {
+    std::ofstream(path).write(reinterpret_cast<const char*>(file.data()),
+                              static_cast<std::streamsize>(file.size()));
+    std::fill(stack.begin(), stack.end(), 0);
+    RunOnStack(stack, [&] {
+      SecretBytes<kAesKeySize> read;
+      heap_secret = secrets;
+      tools::ReadKey(path, read);
+      heap_secret = {};
+      EXPECT_TRUE(std::equal(key.begin(), key.end(), read.values.begin()));
+    });
+    EXPECT_FALSE(Holds(stack, secrets)) << file.size();
+    EXPECT_FALSE(was_freed_with_secret) << file.size();
+  }
+  std::remove(path.c_str());
 }
 
 // This program's build has a general key, 0x20 to 0x3F, and no other.

@@ -8,9 +8,23 @@
 #include <iterator>
 #include <stdexcept>
 
+#include "image_file.h"
+#include "pending_file.h"
 #include "random.h"
 
 namespace zuqel::tools {
+namespace {
+
+template <typename Image>
+void WriteImage(void (*write)(const Image&, PendingFile&), const Image& image,
+                const std::string& path) {
+  PendingFile file(path);
+  write(image, file);
+  file.Close();
+  file.Commit();
+}
+
+}  // namespace
 
 TemporaryFolder::TemporaryFolder()
     : path_(std::filesystem::temp_directory_path() / "zuqel_test_XXXXXX") {
@@ -31,6 +45,18 @@ Picture NoisePicture(int width, int height) {
   Picture picture(width, height);
   for (uint8_t& byte : picture.rgb) byte = static_cast<uint8_t>(random.Bits());
   return picture;
+}
+
+void WritePicture(const Picture& picture, const std::string& path) {
+  WriteImage(WritePicture, picture, path);
+}
+
+void WriteGrey(const Map<uint8_t>& map, const std::string& path) {
+  WriteImage(WriteGrey, map, path);
+}
+
+void WriteDisparity(const DisparityMap& map, const std::string& path) {
+  WriteImage(WriteDisparity, map, path);
 }
 
 std::vector<uint8_t> ReadBytes(const std::string& path) {

@@ -27,6 +27,11 @@ class TemporaryFolder {
 // Random pixels, the same each time.
 Picture NoisePicture(int width, int height);
 
+// PNG files.
+void WritePicture(const Picture& picture, const std::string& path);
+void WriteGrey(const Map<uint8_t>& map, const std::string& path);
+void WriteDisparity(const DisparityMap& map, const std::string& path);
+
 std::vector<uint8_t> ReadBytes(const std::string& path);
 void WriteBytes(const std::string& path, const std::vector<uint8_t>& bytes);
 

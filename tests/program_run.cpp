@@ -13,6 +13,7 @@
 #include <map>
 #include <sstream>
 #include <string_view>
+#include <utility>
 
 namespace zuqel::tools {
 namespace {
@@ -38,6 +39,21 @@ Outcome CommandLine::Run(const std::string& arguments,
   std::istringstream words("zuqel " + arguments);
   std::vector<std::string> argv_text;
   for (std::string word; words >> word;) argv_text.push_back(word);
+  return Start(ZUQEL_PROGRAM, std::move(argv_text), settings);
+}
+
+Outcome CommandLine::Shell(const std::string& script, Settings settings) const {
+  const auto folder = std::filesystem::path(ZUQEL_PROGRAM).parent_path();
+  return Start(
+      "/bin/sh",
+      {"sh", "-c",
+       "PATH=" + folder.string() + ":$PATH:/usr/sbin:/sbin\n" + script},
+      settings);
+}
+
+Outcome CommandLine::Start(const char* program,
+                           std::vector<std::string> arguments,
+                           Settings settings) const {
   std::vector<std::string> env_text(settings.begin(), settings.end());
   for (char** entry = environ; *entry != nullptr; ++entry) {
     const std::string text = *entry, name = text.substr(0, text.find('=') + 1);
@@ -60,27 +76,32 @@ Outcome CommandLine::Run(const std::string& arguments,
   pid_t child = 0;
   int status = 0;
   const int failed =
-      posix_spawn(&child, ZUQEL_PROGRAM, &actions, nullptr,
-                  PointersTo(argv_text).data(), PointersTo(env_text).data());
+      posix_spawn(&child, program, &actions, nullptr,
+                  PointersTo(arguments).data(), PointersTo(env_text).data());
   posix_spawn_file_actions_destroy(&actions);
   if (failed != 0 || waitpid(child, &status, 0) != child) return {};
   return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, ReadText(out),
           ReadText(err)};
 }
 
-void CommandLine::ExpectRefused(const Cases& cases, int exit_code) const {
+void CommandLine::ExpectRefused(const Cases& cases, int exit_code,
+                                Outcome (CommandLine::*run)(const std::string&,
+                                                            Settings)
+                                    const) const {
+  namespace fs = std::filesystem;
   const auto contents = [&] {
     std::map<std::string, std::string> files;
-    for (const auto& file : std::filesystem::directory_iterator(File(""))) {
-      files[file.path().filename()] = ReadText(file.path());
+    for (const auto& file : fs::recursive_directory_iterator(File(""))) {
+      const bool is_plain = fs::is_regular_file(file.symlink_status());
+      files[file.path()] = is_plain ? ReadText(file.path()) : "no file";
     }
     return files;
   };
   const auto before = contents();
   for (const auto& [arguments, message] : cases) {
     SCOPED_TRACE(arguments);
-    const Outcome outcome = Run(arguments);
-    EXPECT_EQ(outcome.exit_code, exit_code);
+    const Outcome outcome = (this->*run)(arguments, kNoGl);
+    EXPECT_EQ(outcome.exit_code, exit_code) << outcome.err;
     EXPECT_THAT(outcome.err, testing::HasSubstr(message));
     EXPECT_EQ(std::count(outcome.err.begin(), outcome.err.end(), '\n'), 1);
     EXPECT_EQ(outcome.out, "");

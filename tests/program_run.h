@@ -19,7 +19,7 @@ struct Outcome {
   std::string out, err;
 };
 
-// Arguments, separated by spaces, and a piece of what is printed.
+// Arguments, separated by spaces, or a script; and a piece of what is printed.
 using Cases = std::vector<std::pair<std::string, std::string>>;
 
 // Settings of the environment, NAME=value.
@@ -42,11 +42,20 @@ class CommandLine : public testing::Test {
   }
   [[nodiscard]] Outcome Run(const std::string& arguments,
                             Settings settings = kNoGl) const;
+  // Runs a script of the shell, which finds the program as zuqel.
+  [[nodiscard]] Outcome Shell(const std::string& script,
+                              Settings settings = kNoGl) const;
 
   // Each is refused in one line, and no file is touched.
-  void ExpectRefused(const Cases& cases, int exit_code = 2) const;
+  void ExpectRefused(const Cases& cases, int exit_code = 2,
+                     Outcome (CommandLine::*run)(const std::string&, Settings)
+                         const = &CommandLine::Run) const;
 
  private:
+  [[nodiscard]] Outcome Start(const char* program,
+                              std::vector<std::string> arguments,
+                              Settings settings) const;
+
   const TemporaryFolder folder_;
 };
 

@@ -5,11 +5,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <cstdint>
 #include <cstdio>
 #include <memory>
-#include <optional>
 #include <sstream>
 #include <string>
 
@@ -17,6 +15,7 @@
 #include "command.h"
 #include "container_seal.h"
 #include "file_bytes.h"
+#include "key_file.h"
 #include "output_files.h"
 #include "shared_options.h"
 #include "tool_error.h"
@@ -60,44 +59,6 @@ std::string Explain(uint32_t status) {
   return text.str();
 }
 
-// The key in a file of 64 hex digits; nothing for any other file.
-std::optional<calib::Key> ParseKey(const Bytes& file) {
-  std::string digits(file.begin(), file.end());
-  while (!digits.empty() &&
-         std::isspace(static_cast<unsigned char>(digits.back())) != 0) {
-    digits.pop_back();
-  }
-  calib::Key key = {};
-  if (digits.size() != 2 * key.size() ||
-      !std::all_of(digits.begin(), digits.end(),
-                   [](unsigned char c) { return std::isxdigit(c) != 0; })) {
-    return std::nullopt;
-  }
-  for (size_t i = 0; i < key.size(); ++i) {
-    key[i] =
-        static_cast<uint8_t>(std::stoul(digits.substr(2 * i, 2), nullptr, 16));
-  }
-  return key;
-}
-
-// A file of 64 hex digits can be nothing else: a wrapped key and a container
-// are longer.
-Bytes ReadSecondBlock(const std::string& path) {
-  const Bytes file = ReadFile(path);
-  const std::optional<calib::Key> key = ParseKey(file);
-  return key ? Bytes(key->begin(), key->end()) : file;
-}
-
-calib::Key ReadKey(const std::string& path) {
-  const Bytes block = ReadSecondBlock(path);
-  calib::Key key = {};
-  if (block.size() != key.size()) {
-    throw InputError(path + ": is not a key; 64 hex digits or 32 bytes are");
-  }
-  std::copy(block.begin(), block.end(), key.begin());
-  return key;
-}
-
 // Saturated: no container has a size past 32 bits.
 uint32_t SizeOf(const Bytes& block) {
   return static_cast<uint32_t>(std::min<size_t>(block.size(), UINT32_MAX));
@@ -117,11 +78,11 @@ void Inspect(const InspectOptions& options) {
                                    .block_a_size = SizeOf(container),
                                    .selector = options.layout - 1,
                                    .default_keys = calib::BuiltInKeys()};
-  Bytes second;
+  SecondBlock second;
   if (!options.key.empty()) {
-    second = ReadSecondBlock(options.key);
-    input.block_b = second.data();
-    input.block_b_size = SizeOf(second);
+    ReadSecondBlock(options.key, second);
+    input.block_b = second.bytes.values.data();
+    input.block_b_size = second.size;
   }
   const calib::CalibrationRecord record = Decode(options.container, input);
   const calib::CameraValues values =
@@ -135,22 +96,22 @@ void Inspect(const InspectOptions& options) {
 }
 
 void Seal(const SealOptions& options) {
-  const Bytes plain = ReadFile(options.container);
-  const calib::Key key = ReadKey(options.key);
   OutputFiles outputs;
   outputs.Announce(options.output);
+  const Bytes plain = ReadFile(options.container);
+  calib::SecretBytes<kKeySize> key;
+  ReadKey(options.key, key);
   Bytes sealed;
   try {
-    sealed = SealContainer(plain, key);
+    sealed = SealContainer(plain, key.values);
   } catch (const InputError& error) {
     throw InputError(options.container + ": " + error.what());
   }
   // Write nothing that an initialisation would refuse.
-  Decode(options.container,
-         {.block_a = sealed.data(),
-          .block_a_size = SizeOf(sealed),
-          .block_b = key.data(),
-          .block_b_size = static_cast<uint32_t>(key.size())});
+  Decode(options.container, {.block_a = sealed.data(),
+                             .block_a_size = SizeOf(sealed),
+                             .block_b = key.values.data(),
+                             .block_b_size = kKeySize});
   outputs.Write(options.output, sealed);
   outputs.Commit();
 }

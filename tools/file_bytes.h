@@ -1,8 +1,10 @@
-// Reads and writes whole files.
+// Reads whole files.
 #ifndef ZUQEL_TOOLS_FILE_BYTES_H_
 #define ZUQEL_TOOLS_FILE_BYTES_H_
 
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -10,12 +12,16 @@ namespace zuqel::tools {
 
 using Bytes = std::vector<uint8_t>;
 
-// InputError if the file cannot be opened, is a folder or is claimed as an
-// output.
+// No picture of the largest size needs more: with 16-bit colours it has 384
+// MiB.
+inline constexpr size_t kLargestFile = size_t{512} << 20;
+
+// InputError if the file cannot be read, is a folder, is larger than
+// kLargestFile, or is claimed as an output.
 Bytes ReadFile(const std::string& path);
 
-// WorkError unless all of it could be written.
-void WriteFile(const Bytes& bytes, const std::string& path);
+// The same for a file that fits into `target`; returns its size. Keeps no copy.
+size_t ReadFileInto(const std::string& path, std::span<uint8_t> target);
 
 }  // namespace zuqel::tools
 

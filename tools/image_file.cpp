@@ -110,15 +110,15 @@ Map<Value> ReadGreyPng(const std::string& path) {
 }
 
 void WritePng(int width, int height, png_uint_32 format, const void* pixels,
-              const std::string& path) {
+              const PendingFile& file) {
   png_image image = {};
   image.version = PNG_IMAGE_VERSION;
   image.width = static_cast<png_uint_32>(width);
   image.height = static_cast<png_uint_32>(height);
   image.format = format;
-  if (png_image_write_to_file(&image, path.c_str(), 0, pixels, 0, nullptr) ==
+  if (png_image_write_to_stdio(&image, file.stream(), 0, pixels, 0, nullptr) ==
       0) {
-    throw WorkError(path + ": cannot be written: " + image.message);
+    file.Fail(image.message);
   }
 }
 
@@ -159,17 +159,17 @@ WeightMap ReadWeights(const std::string& path) {
   return ReadGreyPng<uint8_t>(path);
 }
 
-void WritePicture(const Picture& picture, const std::string& path) {
+void WritePicture(const Picture& picture, PendingFile& file) {
   WritePng(picture.width, picture.height, PNG_FORMAT_RGB, picture.rgb.data(),
-           path);
+           file);
 }
 
-void WriteGrey(const Map<uint8_t>& map, const std::string& path) {
-  WritePng(map.width, map.height, PNG_FORMAT_GRAY, map.values.data(), path);
+void WriteGrey(const Map<uint8_t>& map, PendingFile& file) {
+  WritePng(map.width, map.height, PNG_FORMAT_GRAY, map.values.data(), file);
 }
 
-void WriteDisparity(const DisparityMap& map, const std::string& path) {
-  WritePng(map.width, map.height, PNG_FORMAT_LINEAR_Y, map.values.data(), path);
+void WriteDisparity(const DisparityMap& map, PendingFile& file) {
+  WritePng(map.width, map.height, PNG_FORMAT_LINEAR_Y, map.values.data(), file);
 }
 
 }  // namespace zuqel::tools

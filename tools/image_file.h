@@ -6,6 +6,7 @@
 #include <string>
 
 #include "image.h"
+#include "pending_file.h"
 
 namespace zuqel::tools {
 
@@ -28,9 +29,9 @@ DistanceMap ReadDistance(const std::string& path);
 WeightMap ReadWeights(const std::string& path);
 
 // The writers make PNG files and throw WorkError.
-void WritePicture(const Picture& picture, const std::string& path);
-void WriteGrey(const Map<uint8_t>& map, const std::string& path);
-void WriteDisparity(const DisparityMap& map, const std::string& path);
+void WritePicture(const Picture& picture, PendingFile& file);
+void WriteGrey(const Map<uint8_t>& map, PendingFile& file);
+void WriteDisparity(const DisparityMap& map, PendingFile& file);
 
 }  // namespace zuqel::tools
 

@@ -1,8 +1,6 @@
 // Output files that appear all together and complete, or not at all.
 #include "output_files.h"
 
-#include <unistd.h>
-
 #include <cstdio>
 #include <system_error>
 
@@ -25,81 +23,88 @@ fs::path FolderOf(const fs::path& path) {
   return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
 
-}  // namespace
-
-OutputFiles::~OutputFiles() {
-  std::error_code ignored;
-  for (const Written& file : written_) fs::remove(file.temporary, ignored);
-  if (!created_folder_.empty()) fs::remove(created_folder_, ignored);
+// WorkError if something other than a file has this name, or nothing can.
+void RequireFileName(const std::string& path) {
+  std::error_code error;
+  if (fs::symlink_status(path, error).type() == fs::file_type::none) {
+    throw WorkError(path + ": cannot be written: " + error.message());
+  }
+  // A device must not be replaced by a file.
+  const fs::file_status status = fs::status(path, error);
+  if (fs::is_directory(status)) throw WorkError(path + ": is a folder");
+  if (fs::exists(status) && !fs::is_regular_file(status)) {
+    throw WorkError(path + ": is not a regular file");
+  }
 }
+
+}  // namespace
 
 void OutputFiles::CreateFolder(const std::string& path) {
   if (IsFolder(path)) return;
   std::error_code error;
   if (!fs::create_directory(path, error)) {
-    throw InputError(path + ": the folder cannot be created: " +
-                     (error ? error.message() : "a file has this name"));
+    throw WorkError(path + ": the folder cannot be created: " +
+                    (error ? error.message() : "a file has this name"));
   }
-  created_folder_ = path;
+  created_folder_.emplace(path);
 }
 
 void OutputFiles::Announce(const std::string& path) {
+  if (path.empty()) throw InputError("the name of an output is empty");
   const fs::path folder = FolderOf(path);
   if (!IsFolder(folder)) {
-    throw InputError(path + ": the folder " + folder.string() +
-                     " does not exist");
+    throw WorkError(path + ": the folder " + folder.string() +
+                    " does not exist");
   }
-  if (access(folder.c_str(), W_OK) != 0) {
-    throw InputError(path + ": the folder " + folder.string() +
-                     " is not writable");
-  }
-  if (IsFolder(path)) throw InputError(path + ": is a folder");
-  // A device must not be replaced by a file.
-  if (fs::exists(path) && !fs::is_regular_file(path)) {
-    throw InputError(path + ": is not a regular file");
-  }
-  const fs::path full = fs::canonical(folder) / fs::path(path).filename();
-  if (!announced_.insert(full).second) {
+  RequireFileName(path);
+  const fs::path full_folder = fs::canonical(folder);
+  if (!announced_.insert(full_folder / fs::path(path).filename()).second) {
     throw InputError(path + ": is given for two outputs");
   }
   ClaimOutput(path);
+  // Permissions do not tell whether a file can be made, so one is, and removed.
+  if (folders_.insert(full_folder).second) PendingFile{path};
 }
 
 void OutputFiles::Write(const std::string& path, const Picture& picture) {
-  WritePicture(picture, Begin(path, ToText(SizeOf(picture))));
+  PendingFile& file = Begin(path, ToText(SizeOf(picture)));
+  WritePicture(picture, file);
+  file.Close();
 }
 
 void OutputFiles::Write(const std::string& path, const Map<uint8_t>& grey) {
-  WriteGrey(grey, Begin(path, ToText(SizeOf(grey))));
+  PendingFile& file = Begin(path, ToText(SizeOf(grey)));
+  WriteGrey(grey, file);
+  file.Close();
 }
 
 void OutputFiles::Write(const std::string& path, const DisparityMap& map) {
-  WriteDisparity(map, Begin(path, ToText(SizeOf(map))));
+  PendingFile& file = Begin(path, ToText(SizeOf(map)));
+  WriteDisparity(map, file);
+  file.Close();
 }
 
 void OutputFiles::Write(const std::string& path, const Bytes& bytes) {
-  WriteFile(bytes, Begin(path, std::to_string(bytes.size()) + " bytes"));
+  PendingFile& file = Begin(path, std::to_string(bytes.size()) + " bytes");
+  file.Write(bytes);
+  file.Close();
 }
 
-fs::path OutputFiles::Begin(const std::string& path, const std::string& size) {
-  const fs::path target = path;
-  std::string name = ".";
-  name += target.filename().string() + "." + std::to_string(getpid());
-  written_.push_back({path, FolderOf(target) / name, size});
-  return written_.back().temporary;
+PendingFile& OutputFiles::Begin(const std::string& path,
+                                const std::string& size) {
+  written_.push_back({std::make_unique<PendingFile>(path), size});
+  return *written_.back().file;
 }
 
 void OutputFiles::Commit() {
-  for (const Written& file : written_) {
-    std::error_code error;
-    fs::rename(file.temporary, file.path, error);
-    if (error) {
-      throw WorkError(file.path + ": cannot be written: " + error.message());
-    }
-    created_folder_.clear();
+  for (const Written& written : written_) written.file->Close();
+  for (const Written& written : written_) {
+    written.file->Commit();
+    if (created_folder_) created_folder_->Keep();
   }
-  for (const Written& file : written_) {
-    std::printf("wrote %s (%s)\n", file.path.c_str(), file.size.c_str());
+  for (const Written& written : written_) {
+    std::printf("wrote %s (%s)\n", written.file->target().c_str(),
+                written.size.c_str());
   }
   written_.clear();
 }

@@ -4,30 +4,30 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "file_bytes.h"
 #include "image.h"
+#include "pending_file.h"
+#include "temporary_path.h"
 
 namespace zuqel::tools {
 
 // Files are written next to their targets under temporary names, and renamed in
-// Commit. Without Commit the destructor removes them.
+// Commit. Without Commit they are removed.
 class OutputFiles {
  public:
-  OutputFiles() = default;
-  ~OutputFiles();
-  OutputFiles(const OutputFiles&) = delete;
-  OutputFiles& operator=(const OutputFiles&) = delete;
-
-  // Creates the folder if it does not exist. InputError if that fails.
+  // Creates the folder if it does not exist. WorkError if that fails.
   void CreateFolder(const std::string& path);
 
-  // Declares, before any work, that `path` will be written. InputError if its
-  // folder is missing, it is a folder itself, it was announced before, or the
-  // file is one of the inputs, whether these are read before or after.
+  // Declares, before any work, that `path` will be written. WorkError if no
+  // file can be made in its folder or it is something other than a file;
+  // InputError if it was announced before or is one of the inputs, whether
+  // these are read before or after.
   void Announce(const std::string& path);
 
   // Writes a file for the announced `path`; pictures as PNG.
@@ -36,23 +36,22 @@ class OutputFiles {
   void Write(const std::string& path, const DisparityMap& map);
   void Write(const std::string& path, const Bytes& bytes);
 
-  // Returns the temporary name under which the caller has to write the file for
-  // the announced `path`; `size` is what Commit prints about it.
-  std::filesystem::path Begin(const std::string& path, const std::string& size);
+  // Begins the file for the announced `path`, for the caller to write until
+  // Commit; `size` is what Commit prints about it.
+  PendingFile& Begin(const std::string& path, const std::string& size);
 
   // Renames every written file to its target and prints a line for each.
   void Commit();
 
  private:
   struct Written {
-    std::string path;
-    std::filesystem::path temporary;
+    std::unique_ptr<PendingFile> file;
     std::string size;
   };
 
-  std::set<std::filesystem::path> announced_;
+  std::set<std::filesystem::path> announced_, folders_;
+  std::optional<TemporaryPath> created_folder_;  // outlives the files in it
   std::vector<Written> written_;
-  std::filesystem::path created_folder_;
 };
 
 }  // namespace zuqel::tools

@@ -46,18 +46,17 @@ void CheckCombination(const RefocusMapOptions& options,
   }
 }
 
-RefocusMapInput ReadInput(const RefocusMapOptions& options) {
+RefocusMapInput ReadInput(const RefocusMapOptions& options,
+                          const Generator& generator) {
   RefocusMapInput input;
-  input.generator = GeneratorNamed(options.generator);
-  CheckCombination(options, *input.generator);
+  input.generator = &generator;
   if (!options.size.empty()) {
     input.size = ParseSizeOption(options.size);
     CheckSize("--size", *input.size);
   }
-  input.depth =
-      options.disparity.empty()
-          ? ReadDistance(options.distance)
-          : DepthFor(*input.generator, ReadDisparity(options.disparity));
+  input.depth = options.disparity.empty()
+                    ? ReadDistance(options.distance)
+                    : DepthFor(generator, ReadDisparity(options.disparity));
   input.focus.frame = SizeOf(input.depth);
   if (!options.image.empty()) {
     input.image = ReadPicture(options.image);
@@ -78,13 +77,15 @@ Picture Panel(const RefocusMapInput& input, const WeightMap& map) {
 }
 
 void Run(const RefocusMapOptions& options) {
-  const RefocusMapInput input = ReadInput(options);
+  const Generator& generator = *GeneratorNamed(options.generator);
+  CheckCombination(options, generator);
   OutputFiles outputs;
   outputs.Announce(options.output);
   if (!options.panel.empty()) outputs.Announce(options.panel);
 
+  const RefocusMapInput input = ReadInput(options, generator);
   const RefocusMap map =
-      MakeRefocusMap(*input.generator, input.depth, input.focus, input.size);
+      MakeRefocusMap(generator, input.depth, input.focus, input.size);
   outputs.Write(options.output, map.weights);
   if (!options.panel.empty()) {
     outputs.Write(options.panel, Panel(input, map.weights));

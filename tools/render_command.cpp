@@ -73,7 +73,6 @@ void CheckCombination(const RenderOptions& options) {
 }
 
 RenderInput ReadInput(const RenderOptions& options) {
-  CheckCombination(options);
   RenderInput input;
   input.picture = ReadFramePicture(options.image);
   input.focus = {ParseFocusPoint("--focus", options.focus, "picture",
@@ -172,13 +171,14 @@ Picture Panel(const RenderInput& input, const Picture& result) {
 }
 
 void Run(const RenderOptions& options) {
-  RenderInput input = ReadInput(options);
+  CheckCombination(options);
   OutputFiles outputs;
   outputs.Announce(options.output);
   for (const std::string& path : {options.panel, options.compare}) {
     if (!path.empty()) outputs.Announce(path);
   }
 
+  RenderInput input = ReadInput(options);
   if (!options.map_from.empty()) {
     MakeWeights(*GeneratorNamed(options.map_from), input);
   }

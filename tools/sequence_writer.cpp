@@ -41,7 +41,6 @@ void SequenceWriter::AddToVideo(const Nv21Frame& frame) {
 }
 
 void SequenceWriter::Commit() {
-  if (video_) video_->Close();
   outputs_.Commit();
 }
 

@@ -22,7 +22,7 @@ struct SequenceTarget {
 // Holds no frame in memory. The files appear in Commit, or not at all.
 class SequenceWriter {
  public:
-  // InputError if the files cannot be written.
+  // Throws as OutputFiles::Announce.
   explicit SequenceWriter(const SequenceTarget& target);
 
   // The next frame; all have the same size.

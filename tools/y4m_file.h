@@ -2,10 +2,8 @@
 #ifndef ZUQEL_TOOLS_Y4M_FILE_H_
 #define ZUQEL_TOOLS_Y4M_FILE_H_
 
-#include <filesystem>
-#include <fstream>
-
 #include "nv21.h"
+#include "pending_file.h"
 
 namespace zuqel::tools {
 
@@ -13,18 +11,14 @@ namespace zuqel::tools {
 // WorkError unless all of it could be written.
 class Y4mFile {
  public:
-  Y4mFile(const std::filesystem::path& path, Size size, int frames_per_second);
+  // Leaves it to the caller to close the file.
+  Y4mFile(PendingFile& file, Size size, int frames_per_second);
 
   // `frame` has the video's size.
   void Add(const Nv21Frame& frame);
 
-  void Close();
-
  private:
-  void Check() const;
-
-  std::filesystem::path path_;
-  std::ofstream file_;
+  PendingFile& file_;
 };
 
 }  // namespace zuqel::tools

@@ -1,14 +1,23 @@
 // zuqel: the library on the command line.
+#include <fcntl.h>
+#include <unistd.h>
 #include <zuQelRT_GL.h>
 
 #include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <exception>
 #include <iostream>
 #include <new>
 #include <string>
 
 #include "command.h"
+#include "coordinates.h"
+#include "file_bytes.h"
+#include "image.h"
 #include "library_log.h"
+#include "temporary_path.h"
 #include "tool_error.h"
 
 namespace {
@@ -29,7 +38,27 @@ int Fail(int exit_code, const char* message) {
   return exit_code;
 }
 
+// A file that is opened must not become a standard stream that the caller has
+// closed: the library prints to standard output.
+void OpenStandardStreams() {
+  while (true) {
+    const int file = open("/dev/null", O_RDWR);
+    if (file > STDERR_FILENO) close(file);
+    if (file < 0 || file > STDERR_FILENO) return;
+  }
+}
+
+void FlushOutput() {
+  if (!std::cout.flush() || std::fflush(stdout) != 0) {
+    throw zuqel::tools::WorkError(
+        std::string("standard output cannot be written: ") +
+        std::strerror(errno));
+  }
+}
+
 int Run(int argc, char** argv) {
+  using zuqel::tools::kLargestFile, zuqel::tools::kLargestSide,
+      zuqel::tools::ToText;
   zuqel::tools::Program program(
       "zuqel", "Synthetic shallow depth of field from stereo disparity",
       Version);
@@ -37,7 +66,14 @@ int Run(int argc, char** argv) {
   bool verbose = false;
   options.AddFlag("--verbose", verbose, "Show the library's log and output");
   options.RequireCommand();
-  options.Footer("`zuqel COMMAND --help` has the details and an example.");
+  options.Footer(
+      "Reads files of up to " + std::to_string(kLargestFile >> 20) +
+      " MiB and pictures of up to " + ToText({kLargestSide, kLargestSide}) +
+      " pixels.\n"
+      "Exit code: 0, 2 for bad arguments or inputs, 1 for anything else, such "
+      "as\nan output that cannot be written.\n"
+      "\n"
+      "`zuqel COMMAND --help` has the details and an example.");
   const std::array commands = {
       zuqel::tools::AddRenderCommand(options),
       zuqel::tools::AddRefocusMapCommand(options),
@@ -58,7 +94,11 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
-    return Run(argc, argv);
+    OpenStandardStreams();
+    zuqel::tools::RemoveTemporaryPathsOnSignals();
+    const int exit_code = Run(argc, argv);
+    FlushOutput();
+    return exit_code;
   } catch (const zuqel::tools::InputError& error) {
     return Fail(kExitBadInput, error.what());
   } catch (const std::bad_alloc&) {
