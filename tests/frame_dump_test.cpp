@@ -1,6 +1,7 @@
 // Frame dumps: the files' names and bytes.
 #include "gl/frame_dump.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -85,11 +86,14 @@ TEST_F(FrameDumpTest, FollowsNoLinkAndWaitsForNoPipe) {
   fs::create_symlink(victim, dump(0));
   fs::create_symlink(directory_ / "new", dump(1));
   ASSERT_EQ(mkfifo(dump(2).c_str(), 0600), 0);
-  for (const int focus_x : {0, 1, 2}) {
+  ASSERT_EQ(mkfifo(dump(3).c_str(), 0600), 0);
+  const int reader = open(dump(3).c_str(), O_RDONLY | O_NONBLOCK);
+  for (const int focus_x : {0, 1, 2, 3}) {
     DumpFrame({"raw", 3, 1, 1, "RM"}, {0, focus_x, 0});
     EXPECT_TRUE(fs::remove(dump(focus_x)));
   }
-  EXPECT_EQ(log_.Take(), Lines(3, "*VX* WriteRAW Image Failed!!!"));
+  close(reader);
+  EXPECT_EQ(log_.Take(), Lines(4, "*VX* WriteRAW Image Failed!!!"));
   EXPECT_EQ(NewFiles(), (Files{{"victim", {'k', 'e', 'p', 't'}}}));
 }
 

@@ -126,6 +126,8 @@ TEST_F(HostileFiles, LeavesNothingOnADiskThatItCannotFill) {
     std::string options, reason;
     std::vector<std::string> commands;
   };
+  // Has no input to work on.
+  const std::string idle = "zuqel raw GLRM_2x2_v0.raw -o ";
   const std::string full = "size=4k none box && head -c4096 in1 >box/full",
                     space = "cannot be written: No space left on device";
   const std::vector<Disk> disks = {
@@ -133,14 +135,12 @@ TEST_F(HostileFiles, LeavesNothingOnADiskThatItCannotFill) {
        space,
        {raw_ + "box/o", seal_ + "box/o", render_ + "box/o", series_ + "box/%d",
         series_ + "box/o.y4m"}},
-      // Enough for the first of two frames.
       // Enough for one picture, and for part of a frame.
       {"size=16k none box", space, {series_ + "box/o.y4m", series_ + "box/%d"}},
-      {"nr_inodes=1 none box", space, {raw_ + "box/o", series_ + "box/o%d"}},
+      {"nr_inodes=1 none box", space, {idle + "box/o"}},
       {"ro none box",
        "Read-only file system",
-       {raw_ + "box/o", seal_ + "box/o", series_ + "box/o.y4m",
-        "zuqel demo -o box/o"}},
+       {idle + "box/o", "zuqel demo -o box/o"}},
   };
   const std::string mount = "mount -t tmpfs -o ";
   const Outcome attempt = Shell("unshare -rm " + mount + "size=4k none box");
@@ -174,9 +174,8 @@ TEST_F(HostileFiles, ReplacesLinksAndKeepsPermissions) {
       {"umask 0; " + raw_ + "o >&2" + mode, "666\n"},
       {"touch o; chmod 4604 o; " + raw_ + "o >&2" + mode, "604\n"},
       {"touch o; chmod 444 o; umask 077; " + seal_ + "o >&2" + mode, "444\n"},
-      // A closed standard output is no file for the library to print into.
-      {series_ + "1.y4m >&-; " + series_ + "2.y4m; cmp 1.y4m 2.y4m || ls",
-       "wrote 2.y4m (128x96, 2 frames)\n"},
+      // No file takes the place of a standard stream that is closed.
+      {raw_ + "o >&- && echo done; rm o", "done\n"},
   };
   for (const auto& [script, end] : cases) {
     const Outcome outcome = Shell(script);
