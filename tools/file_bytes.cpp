@@ -47,7 +47,7 @@ class InputFile {
   }
 
   // Returns the number of bytes; less than the target's only at the end.
-  size_t Read(std::span<uint8_t> target) const {
+  [[nodiscard]] size_t Read(std::span<uint8_t> target) const {
     size_t done = 0;
     while (done < target.size()) {
       const ssize_t count =

@@ -92,18 +92,17 @@ void OutputFiles::Write(const std::string& path, const Bytes& bytes) {
 
 PendingFile& OutputFiles::Begin(const std::string& path,
                                 const std::string& size) {
-  written_.push_back({std::make_unique<PendingFile>(path), size});
-  return *written_.back().file;
+  return written_.emplace_back(path, size).file;
 }
 
 void OutputFiles::Commit() {
-  for (const Written& written : written_) written.file->Close();
-  for (const Written& written : written_) {
-    written.file->Commit();
+  for (Written& written : written_) written.file.Close();
+  for (Written& written : written_) {
+    written.file.Commit();
     if (created_folder_) created_folder_->Keep();
   }
   for (const Written& written : written_) {
-    std::printf("wrote %s (%s)\n", written.file->target().c_str(),
+    std::printf("wrote %s (%s)\n", written.file.target().c_str(),
                 written.size.c_str());
   }
   written_.clear();

@@ -4,11 +4,11 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <memory>
+#include <list>
 #include <optional>
 #include <set>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "file_bytes.h"
 #include "image.h"
@@ -45,13 +45,16 @@ class OutputFiles {
 
  private:
   struct Written {
-    std::unique_ptr<PendingFile> file;
+    Written(const std::string& path, std::string text)
+        : file(path), size(std::move(text)) {}
+
+    PendingFile file;
     std::string size;
   };
 
   std::set<std::filesystem::path> announced_, folders_;
   std::optional<TemporaryPath> created_folder_;  // outlives the files in it
-  std::vector<Written> written_;
+  std::list<Written> written_;
 };
 
 }  // namespace zuqel::tools

@@ -67,13 +67,13 @@ PendingFile::PendingFile(std::string target) : target_(std::move(target)) {
   if (permissions && fchmod(file, *permissions) != 0) Fail();
 }
 
-void PendingFile::Write(std::span<const uint8_t> bytes) {
+void PendingFile::Write(std::span<const uint8_t> bytes) const {
   if (std::fwrite(bytes.data(), 1, bytes.size(), stream()) != bytes.size()) {
     Fail();
   }
 }
 
-void PendingFile::Write(const std::string& text) {
+void PendingFile::Write(const std::string& text) const {
   if (std::fputs(text.c_str(), stream()) == EOF) Fail();
 }
 

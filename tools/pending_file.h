@@ -26,8 +26,8 @@ class PendingFile {
   // For a writer that takes one; null after Close.
   [[nodiscard]] std::FILE* stream() const { return stream_.get(); }
 
-  void Write(std::span<const uint8_t> bytes);
-  void Write(const std::string& text);
+  void Write(std::span<const uint8_t> bytes) const;
+  void Write(const std::string& text) const;
 
   // Has everything on the disk. May be called again.
   void Close();

@@ -1,9 +1,9 @@
 // What a command has made and must not leave behind.
 #include "temporary_path.h"
 
-#include <signal.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <utility>
 
 namespace zuqel::tools {
@@ -27,7 +27,7 @@ void RemoveAll(int signal_number) {
        entry = entry->older) {
     Remove(*entry);
   }
-  raise(signal_number);
+  static_cast<void>(raise(signal_number));
 }
 
 }  // namespace
@@ -54,7 +54,7 @@ void RemoveTemporaryPathsOnSignals() {
     sigaction(number, &action, nullptr);
   }
   // A write past the limit fails instead.
-  signal(SIGXFSZ, SIG_IGN);
+  static_cast<void>(std::signal(SIGXFSZ, SIG_IGN));
 }
 
 }  // namespace zuqel::tools
