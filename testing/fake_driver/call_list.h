@@ -33,7 +33,6 @@
   ROW(glBindVertexArray, true)            \
   ROW(glBlendFunc, true)                  \
   ROW(glBufferData, true)                 \
-  ROW(glCheckFramebufferStatus, true)     \
   ROW(glClear, true)                      \
   ROW(glClearColor, true)                 \
   ROW(glColorMask, true)                  \
@@ -46,10 +45,10 @@
   ROW(glDeleteRenderbuffers, false)       \
   ROW(glDeleteShader, false)              \
   ROW(glDeleteTextures, false)            \
+  ROW(glDepthFunc, true)                  \
   ROW(glDetachShader, true)               \
   ROW(glDisable, true)                    \
   ROW(glDisableVertexAttribArray, true)   \
-  ROW(glDrawArrays, true)                 \
   ROW(glDrawElements, true)               \
   ROW(glEGLImageTargetTexture2DOES, true) \
   ROW(glEnable, true)                     \
@@ -68,10 +67,7 @@
   ROW(glGetError, false)                  \
   ROW(glGetIntegerv, true)                \
   ROW(glGetProgramBinaryOES, true)        \
-  ROW(glGetProgramInfoLog, true)          \
   ROW(glGetProgramiv, true)               \
-  ROW(glGetShaderInfoLog, true)           \
-  ROW(glGetShaderiv, true)                \
   ROW(glGetString, true)                  \
   ROW(glGetUniformLocation, true)         \
   ROW(glGetVertexAttribPointerv, true)    \

@@ -1,56 +1,91 @@
-// The way into a context, and where its draws and reads go.
+// A context's state, and what it says of itself.
 #include "fake_driver/context.h"
+
+#include <GLES2/gl2.h>
+#include <GLES2/gl2ext.h>
+
+#include <algorithm>
+#include <sstream>
 
 namespace zuqel::fake_driver {
 
 Context* Enter(Call call) {
   const bool fails = Fails(call);
-  if (current_context == nullptr) {
-    NoteMisuse(call, "no context is current");
-    return nullptr;
-  }
-  if (!fails) return current_context;
-  if (current_context->error == GL_NO_ERROR) {
-    current_context->error = GL_OUT_OF_MEMORY;
-  }
+  Context* const context = current_context;
+  if (context == nullptr) NoteMisuse(call, "no context is current");
+  if (context == nullptr || !fails) return context;
+  if (context->error == GL_NO_ERROR) context->error = GL_OUT_OF_MEMORY;
   return nullptr;
 }
 
-Image* Context::Target(Call call) {
-  Image* const target = CompleteTarget();
-  if (target == nullptr) Fault(call, GL_INVALID_FRAMEBUFFER_OPERATION);
-  return target;
+Context::Context(int client_version)
+    : version(client_version),
+      values({{GL_ACTIVE_TEXTURE, GL_TEXTURE0},
+              {GL_ARRAY_BUFFER_BINDING, 0},
+              {GL_BLEND, 0},
+              {GL_BLEND_DST_RGB, GL_ZERO},
+              {GL_BLEND_SRC_RGB, GL_ONE},
+              {GL_CULL_FACE, 0},
+              {GL_CURRENT_PROGRAM, 0},
+              {GL_DEPTH_FUNC, GL_LESS},
+              {GL_DEPTH_TEST, 0},
+              {GL_ELEMENT_ARRAY_BUFFER_BINDING, 0},
+              {GL_FRAMEBUFFER_BINDING, 0},
+              {GL_MAX_RENDERBUFFER_SIZE, kLargestSide},
+              {GL_MAX_TEXTURE_SIZE, kLargestSide},
+              {GL_NUM_PROGRAM_BINARY_FORMATS_OES, 1},
+              {GL_PACK_ALIGNMENT, 4},
+              {GL_PROGRAM_BINARY_FORMATS_OES, GLint{kOwnBinaryFormat}},
+              {GL_RENDERBUFFER_BINDING, 0},
+              {GL_SCISSOR_TEST, 0},
+              {GL_UNPACK_ALIGNMENT, 4}}) {
+  if (version < 3) return;
+  for (const GLenum name :
+       {GL_PACK_ROW_LENGTH, GL_PACK_SKIP_PIXELS, GL_PACK_SKIP_ROWS,
+        GL_PIXEL_PACK_BUFFER_BINDING, GL_PIXEL_UNPACK_BUFFER_BINDING,
+        GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_ROWS,
+        GL_VERTEX_ARRAY_BINDING}) {
+    values[name] = 0;
+  }
 }
 
-Image* Context::CompleteTarget() const {
-  if (framebuffer == 0) return surface.get();
-  const auto object = framebuffers.Find(framebuffer);
+Context::~Context() {
+  std::ostringstream text;
+  const auto add = [&](size_t count, const char* kind) {
+    if (count != 0) text << ", " << count << " " << kind;
+  };
+  add(textures.size(), "textures");
+  add(renderbuffers.size(), "renderbuffers");
+  add(framebuffers.size(), "framebuffers");
+  add(shaders.size(), "shaders");
+  add(programs.size(), "programs");
+  if (!text.str().empty()) NoteAbandoned(text.str().substr(2));
+}
+
+Image* Context::Target(Call call) {
   const auto has_pixels = [](const std::shared_ptr<Texture>& attached) {
-    return attached->image && attached->image->width > 0 &&
+    return attached && attached->image && attached->image->width > 0 &&
            attached->image->height > 0;
   };
-  if (!object->colour || !has_pixels(object->colour)) return nullptr;
-  Image* const image = object->colour->image.get();
-  if (object->depth && (!has_pixels(object->depth) ||
-                        object->depth->image->width != image->width ||
-                        object->depth->image->height != image->height)) {
-    return nullptr;
+  const auto bound = framebuffers.Find(Name(GL_FRAMEBUFFER_BINDING));
+  if (!bound && surface) return surface.get();
+  if (bound && has_pixels(bound->colour)) {
+    Image* const image = bound->colour->image.get();
+    if (!bound->depth || (has_pixels(bound->depth) &&
+                          bound->depth->image->width == image->width &&
+                          bound->depth->image->height == image->height)) {
+      return image;
+    }
   }
-  return image;
-}
-
-GLuint Context::BoundBuffer(GLenum target) const {
-  if (target == GL_ELEMENT_ARRAY_BUFFER) return vertex_array->element_buffer;
-  const auto found = bound_buffers.find(target);
-  return found == bound_buffers.end() ? 0 : found->second;
+  Fault(call, GL_INVALID_FRAMEBUFFER_OPERATION);
+  return nullptr;
 }
 
 const uint8_t* Context::BytesAt(Call call, GLuint buffer, const void* pointer,
                                 size_t count) const {
   static constexpr uint8_t kNothing = 0;
   if (count == 0) return &kNothing;
-  if (buffer == 0) {
-    if (pointer == nullptr) NoteMisuse(call, "reads at a null pointer");
+  if (buffer == 0 && pointer != nullptr) {
     return static_cast<const uint8_t*>(pointer);
   }
   const auto bytes = buffers.Find(buffer);
@@ -62,4 +97,112 @@ const uint8_t* Context::BytesAt(Call call, GLuint buffer, const void* pointer,
   return bytes->data() + offset;
 }
 
+namespace {
+
+void Switch(Call call, Context& c, GLenum name, bool is_on) {
+  const bool is_switch = name == GL_BLEND || name == GL_SCISSOR_TEST ||
+                         name == GL_DEPTH_TEST || name == GL_CULL_FACE;
+  if (!is_switch) return c.Fault(call, GL_INVALID_ENUM);
+  c.values[name] = is_on ? 1 : 0;
+}
+
+}  // namespace
 }  // namespace zuqel::fake_driver
+
+using namespace zuqel::fake_driver;
+
+void glEnable(GLenum name) {
+  ZUQEL_ENTER(glEnable);
+  Switch(kCall, c, name, true);
+}
+
+void glDisable(GLenum name) {
+  ZUQEL_ENTER(glDisable);
+  Switch(kCall, c, name, false);
+}
+
+GLboolean glIsEnabled(GLenum name) {
+  ZUQEL_ENTER(glIsEnabled, GL_FALSE);
+  return c.Value(name) != 0 ? GL_TRUE : GL_FALSE;
+}
+
+void glPixelStorei(GLenum name, GLint value) {
+  ZUQEL_ENTER(glPixelStorei);
+  ZUQEL_REQUIRE(c.values.contains(name), GL_INVALID_ENUM);
+  c.values[name] = value;
+}
+
+void glColorMask(GLboolean red, GLboolean green, GLboolean blue,
+                 GLboolean alpha) {
+  ZUQEL_ENTER(glColorMask);
+  c.colour_mask = {red, green, blue, alpha};
+}
+
+void glBlendFunc(GLenum source, GLenum target) {
+  ZUQEL_ENTER(glBlendFunc);
+  c.values[GL_BLEND_SRC_RGB] = static_cast<GLint>(source);
+  c.values[GL_BLEND_DST_RGB] = static_cast<GLint>(target);
+}
+
+void glClearColor(GLfloat red, GLfloat green, GLfloat blue, GLfloat alpha) {
+  ZUQEL_ENTER(glClearColor);
+  c.clear_colour = {red, green, blue, alpha};
+}
+
+void glDepthFunc(GLenum function) {
+  ZUQEL_ENTER(glDepthFunc);
+  c.values[GL_DEPTH_FUNC] = static_cast<GLint>(function);
+}
+
+void glViewport(GLint x, GLint y, GLsizei width, GLsizei height) {
+  ZUQEL_ENTER(glViewport);
+  ZUQEL_REQUIRE(width >= 0 && height >= 0, GL_INVALID_VALUE);
+  c.viewport = {x, y, std::min(width, kLargestSide),
+                std::min(height, kLargestSide)};
+}
+
+void glScissor(GLint x, GLint y, GLsizei width, GLsizei height) {
+  ZUQEL_ENTER(glScissor);
+  c.scissor = {x, y, width, height};
+}
+
+void glFlush() {
+  ZUQEL_ENTER(glFlush);
+}
+
+void glFinish() {
+  ZUQEL_ENTER(glFinish);
+}
+
+GLenum glGetError() {
+  ZUQEL_ENTER(glGetError, GL_NO_ERROR);
+  return std::exchange(c.error, GL_NO_ERROR);
+}
+
+const GLubyte* glGetString(GLenum name) {
+  ZUQEL_ENTER(glGetString, nullptr);
+  const char* text = "fake driver";
+  if (name == GL_EXTENSIONS) text = "";
+  if (name == GL_VERSION) {
+    text = c.version < 3 ? "OpenGL ES 2.0 fake" : "OpenGL ES 3.0 fake";
+  }
+  return reinterpret_cast<const GLubyte*>(text);
+}
+
+void glGetBooleanv(GLenum name, GLboolean* values) {
+  ZUQEL_ENTER(glGetBooleanv);
+  ZUQEL_REQUIRE(name == GL_COLOR_WRITEMASK, GL_INVALID_ENUM);
+  std::copy(c.colour_mask.begin(), c.colour_mask.end(), values);
+}
+
+void glGetIntegerv(GLenum name, GLint* values) {
+  ZUQEL_ENTER(glGetIntegerv);
+  if (name == GL_VIEWPORT) {
+    std::copy(c.viewport.begin(), c.viewport.end(), values);
+  } else if (name == GL_TEXTURE_BINDING_2D) {
+    *values = static_cast<GLint>(c.ActiveUnit());
+  } else {
+    ZUQEL_REQUIRE(c.values.contains(name), GL_INVALID_ENUM);
+    *values = c.values[name];
+  }
+}

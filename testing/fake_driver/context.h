@@ -5,12 +5,12 @@
 #include <GLES3/gl3.h>
 
 #include <array>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "fake_driver/calls.h"
@@ -19,6 +19,9 @@ namespace zuqel::fake_driver {
 
 inline constexpr GLint kLargestSide = 8192;
 inline constexpr GLenum kOwnBinaryFormat = 0xFA4E;
+
+// Values by the name that GL has for each.
+using Values = std::map<GLenum, GLint>;
 
 // Pixels. Two textures share them where one was made of the other's EGL image.
 struct Image {
@@ -32,10 +35,10 @@ struct Image {
 // A renderbuffer is one that nobody samples.
 struct Texture {
   std::shared_ptr<Image> image;
-  GLint min_filter = GL_NEAREST_MIPMAP_LINEAR;
-  GLint mag_filter = GL_LINEAR;
-  GLint wrap_s = GL_REPEAT;
-  GLint wrap_t = GL_REPEAT;
+  Values values = {{GL_TEXTURE_MIN_FILTER, GL_NEAREST_MIPMAP_LINEAR},
+                   {GL_TEXTURE_MAG_FILTER, GL_LINEAR},
+                   {GL_TEXTURE_WRAP_S, GL_REPEAT},
+                   {GL_TEXTURE_WRAP_T, GL_REPEAT}};
 };
 
 struct Framebuffer {
@@ -50,8 +53,7 @@ struct Shader {
 
 // An input that the program uses.
 struct ProgramInput {
-  std::string name;
-  std::string type;
+  std::string name, type;
   GLint location = 0;
   std::array<GLfloat, 16> value = {};
   GLint integer = 0;
@@ -67,20 +69,20 @@ struct Program {
 };
 
 struct VertexAttribute {
-  GLint is_enabled = 0;
-  GLint size = 4;
-  GLint type = GL_FLOAT;
-  GLint is_normalised = 0;
-  GLint stride = 0;
-  GLint is_integer = 0;
-  GLint divisor = 0;
-  GLuint buffer = 0;
+  Values values = {{GL_VERTEX_ATTRIB_ARRAY_ENABLED, 0},
+                   {GL_VERTEX_ATTRIB_ARRAY_SIZE, 4},
+                   {GL_VERTEX_ATTRIB_ARRAY_TYPE, GL_FLOAT},
+                   {GL_VERTEX_ATTRIB_ARRAY_NORMALIZED, 0},
+                   {GL_VERTEX_ATTRIB_ARRAY_STRIDE, 0},
+                   {GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING, 0},
+                   {GL_VERTEX_ATTRIB_ARRAY_INTEGER, 0},
+                   {GL_VERTEX_ATTRIB_ARRAY_DIVISOR, 0}};
   const void* pointer = nullptr;
 };
 
 struct VertexArray {
   std::array<VertexAttribute, 8> attributes;
-  GLuint element_buffer = 0;
+  GLint element_buffer = 0;  // while it is not bound
 };
 
 using Bytes = std::vector<uint8_t>;
@@ -94,7 +96,7 @@ class Objects {
   Objects& operator=(const Objects&) = delete;
   ~Objects() { living.names.Add(-static_cast<int>(objects_.size())); }
 
-  GLuint Make(T object = std::make_shared<typename T::element_type>()) {
+  GLuint Make(std::shared_ptr<T> object = std::make_shared<T>()) {
     static Counter last_name;
     living.names.Add(1);
     const auto name = static_cast<GLuint>(last_name.Add(1));
@@ -102,9 +104,16 @@ class Objects {
     return name;
   }
   // Null where there is no such object here.
-  T Find(GLuint name) const {
+  std::shared_ptr<T> Find(GLuint name) const {
     const auto found = objects_.find(name);
-    return found == objects_.end() ? T() : found->second;
+    return found == objects_.end() ? nullptr : found->second;
+  }
+  // True for 0 too. Otherwise notes it: GL would pass over a deletion, and
+  // would make an object of a name that nobody generated.
+  bool Has(Call call, GLuint name) const {
+    if (name == 0 || objects_.contains(name)) return true;
+    NoteMisuse(call, "no such name in this context");
+    return false;
   }
   bool Erase(GLuint name) {
     const bool was_here = objects_.erase(name) == 1;
@@ -114,41 +123,32 @@ class Objects {
   [[nodiscard]] size_t size() const { return objects_.size(); }
 
  private:
-  std::map<GLuint, T> objects_;
+  std::map<GLuint, std::shared_ptr<T>> objects_;
 };
-template <typename T>
-using SharedObjects = Objects<std::shared_ptr<T>>;
 
 struct Context {
-  explicit Context(int client_version) : version(client_version) {}
+  explicit Context(int client_version);
+  ~Context();
+  Context(const Context&) = delete;
+  Context& operator=(const Context&) = delete;
 
-  // Objects without one are of the context itself, by the name 0.
-  SharedObjects<Texture> textures, renderbuffers;
-  SharedObjects<Framebuffer> framebuffers;
-  SharedObjects<Shader> shaders;
-  SharedObjects<Program> programs;
-  SharedObjects<Bytes> buffers;
-  SharedObjects<VertexArray> vertex_arrays;
+  Objects<Texture> textures, renderbuffers;
+  Objects<Framebuffer> framebuffers;
+  Objects<Shader> shaders;
+  Objects<Program> programs;
+  Objects<Bytes> buffers;
+  Objects<VertexArray> vertex_arrays;
 
   int version;
   GLenum error = GL_NO_ERROR;
-  std::shared_ptr<Image> surface;  // null where none is current
-
+  std::shared_ptr<Image> surface;    // null where none is current
+  Values values;                     // that glGetIntegerv knows
   std::array<GLuint, 8> units = {};  // the texture bound to each
   std::shared_ptr<Texture> default_texture = std::make_shared<Texture>();
-  size_t active_unit = 0;
-  GLuint framebuffer = 0, renderbuffer = 0;
-  GLuint program_name = 0;
   std::shared_ptr<Program> program;  // in use, be its name deleted or not
-  GLuint vertex_array_name = 0;
-  std::shared_ptr<VertexArray> vertex_array = std::make_shared<VertexArray>();
-  std::shared_ptr<VertexArray> default_vertex_array = vertex_array;
-  std::map<GLenum, GLuint> bound_buffers;  // but for elements
-
-  std::map<GLenum, GLint> pixel_store = {{GL_PACK_ALIGNMENT, 4},
-                                         {GL_UNPACK_ALIGNMENT, 4}};
-  std::map<GLenum, bool> switches;
-  std::array<GLint, 2> blend_factors = {GL_ONE, GL_ZERO};
+  std::shared_ptr<VertexArray> default_vertex_array =
+      std::make_shared<VertexArray>();
+  std::shared_ptr<VertexArray> vertex_array = default_vertex_array;
   std::array<GLint, 4> viewport = {}, scissor = {};
   std::array<GLboolean, 4> colour_mask = {1, 1, 1, 1};
   std::array<GLfloat, 4> clear_colour = {};
@@ -158,25 +158,20 @@ struct Context {
     if (error == GL_NO_ERROR) error = code;
     NoteError(call, code);
   }
-
-  // The texture bound to a unit; null for a name that is none.
-  [[nodiscard]] std::shared_ptr<Texture> TextureOf(size_t unit) const {
-    return units[unit] == 0 ? default_texture : textures.Find(units[unit]);
+  [[nodiscard]] GLuint Name(GLenum binding) const {
+    return static_cast<GLuint>(Value(binding));
   }
-  // What draws go to; null where it is not complete, with an error for a call.
-  [[nodiscard]] Image* CompleteTarget() const;
+  [[nodiscard]] GLint Value(GLenum name) const {
+    const auto found = values.find(name);
+    return found == values.end() ? 0 : found->second;
+  }
+  GLuint& ActiveUnit() { return units[Name(GL_ACTIVE_TEXTURE) - GL_TEXTURE0]; }
+  [[nodiscard]] Texture& TextureOf(GLuint unit) const {
+    return unit == 0 ? *default_texture : *textures.Find(unit);
+  }
+  // What draws go to; null, with an error, where it is not complete.
   Image* Target(Call call);
-
-  [[nodiscard]] bool IsOn(GLenum name) const {
-    const auto found = switches.find(name);
-    return found != switches.end() && found->second;
-  }
-  [[nodiscard]] GLint PixelStore(GLenum name) const {
-    const auto found = pixel_store.find(name);
-    return found == pixel_store.end() ? 0 : found->second;
-  }
-  [[nodiscard]] GLuint BoundBuffer(GLenum target) const;
-  // `count` bytes at an address, or at an offset in the buffer; null, noted,
+  // `count` bytes at an address, or at an offset in a buffer; null, noted,
   // where they are not all in it.
   [[nodiscard]] const uint8_t* BytesAt(Call call, GLuint buffer,
                                        const void* pointer, size_t count) const;
@@ -196,7 +191,7 @@ Context* Enter(Call call);
   [[maybe_unused]] Context& c = *entered;     \
   [[maybe_unused]] constexpr Call kCall = Call::call
 
-// The same for a call that has only succeeded where `condition` holds.
+// An error, where `condition` does not hold.
 #define ZUQEL_REQUIRE(condition, code, ...) \
   if (!(condition)) {                       \
     c.Fault(kCall, code);                   \

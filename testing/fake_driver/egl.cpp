@@ -1,15 +1,15 @@
-// Displays, contexts, surfaces and images.
+// One display with its contexts, surfaces and images.
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 #include <GLES2/gl2.h>
 #include <GLES2/gl2ext.h>
+#include <GLES3/gl3.h>
 
-#include <sstream>
+#include <atomic>
+#include <cstdlib>
 #include <string_view>
-#include <utility>
 
 #include "fake_driver/context.h"
-#include "fake_driver/extension_calls.h"
 
 namespace zuqel::fake_driver {
 
@@ -19,163 +19,110 @@ namespace {
 
 constexpr auto kRelaxed = std::memory_order_relaxed;
 
-// The address of each is a handle; of display and config for good.
+// The address of each is a handle; of display and config for good, of the
+// others until they come round again.
 char the_display, the_config;
+std::array<char, size_t{1} << 22> handle_space;
+Counter handles_made;
 std::atomic<bool> is_initialised{false};
 thread_local EGLint last_error = EGL_SUCCESS;
 
-// Handles come round again after this many.
-std::array<char, size_t{1} << 22> handle_space;
-Counter handles_made;
+enum class Kind { kContext, kSurface, kImage };
 
-// What a handle stands for, destroyed when it is neither wanted nor current.
-struct Handled {
-  static constexpr int kCurrent = 1, kUnwanted = 2;
-  std::atomic<int> state{0};
-};
-
-struct EglContext : Handled {
-  explicit EglContext(int version) : context(version) {}
-  Context context;
-};
-
-struct EglSurface : Handled {
+// What a handle stands for.
+struct Object {
+  Kind kind;
+  std::unique_ptr<Context> context;
   std::shared_ptr<Image> image;
+  std::atomic<int> uses{1};  // its handle, and threads that it is current on
 };
 
-struct EglImage : Handled {
-  std::shared_ptr<Image> image;
+Counter& LivingOf(Kind kind) {
+  if (kind == Kind::kContext) return living.contexts;
+  return kind == Kind::kSurface ? living.surfaces : living.images;
+}
+
+void EndUse(Object* object) {
+  if (object == nullptr || object->uses.fetch_sub(1) > 1) return;
+  LivingOf(object->kind).Add(-1);
+  delete object;
+}
+
+// Without a lock: who passes a handle on to another thread has to order that.
+struct Slot {
+  std::atomic<void*> handle{nullptr};
+  std::atomic<Object*> object{nullptr};
 };
+std::array<Slot, 64> slots;
 
-void NoteNames(const Context& context) {
-  std::ostringstream text;
-  const auto add = [&](size_t count, const char* kind) {
-    if (count == 0) return;
-    text << (text.tellp() == 0 ? "" : ", ") << count << " " << kind;
-  };
-  add(context.textures.size(), "textures");
-  add(context.renderbuffers.size(), "renderbuffers");
-  add(context.framebuffers.size(), "framebuffers");
-  add(context.shaders.size(), "shaders");
-  add(context.programs.size(), "programs");
-  add(context.buffers.size(), "buffers");
-  if (text.tellp() != 0) NoteAbandoned(text.str());
-}
-
-void Delete(EglContext* context) {
-  NoteNames(context->context);
-  delete context;
-  living.contexts.Add(-1);
-}
-void Delete(EglSurface* surface) {
-  delete surface;
-  living.surfaces.Add(-1);
-}
-void Delete(EglImage* image) {
-  delete image;
-  living.images.Add(-1);
-}
-
-template <typename T>
-void Unwant(T* object) {
-  const int before = object->state.fetch_or(Handled::kUnwanted);
-  if ((before & Handled::kCurrent) == 0) Delete(object);
-}
-
-template <typename T>
-void EndCurrent(T* object) {
-  const int before = object->state.fetch_and(~Handled::kCurrent);
-  if ((before & Handled::kUnwanted) != 0) Delete(object);
-}
-
-// Objects by handle, without a lock: who passes a handle on to another thread
-// has to order that.
-template <typename T>
-class Handles {
- public:
-  void* Add(T* object) {
-    void* const handle =
-        &handle_space[static_cast<size_t>(handles_made.Add(1)) %
-                      handle_space.size()];
-    for (Slot& slot : slots_) {
-      T* unused = nullptr;
-      if (!slot.object.compare_exchange_strong(unused, object, kRelaxed)) {
-        continue;
-      }
-      slot.handle.store(handle, kRelaxed);
-      return handle;
+void* MakeHandle(Object* object) {
+  LivingOf(object->kind).Add(1);
+  const auto number = static_cast<size_t>(handles_made.Add(1));
+  for (Slot& slot : slots) {
+    Object* unused = nullptr;
+    if (!slot.object.compare_exchange_strong(unused, object, kRelaxed)) {
+      continue;
     }
-    std::abort();
+    slot.handle.store(&handle_space[number % handle_space.size()], kRelaxed);
+    return slot.handle.load(kRelaxed);
   }
-  T* Find(const void* handle) {
-    for (Slot& slot : slots_) {
-      if (handle != nullptr && slot.handle.load(kRelaxed) == handle) {
-        return slot.object.load(kRelaxed);
-      }
-    }
-    return nullptr;
-  }
-  // Null where it is not here.
-  T* Remove(const void* handle) {
-    for (Slot& slot : slots_) {
-      if (handle == nullptr || slot.handle.load(kRelaxed) != handle) continue;
-      slot.handle.store(nullptr, kRelaxed);
-      return slot.object.exchange(nullptr, kRelaxed);
-    }
-    return nullptr;
-  }
-  // Those that were left.
-  int RemoveAll() {
-    int count = 0;
-    for (Slot& slot : slots_) {
-      slot.handle.store(nullptr, kRelaxed);
-      T* const object = slot.object.exchange(nullptr, kRelaxed);
-      if (object == nullptr) continue;
-      Unwant(object);
-      ++count;
-    }
-    return count;
-  }
+  std::abort();
+}
 
- private:
-  struct Slot {
-    std::atomic<void*> handle{nullptr};
-    std::atomic<T*> object{nullptr};
-  };
-  std::array<Slot, 64> slots_;
-};
+Slot* SlotOf(const void* handle, Kind kind) {
+  for (Slot& slot : slots) {
+    if (handle == nullptr || slot.handle.load(kRelaxed) != handle) continue;
+    return slot.object.load(kRelaxed)->kind == kind ? &slot : nullptr;
+  }
+  return nullptr;
+}
 
-Handles<EglContext> contexts;
-Handles<EglSurface> surfaces;
-Handles<EglImage> images;
+// Null for a handle that is none of the kind.
+Object* Find(const void* handle, Kind kind) {
+  const Slot* slot = SlotOf(handle, kind);
+  return slot == nullptr ? nullptr : slot->object.load(kRelaxed);
+}
+
+Object* Empty(Slot& slot) {
+  slot.handle.store(nullptr, kRelaxed);
+  return slot.object.exchange(nullptr, kRelaxed);
+}
 
 // What is current on this thread.
 struct Current {
   EGLContext handle = EGL_NO_CONTEXT;
-  EglContext* context = nullptr;
+  Object* context = nullptr;
   EGLSurface surface_handle = EGL_NO_SURFACE;
-  EglSurface* surface = nullptr;
+  Object* surface = nullptr;
 };
 thread_local Current current;
 
 // Counts a call. True if it goes on; else its error is set.
-bool EnterEgl(Call call, EGLint error_when_failing = EGL_BAD_ALLOC) {
+bool EnterEgl(Call call) {
   const bool fails = Fails(call);
-  last_error = fails ? error_when_failing : EGL_SUCCESS;
+  last_error = fails ? EGL_BAD_ALLOC : EGL_SUCCESS;
   return !fails;
 }
 
-template <typename Result>
-Result EglFault(Call call, EGLint code, Result result) {
+// Gives what the call gives, a null handle or EGL_FALSE, with an error.
+struct Nothing {
+  operator EGLBoolean() const { return EGL_FALSE; }
+  operator void*() const { return nullptr; }
+};
+Nothing EglFault(Call call, EGLint code) {
   last_error = code;
   NoteError(call, static_cast<unsigned>(code));
-  return result;
+  return {};
 }
 
-bool IsReady(Call call, EGLDisplay display) {
-  if (display != &the_display) return EglFault(call, EGL_BAD_DISPLAY, false);
-  if (!is_initialised.load(kRelaxed)) {
-    return EglFault(call, EGL_NOT_INITIALIZED, false);
+// Enters a call on the display, with the given error where `condition` does not
+// hold.
+bool EnterDisplay(Call call, EGLDisplay display,
+                  bool needs_initialised = true) {
+  if (!EnterEgl(call)) return false;
+  if (display != &the_display) return EglFault(call, EGL_BAD_DISPLAY);
+  if (needs_initialised && !is_initialised.load(kRelaxed)) {
+    return EglFault(call, EGL_NOT_INITIALIZED);
   }
   return true;
 }
@@ -187,59 +134,46 @@ EGLint AttributeOf(const EGLint* attributes, EGLint name, EGLint absent) {
   return absent;
 }
 
-template <typename T>
-EGLBoolean Destroy(Call call, EGLDisplay display, Handles<T>& handles,
-                   const void* handle, EGLint code) {
-  if (!EnterEgl(call)) return EGL_FALSE;
-  if (!IsReady(call, display)) return EGL_FALSE;
-  T* const object = handles.Remove(handle);
-  if (object == nullptr) return EglFault(call, code, EGLBoolean{EGL_FALSE});
-  Unwant(object);
+EGLBoolean Destroy(Call call, EGLDisplay display, const void* handle, Kind kind,
+                   EGLint code) {
+  if (!EnterDisplay(call, display)) return EGL_FALSE;
+  Slot* const slot = SlotOf(handle, kind);
+  if (slot == nullptr) return EglFault(call, code);
+  EndUse(Empty(*slot));
   return EGL_TRUE;
 }
 
-EGLDisplay GivePlatformDisplay(EGLenum, void*, const EGLint*) {
+EGLDisplay GetPlatformDisplay(EGLenum, void*, const EGLint*) {
   return EnterEgl(Call::eglGetPlatformDisplay) ? &the_display : EGL_NO_DISPLAY;
 }
 
 // Of textures of the current context only.
-EGLImageKHR CreateImage(EGLDisplay display, EGLContext handle, EGLenum target,
+EGLImageKHR CreateImage(EGLDisplay display, EGLContext context, EGLenum target,
                         EGLClientBuffer buffer, const EGLint*) {
   constexpr Call kCall = Call::eglCreateImageKHR;
-  if (!EnterEgl(kCall) || !IsReady(kCall, display)) return EGL_NO_IMAGE_KHR;
-  if (handle == EGL_NO_CONTEXT || handle != current.handle) {
-    return EglFault(kCall, EGL_BAD_CONTEXT, EGL_NO_IMAGE_KHR);
+  if (!EnterDisplay(kCall, display)) return EGL_NO_IMAGE_KHR;
+  if (context == EGL_NO_CONTEXT || context != current.handle) {
+    return EglFault(kCall, EGL_BAD_CONTEXT);
   }
-  const auto name = reinterpret_cast<uintptr_t>(buffer);
-  const auto texture =
-      current_context->textures.Find(static_cast<GLuint>(name));
+  const auto name = static_cast<GLuint>(reinterpret_cast<uintptr_t>(buffer));
+  const auto texture = current_context->textures.Find(name);
   if (target != EGL_GL_TEXTURE_2D_KHR || !texture || !texture->image) {
-    return EglFault(kCall, EGL_BAD_PARAMETER, EGL_NO_IMAGE_KHR);
+    return EglFault(kCall, EGL_BAD_PARAMETER);
   }
-  living.images.Add(1);
-  return images.Add(new EglImage{{}, texture->image});
+  return MakeHandle(new Object{Kind::kImage, nullptr, texture->image});
 }
 
 EGLBoolean DestroyImage(EGLDisplay display, EGLImageKHR image) {
-  return Destroy(Call::eglDestroyImageKHR, display, images, image,
+  return Destroy(Call::eglDestroyImageKHR, display, image, Kind::kImage,
                  EGL_BAD_PARAMETER);
 }
 
-void ImageTargetTexture(GLenum target, GLeglImageOES handle) {
+void ImageTargetTexture(GLenum, GLeglImageOES handle) {
   ZUQEL_ENTER(glEGLImageTargetTexture2DOES);
-  const EglImage* const image = images.Find(handle);
-  const auto texture = c.TextureOf(c.active_unit);
-  ZUQEL_REQUIRE(target == GL_TEXTURE_2D, GL_INVALID_ENUM);
+  const Object* const image = Find(handle, Kind::kImage);
   ZUQEL_REQUIRE(image != nullptr, GL_INVALID_VALUE);
-  if (texture) texture->image = image->image;
+  c.TextureOf(c.ActiveUnit()).image = image->image;
 }
-
-using AnyFunction = __eglMustCastToProperFunctionPointerType;
-
-struct Extension {
-  std::string_view name;
-  AnyFunction function;
-};
 
 }  // namespace
 }  // namespace zuqel::fake_driver
@@ -251,15 +185,11 @@ EGLDisplay eglGetDisplay(EGLNativeDisplayType) {
 }
 
 EGLDisplay eglGetPlatformDisplay(EGLenum, void*, const EGLAttrib*) {
-  return GivePlatformDisplay(0, nullptr, nullptr);
+  return GetPlatformDisplay(0, nullptr, nullptr);
 }
 
 EGLBoolean eglInitialize(EGLDisplay display, EGLint* major, EGLint* minor) {
-  constexpr Call kCall = Call::eglInitialize;
-  if (!EnterEgl(kCall, EGL_NOT_INITIALIZED)) return EGL_FALSE;
-  if (display != &the_display) {
-    return EglFault(kCall, EGL_BAD_DISPLAY, EGLBoolean{EGL_FALSE});
-  }
+  if (!EnterDisplay(Call::eglInitialize, display, false)) return EGL_FALSE;
   if (major != nullptr) *major = 1;
   if (minor != nullptr) *minor = 5;
   is_initialised.store(true, kRelaxed);
@@ -267,28 +197,26 @@ EGLBoolean eglInitialize(EGLDisplay display, EGLint* major, EGLint* minor) {
 }
 
 EGLBoolean eglTerminate(EGLDisplay display) {
-  constexpr Call kCall = Call::eglTerminate;
-  if (!EnterEgl(kCall)) return EGL_FALSE;
-  if (display != &the_display) {
-    return EglFault(kCall, EGL_BAD_DISPLAY, EGLBoolean{EGL_FALSE});
-  }
+  if (!EnterDisplay(Call::eglTerminate, display, false)) return EGL_FALSE;
   is_initialised.store(false, kRelaxed);
-  contexts.RemoveAll();
-  surfaces.RemoveAll();
-  if (images.RemoveAll() > 0) NoteMisuse(kCall, "an image is left");
+  for (Slot& slot : slots) {
+    Object* const object = Empty(slot);
+    if (object != nullptr && object->kind == Kind::kImage) {
+      NoteMisuse(Call::eglTerminate, "an image is left");
+    }
+    EndUse(object);
+  }
   return EGL_TRUE;
 }
 
 const char* eglQueryString(EGLDisplay display, EGLint) {
-  constexpr Call kCall = Call::eglQueryString;
-  return EnterEgl(kCall) && IsReady(kCall, display) ? "" : nullptr;
+  return EnterDisplay(Call::eglQueryString, display) ? "" : nullptr;
 }
 
 // No config can draw to windows.
 EGLBoolean eglChooseConfig(EGLDisplay display, const EGLint* attributes,
                            EGLConfig* configs, EGLint size, EGLint* count) {
-  constexpr Call kCall = Call::eglChooseConfig;
-  if (!EnterEgl(kCall) || !IsReady(kCall, display)) return EGL_FALSE;
+  if (!EnterDisplay(Call::eglChooseConfig, display)) return EGL_FALSE;
   const EGLint type = AttributeOf(attributes, EGL_SURFACE_TYPE, EGL_WINDOW_BIT);
   *count = (type & EGL_WINDOW_BIT) == 0 && size > 0 ? 1 : 0;
   if (*count == 1) configs[0] = &the_config;
@@ -298,77 +226,67 @@ EGLBoolean eglChooseConfig(EGLDisplay display, const EGLint* attributes,
 EGLSurface eglCreatePbufferSurface(EGLDisplay display, EGLConfig config,
                                    const EGLint* attributes) {
   constexpr Call kCall = Call::eglCreatePbufferSurface;
-  if (!EnterEgl(kCall) || !IsReady(kCall, display)) return EGL_NO_SURFACE;
-  if (config != &the_config) {
-    return EglFault(kCall, EGL_BAD_CONFIG, EGL_NO_SURFACE);
-  }
-  auto* surface = new EglSurface;
-  surface->image = std::make_shared<Image>();
-  surface->image->width = AttributeOf(attributes, EGL_WIDTH, 0);
-  surface->image->height = AttributeOf(attributes, EGL_HEIGHT, 0);
-  living.surfaces.Add(1);
-  return surfaces.Add(surface);
+  if (!EnterDisplay(kCall, display)) return EGL_NO_SURFACE;
+  if (config != &the_config) return EglFault(kCall, EGL_BAD_CONFIG);
+  return MakeHandle(new Object{
+      Kind::kSurface, nullptr,
+      std::make_shared<Image>(Image{AttributeOf(attributes, EGL_WIDTH, 0),
+                                    AttributeOf(attributes, EGL_HEIGHT, 0)})});
 }
 
+// Contexts share nothing here.
 EGLContext eglCreateContext(EGLDisplay display, EGLConfig config,
                             EGLContext share, const EGLint* attributes) {
   constexpr Call kCall = Call::eglCreateContext;
-  if (!EnterEgl(kCall) || !IsReady(kCall, display)) return EGL_NO_CONTEXT;
-  if (config != &the_config) {
-    return EglFault(kCall, EGL_BAD_CONFIG, EGL_NO_CONTEXT);
-  }
-  if (share != EGL_NO_CONTEXT) {  // nobody here shares objects
-    return EglFault(kCall, EGL_BAD_CONTEXT, EGL_NO_CONTEXT);
-  }
-  living.contexts.Add(1);
-  return contexts.Add(
-      new EglContext(AttributeOf(attributes, EGL_CONTEXT_CLIENT_VERSION, 1)));
+  if (!EnterDisplay(kCall, display)) return EGL_NO_CONTEXT;
+  if (config != &the_config) return EglFault(kCall, EGL_BAD_CONFIG);
+  if (share != EGL_NO_CONTEXT) return EglFault(kCall, EGL_BAD_CONTEXT);
+  const EGLint version = AttributeOf(attributes, EGL_CONTEXT_CLIENT_VERSION, 1);
+  return MakeHandle(
+      new Object{Kind::kContext, std::make_unique<Context>(version), nullptr});
 }
 
 EGLBoolean eglDestroyContext(EGLDisplay display, EGLContext context) {
-  return Destroy(Call::eglDestroyContext, display, contexts, context,
+  return Destroy(Call::eglDestroyContext, display, context, Kind::kContext,
                  EGL_BAD_CONTEXT);
 }
 
 EGLBoolean eglDestroySurface(EGLDisplay display, EGLSurface surface) {
-  return Destroy(Call::eglDestroySurface, display, surfaces, surface,
+  return Destroy(Call::eglDestroySurface, display, surface, Kind::kSurface,
                  EGL_BAD_SURFACE);
 }
 
+// Nothing can be made current at any time.
 EGLBoolean eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read,
                           EGLContext handle) {
   constexpr Call kCall = Call::eglMakeCurrent;
-  constexpr auto kFalse = EGLBoolean{EGL_FALSE};
-  if (!EnterEgl(kCall)) return EGL_FALSE;
-  // Nothing can be made current at any time.
-  if (handle != EGL_NO_CONTEXT && !IsReady(kCall, display)) return EGL_FALSE;
-  EglContext* const context = contexts.Find(handle);
-  EglSurface* const surface = surfaces.Find(draw);
-  if (handle != EGL_NO_CONTEXT && context == nullptr) {
-    return EglFault(kCall, EGL_BAD_CONTEXT, kFalse);
+  if (!EnterDisplay(kCall, display, handle != EGL_NO_CONTEXT)) return EGL_FALSE;
+  const Current after = {handle, Find(handle, Kind::kContext), draw,
+                         Find(draw, Kind::kSurface)};
+  if (handle != EGL_NO_CONTEXT && after.context == nullptr) {
+    return EglFault(kCall, EGL_BAD_CONTEXT);
   }
-  if (draw != read || (draw != EGL_NO_SURFACE && surface == nullptr)) {
-    return EglFault(kCall, EGL_BAD_SURFACE, kFalse);
+  if (draw != read || (draw != EGL_NO_SURFACE && after.surface == nullptr)) {
+    return EglFault(kCall, EGL_BAD_SURFACE);
   }
-  if (context != current.context && context != nullptr &&
-      (context->state.fetch_or(Handled::kCurrent) & Handled::kCurrent) != 0) {
-    return EglFault(kCall, EGL_BAD_ACCESS, kFalse);
+  for (Object* object : {after.context, after.surface}) {
+    if (object == nullptr) continue;
+    const bool is_elsewhere =
+        object->uses.fetch_add(1) > 1 && object != current.context;
+    if (!is_elsewhere || object->kind != Kind::kContext) continue;
+    object->uses.fetch_sub(1);
+    return EglFault(kCall, EGL_BAD_ACCESS);
   }
-  if (surface != nullptr) surface->state.fetch_or(Handled::kCurrent);
-  const Current before = current;
-  current = {handle, context, draw, surface};
-  current_context = context == nullptr ? nullptr : &context->context;
-  if (before.context != nullptr && before.context != context) {
-    EndCurrent(before.context);
-  }
-  if (before.surface != nullptr && before.surface != surface) {
-    EndCurrent(before.surface);
-  }
-  if (context == nullptr) return EGL_TRUE;
-  context->context.surface = surface == nullptr ? nullptr : surface->image;
-  if (surface != nullptr && context->context.viewport[2] == 0) {
-    context->context.viewport = {0, 0, surface->image->width,
-                                 surface->image->height};
+  const Current before = std::exchange(current, after);
+  current_context = nullptr;
+  EndUse(before.context);
+  EndUse(before.surface);
+  if (after.context == nullptr) return EGL_TRUE;
+  Context& context = *after.context->context;
+  current_context = &context;
+  context.surface = after.surface == nullptr ? nullptr : after.surface->image;
+  if (context.surface && context.viewport[2] == 0) {
+    context.viewport = {0, 0, context.surface->width, context.surface->height};
   }
   return EGL_TRUE;
 }
@@ -393,22 +311,24 @@ EGLint eglGetError() {
   return std::exchange(last_error, EGL_SUCCESS);
 }
 
-AnyFunction eglGetProcAddress(const char* name) {
-#define ZUQEL_FUNCTION(name, function)               \
-  Extension {                                        \
-    name, reinterpret_cast<AnyFunction>(&(function)) \
-  }
+__eglMustCastToProperFunctionPointerType eglGetProcAddress(const char* name) {
+  using Function = __eglMustCastToProperFunctionPointerType;
+  struct Extension {
+    std::string_view name;
+    Function function;
+  };
+#define ZUQEL_FUNCTION(name, function) \
+  { name, reinterpret_cast<Function>(&(function)) }
   static const auto extensions = std::to_array<Extension>({
       ZUQEL_FUNCTION("eglCreateImageKHR", CreateImage),
       ZUQEL_FUNCTION("eglDestroyImageKHR", DestroyImage),
-      ZUQEL_FUNCTION("eglGetPlatformDisplayEXT", GivePlatformDisplay),
-      ZUQEL_FUNCTION("glBindVertexArray", BindVertexArray),
+      ZUQEL_FUNCTION("eglGetPlatformDisplayEXT", GetPlatformDisplay),
+      ZUQEL_FUNCTION("glBindVertexArray", glBindVertexArray),
       ZUQEL_FUNCTION("glEGLImageTargetTexture2DOES", ImageTargetTexture),
-      ZUQEL_FUNCTION("glGenVertexArrays", GenVertexArrays),
-      ZUQEL_FUNCTION("glGetProgramBinaryOES", GetProgramBinary),
-      ZUQEL_FUNCTION("glProgramBinaryOES", ProgramBinary),
-      ZUQEL_FUNCTION("glVertexAttribDivisor", VertexAttribDivisor),
-      ZUQEL_FUNCTION("glVertexAttribIPointer", VertexAttribIPointer),
+      ZUQEL_FUNCTION("glGetProgramBinaryOES", glGetProgramBinary),
+      ZUQEL_FUNCTION("glProgramBinaryOES", glProgramBinary),
+      ZUQEL_FUNCTION("glVertexAttribDivisor", glVertexAttribDivisor),
+      ZUQEL_FUNCTION("glVertexAttribIPointer", glVertexAttribIPointer),
   });
 #undef ZUQEL_FUNCTION
   if (!EnterEgl(Call::eglGetProcAddress)) return nullptr;

@@ -1,6 +1,7 @@
 // Shaders and programs. A program's binary is a checksum and its sources.
 #include <GLES2/gl2.h>
 #include <GLES2/gl2ext.h>
+#include <GLES3/gl3.h>
 
 #include <algorithm>
 #include <cstring>
@@ -8,7 +9,6 @@
 
 #include "fake_driver/content.h"
 #include "fake_driver/context.h"
-#include "fake_driver/extension_calls.h"
 
 namespace zuqel::fake_driver {
 namespace {
@@ -133,62 +133,40 @@ ProgramInput* UniformAt(Call call, Context& c, GLint location,
   return &uniforms[index];
 }
 
-// A string and its length as GL hands them out.
-void GiveText(std::string_view text, GLsizei size, GLsizei* length,
-              GLchar* into) {
-  if (size <= 0) return;
-  const size_t count = std::min(text.size(), static_cast<size_t>(size) - 1);
-  std::copy_n(text.begin(), count, into);
-  into[count] = '\0';
-  if (length != nullptr) *length = static_cast<GLsizei>(count);
+// Sets or clears the stage that a shader is for.
+void SetStage(Call call, Context& c, GLuint name, GLuint shader_name,
+              bool is_attached) {
+  const auto program = c.programs.Find(name);
+  const auto shader = c.shaders.Find(shader_name);
+  if (!program || !shader) return c.Fault(call, GL_INVALID_VALUE);
+  auto& stage =
+      shader->type == GL_VERTEX_SHADER ? program->vertex : program->fragment;
+  if (stage != (is_attached ? nullptr : shader)) {
+    return c.Fault(call, GL_INVALID_OPERATION);
+  }
+  stage = is_attached ? shader : nullptr;
+}
+
+GLint LocationOf(Call call, Context& c, GLuint name,
+                 std::vector<ProgramInput> Program::*inputs,
+                 const GLchar* input_name) {
+  const auto program = c.programs.Find(name);
+  if (!program || !program->is_linked) {
+    c.Fault(call, program ? GL_INVALID_OPERATION : GL_INVALID_VALUE);
+    return -1;
+  }
+  const auto* input = FindInput(*program.*inputs, input_name);
+  return input == nullptr ? -1 : input->location;
 }
 
 }  // namespace
-
-void GetProgramBinary(GLuint name, GLsizei size, GLsizei* length,
-                      GLenum* format, void* binary) {
-  ZUQEL_ENTER(glGetProgramBinaryOES);
-  const auto program = c.programs.Find(name);
-  ZUQEL_REQUIRE(program, GL_INVALID_VALUE);
-  ZUQEL_REQUIRE(
-      program->is_linked && static_cast<size_t>(size) >= program->binary.size(),
-      GL_INVALID_OPERATION);
-  std::memcpy(binary, program->binary.data(), program->binary.size());
-  if (length != nullptr) *length = static_cast<GLsizei>(program->binary.size());
-  *format = kOwnBinaryFormat;
-}
-
-void ProgramBinary(GLuint name, GLenum format, const void* binary,
-                   GLint length) {
-  ZUQEL_ENTER(glProgramBinaryOES);
-  const auto program = c.programs.Find(name);
-  ZUQEL_REQUIRE(program, GL_INVALID_VALUE);
-  ZUQEL_REQUIRE(format == kOwnBinaryFormat, GL_INVALID_ENUM);
-  program->binary.assign(static_cast<const char*>(binary),
-                         static_cast<size_t>(length));
-  program->is_linked = IsBinary(program->binary);
-  if (!program->is_linked) return;
-  std::string_view rest(program->binary);
-  rest.remove_prefix(sizeof(uint64_t));
-  const std::string vertex = TakePart(rest), fragment = TakePart(rest);
-  program->attribute_locations.clear();
-  while (!rest.empty()) {
-    const std::string attribute = TakePart(rest);
-    program->attribute_locations[attribute] = static_cast<GLuint>(rest[0]);
-    rest.remove_prefix(2);
-  }
-  SetInputs(*program, vertex, fragment);
-}
-
 }  // namespace zuqel::fake_driver
 
 using namespace zuqel::fake_driver;
 
 GLuint glCreateShader(GLenum type) {
   ZUQEL_ENTER(glCreateShader, 0);
-  const auto shader = std::make_shared<Shader>();
-  shader->type = type;
-  return c.shaders.Make(shader);
+  return c.shaders.Make(std::make_shared<Shader>(Shader{type, {}, false}));
 }
 
 void glShaderSource(GLuint name, GLsizei count, const GLchar* const* texts,
@@ -198,10 +176,10 @@ void glShaderSource(GLuint name, GLsizei count, const GLchar* const* texts,
   ZUQEL_REQUIRE(shader, GL_INVALID_VALUE);
   shader->source.clear();
   for (GLsizei i = 0; i < count; ++i) {
-    const bool has_length = lengths != nullptr && lengths[i] >= 0;
-    shader->source +=
-        has_length ? std::string(texts[i], static_cast<size_t>(lengths[i]))
-                   : std::string(texts[i]);
+    const bool is_terminated = lengths == nullptr || lengths[i] < 0;
+    shader->source.append(texts[i], is_terminated
+                                        ? std::strlen(texts[i])
+                                        : static_cast<size_t>(lengths[i]));
   }
 }
 
@@ -210,21 +188,6 @@ void glCompileShader(GLuint name) {
   const auto shader = c.shaders.Find(name);
   ZUQEL_REQUIRE(shader, GL_INVALID_VALUE);
   shader->is_compiled = shader->source.find("main") != std::string::npos;
-}
-
-void glGetShaderiv(GLuint name, GLenum value, GLint* result) {
-  ZUQEL_ENTER(glGetShaderiv);
-  const auto shader = c.shaders.Find(name);
-  ZUQEL_REQUIRE(shader, GL_INVALID_VALUE);
-  ZUQEL_REQUIRE(value == GL_COMPILE_STATUS, GL_INVALID_ENUM);
-  *result = shader->is_compiled ? GL_TRUE : GL_FALSE;
-}
-
-void glGetShaderInfoLog(GLuint name, GLsizei size, GLsizei* length,
-                        GLchar* text) {
-  ZUQEL_ENTER(glGetShaderInfoLog);
-  ZUQEL_REQUIRE(c.shaders.Find(name), GL_INVALID_VALUE);
-  GiveText("no message", size, length, text);
 }
 
 void glDeleteShader(GLuint name) {
@@ -242,26 +205,14 @@ void glDeleteProgram(GLuint name) {
   ZUQEL_REQUIRE(name == 0 || c.programs.Erase(name), GL_INVALID_VALUE);
 }
 
-void glAttachShader(GLuint name, GLuint shader_name) {
+void glAttachShader(GLuint name, GLuint shader) {
   ZUQEL_ENTER(glAttachShader);
-  const auto program = c.programs.Find(name);
-  const auto shader = c.shaders.Find(shader_name);
-  ZUQEL_REQUIRE(program && shader, GL_INVALID_VALUE);
-  auto& stage =
-      shader->type == GL_VERTEX_SHADER ? program->vertex : program->fragment;
-  ZUQEL_REQUIRE(!stage, GL_INVALID_OPERATION);
-  stage = shader;
+  SetStage(kCall, c, name, shader, true);
 }
 
-void glDetachShader(GLuint name, GLuint shader_name) {
+void glDetachShader(GLuint name, GLuint shader) {
   ZUQEL_ENTER(glDetachShader);
-  const auto program = c.programs.Find(name);
-  const auto shader = c.shaders.Find(shader_name);
-  ZUQEL_REQUIRE(program && shader, GL_INVALID_VALUE);
-  auto& stage =
-      shader->type == GL_VERTEX_SHADER ? program->vertex : program->fragment;
-  ZUQEL_REQUIRE(stage == shader, GL_INVALID_OPERATION);
-  stage.reset();
+  SetStage(kCall, c, name, shader, false);
 }
 
 void glBindAttribLocation(GLuint name, GLuint index, const GLchar* attribute) {
@@ -298,29 +249,14 @@ void glGetProgramiv(GLuint name, GLenum value, GLint* result) {
   }
 }
 
-void glGetProgramInfoLog(GLuint name, GLsizei size, GLsizei* length,
-                         GLchar* text) {
-  ZUQEL_ENTER(glGetProgramInfoLog);
-  ZUQEL_REQUIRE(c.programs.Find(name), GL_INVALID_VALUE);
-  GiveText("no message", size, length, text);
-}
-
 GLint glGetAttribLocation(GLuint name, const GLchar* attribute) {
   ZUQEL_ENTER(glGetAttribLocation, -1);
-  const auto program = c.programs.Find(name);
-  ZUQEL_REQUIRE(program, GL_INVALID_VALUE, -1);
-  ZUQEL_REQUIRE(program->is_linked, GL_INVALID_OPERATION, -1);
-  const auto* input = FindInput(program->attributes, attribute);
-  return input == nullptr ? -1 : input->location;
+  return LocationOf(kCall, c, name, &Program::attributes, attribute);
 }
 
 GLint glGetUniformLocation(GLuint name, const GLchar* uniform) {
   ZUQEL_ENTER(glGetUniformLocation, -1);
-  const auto program = c.programs.Find(name);
-  ZUQEL_REQUIRE(program, GL_INVALID_VALUE, -1);
-  ZUQEL_REQUIRE(program->is_linked, GL_INVALID_OPERATION, -1);
-  const auto* input = FindInput(program->uniforms, uniform);
-  return input == nullptr ? -1 : input->location;
+  return LocationOf(kCall, c, name, &Program::uniforms, uniform);
 }
 
 void glUseProgram(GLuint name) {
@@ -328,7 +264,7 @@ void glUseProgram(GLuint name) {
   const auto program = c.programs.Find(name);
   ZUQEL_REQUIRE(name == 0 || program, GL_INVALID_VALUE);
   ZUQEL_REQUIRE(name == 0 || program->is_linked, GL_INVALID_OPERATION);
-  c.program_name = name;
+  c.values[GL_CURRENT_PROGRAM] = static_cast<GLint>(name);
   c.program = program;
 }
 
@@ -351,4 +287,39 @@ void glUniformMatrix4fv(GLint location, GLsizei count, GLboolean transpose,
   auto* uniform = UniformAt(kCall, c, location, {"mat4"});
   if (uniform == nullptr) return;
   std::copy_n(values, uniform->value.size(), uniform->value.begin());
+}
+
+void glGetProgramBinary(GLuint name, GLsizei size, GLsizei* length,
+                        GLenum* format, void* binary) {
+  ZUQEL_ENTER(glGetProgramBinaryOES);
+  const auto program = c.programs.Find(name);
+  ZUQEL_REQUIRE(program, GL_INVALID_VALUE);
+  ZUQEL_REQUIRE(
+      program->is_linked && static_cast<size_t>(size) >= program->binary.size(),
+      GL_INVALID_OPERATION);
+  std::memcpy(binary, program->binary.data(), program->binary.size());
+  if (length != nullptr) *length = static_cast<GLsizei>(program->binary.size());
+  *format = kOwnBinaryFormat;
+}
+
+void glProgramBinary(GLuint name, GLenum format, const void* binary,
+                     GLint length) {
+  ZUQEL_ENTER(glProgramBinaryOES);
+  const auto program = c.programs.Find(name);
+  ZUQEL_REQUIRE(program, GL_INVALID_VALUE);
+  ZUQEL_REQUIRE(format == kOwnBinaryFormat, GL_INVALID_ENUM);
+  program->binary.assign(static_cast<const char*>(binary),
+                         static_cast<size_t>(length));
+  program->is_linked = IsBinary(program->binary);
+  if (!program->is_linked) return;
+  std::string_view rest(program->binary);
+  rest.remove_prefix(sizeof(uint64_t));
+  const std::string vertex = TakePart(rest), fragment = TakePart(rest);
+  program->attribute_locations.clear();
+  while (!rest.empty()) {
+    const std::string attribute = TakePart(rest);
+    program->attribute_locations[attribute] = static_cast<GLuint>(rest[0]);
+    rest.remove_prefix(2);
+  }
+  SetInputs(*program, vertex, fragment);
 }
