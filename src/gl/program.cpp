@@ -19,6 +19,9 @@ Program BuildProgram(const ProgramSource& source, AttributeNames attributes) {
   const Shader vertex = Compile(GL_VERTEX_SHADER, source.vertex);
   const Shader fragment = Compile(GL_FRAGMENT_SHADER, source.fragment);
   Program program(glCreateProgram());
+  if (vertex.get() == 0 || fragment.get() == 0 || program.get() == 0) {
+    return program;
+  }
   glAttachShader(program.get(), vertex.get());
   glAttachShader(program.get(), fragment.get());
   for (GLuint i = 0; i < attributes.size(); ++i) {
@@ -30,6 +33,14 @@ Program BuildProgram(const ProgramSource& source, AttributeNames attributes) {
   return program;
 }
 
+GLint LinkStatus(const Program& program) {
+  GLint status = GL_FALSE;
+  if (program.get() != 0) {
+    glGetProgramiv(program.get(), GL_LINK_STATUS, &status);
+  }
+  return status;
+}
+
 LinkedProgram::LinkedProgram() {
   attributes_.fill(-1);
   uniforms_.fill(-1);
@@ -37,13 +48,16 @@ LinkedProgram::LinkedProgram() {
 
 LinkedProgram::LinkedProgram(Program program, const ProgramInterface& interface)
     : LinkedProgram() {
-  program_ = std::move(program);
+  if (LinkStatus(program) != GL_TRUE) return;
   for (size_t i = 0; i < interface.attributes.size(); ++i) {
-    attributes_[i] = glGetAttribLocation(name(), interface.attributes[i]);
+    attributes_[i] =
+        glGetAttribLocation(program.get(), interface.attributes[i]);
+    if (attributes_[i] < 0) return;
   }
   for (size_t i = 0; i < interface.uniforms.size(); ++i) {
-    uniforms_[i] = glGetUniformLocation(name(), interface.uniforms[i]);
+    uniforms_[i] = glGetUniformLocation(program.get(), interface.uniforms[i]);
   }
+  program_ = std::move(program);
 }
 
 }  // namespace zuqel

@@ -29,9 +29,11 @@ struct ProgramInterface {
   UniformNames uniforms;
 };
 
-// Compiles and links, without asking how that went: a program that did not link
-// draws nothing.
+// Compiles and links, without asking how that went: see LinkStatus.
 Program BuildProgram(const ProgramSource& source, AttributeNames attributes);
+
+// What GL says of the latest link or load: GL_TRUE, or else GL_FALSE.
+GLint LinkStatus(const Program& program);
 
 // A program and the locations of its inputs. An input that it lacks, or that
 // the compiler has dropped as unused, has location -1, which GL ignores. GL
@@ -39,8 +41,10 @@ Program BuildProgram(const ProgramSource& source, AttributeNames attributes);
 class LinkedProgram {
  public:
   LinkedProgram();
-  // `program` has been linked, or loaded from a binary, whose attributes may
-  // have other locations.
+  // `program` comes from a link or from a binary, whose attributes may have
+  // other locations. One that did not link, or lacks an attribute, is not
+  // taken: in its place GL would draw with the program before, and from
+  // whichever arrays the caller has enabled.
   LinkedProgram(Program program, const ProgramInterface& interface);
 
   [[nodiscard]] bool exists() const { return name() != 0; }

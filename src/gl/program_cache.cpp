@@ -34,12 +34,6 @@ bool TakesBinaryFormat() {
                    GLint{kBinaryFormat}) != std::end(formats);
 }
 
-GLint LinkStatus(const Program& program) {
-  GLint status = 0;
-  glGetProgramiv(program.get(), GL_LINK_STATUS, &status);
-  return status;
-}
-
 void LogLinkStatus(GLint status) {
   ZUQEL_LOG("*VX* %d", status);
   switch (status) {

@@ -35,10 +35,7 @@ bool Load(ProgramCacheBytes cache, const BinaryInfo& info,
   GLint loaded = 0;
   for (const size_t entry : entries) {
     Program program;
-    const GLint status = LoadProgramBinary(cache, info.entries[entry], program);
-    loaded |= status;
-    // GL takes it for an error to ask a program that is not linked.
-    if (status != GL_TRUE) continue;
+    loaded |= LoadProgramBinary(cache, info.entries[entry], program);
     programs.Set(RowOfEntry(entry).role, std::move(program));
   }
   return loaded == GL_TRUE;

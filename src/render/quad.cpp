@@ -21,7 +21,6 @@ class ClientAttribute {
  public:
   ClientAttribute(GLint location, const std::array<GLfloat, 8>& values)
       : location_(location) {
-    if (location_ < 0) return;  // the program did not link
     if (location_ >= GLint{kMaxAttributes}) {
       saved_.emplace(static_cast<GLuint>(location_));
     }
@@ -30,7 +29,6 @@ class ClientAttribute {
                           0, values.data());
   }
   ~ClientAttribute() {
-    if (location_ < 0) return;
     glDisableVertexAttribArray(static_cast<GLuint>(location_));
   }
   ClientAttribute(const ClientAttribute&) = delete;
