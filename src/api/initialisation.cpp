@@ -53,7 +53,7 @@ void PrepareOffScreen(Session& session) {
   session.gInfo.OutputWidth = session.gInfo.PreviewWidth;
   session.gInfo.OutputHeight = session.gInfo.PreviewHeight;
   ZUQEL_LOG("check context + ");
-  EnsureContext(session.frame_context);
+  EnsureContext(session.frame_context, session.refocus_context);
   ZUQEL_LOG("check context - ");
 }
 

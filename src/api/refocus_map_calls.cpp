@@ -51,7 +51,7 @@ uint32_t zuQelRT_GenRefocusMap_init() {
   maps.buffers.LogBoundaryBlur("Refocus init pointer status");
   if (session.gInfo.offmode != 0) {
     ZUQEL_LOG("Refocus init check context + ");
-    zuqel::EnsureContext(session.refocus_context);
+    zuqel::EnsureContext(session.refocus_context, session.frame_context);
     ZUQEL_LOG("Refocus init check context - ");
   }
   zuqel::StartRefocusMaps(session.map_setup, session.RunningProgramCache(),
@@ -70,7 +70,9 @@ uint32_t zuQelRT_GenRefocusMap_Deinit() {
   session.refocus_maps = {};
   session.until_close->generators = {};
   session.refocus_maps.buffers.Log("deinit after");
-  if (session.gInfo.offmode != 0) zuqel::DeleteContext(session.refocus_context);
+  if (session.gInfo.offmode != 0) {
+    zuqel::DeleteContext(session.refocus_context, session.frame_context);
+  }
   ZUQEL_LOG("Deinit RefocusMap Gen -");
   return ZUQEL_SUCCESS;
 }

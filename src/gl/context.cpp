@@ -100,7 +100,10 @@ void CreateContext(ContextSlot& slot) {
 
 }  // namespace
 
-void EnsureContext(ContextSlot& slot) {
+void EnsureContext(ContextSlot& slot, ContextSlot& other) {
+  for (ContextSlot* terminated : {&slot, &other}) {
+    if (terminated->is_terminated) *terminated = {.index = terminated->index};
+  }
   if (eglGetCurrentContext() != EGL_NO_CONTEXT) return;
   ZUQEL_LOG(
       "There is no openGL context, going to create opengl context, tid = %d, "
@@ -109,7 +112,7 @@ void EnsureContext(ContextSlot& slot) {
   CreateContext(slot);
 }
 
-void DeleteContext(ContextSlot& slot) {
+void DeleteContext(ContextSlot& slot, ContextSlot& other) {
   ZUQEL_LOG("OpenGLDeltet tid = %d, index = %d", gettid(), slot.index);
   if (slot.display == EGL_NO_DISPLAY || slot.surface == EGL_NO_SURFACE ||
       slot.context == EGL_NO_CONTEXT) {
@@ -124,7 +127,8 @@ void DeleteContext(ContextSlot& slot) {
                        Succeeded(eglDestroyContext(slot.display, slot.context),
                                  "eglDestroyContext") &&
                        Succeeded(eglTerminate(slot.display), "eglTerminate");
-  if (deleted) slot = {.index = slot.index};
+  if (deleted && other.display == slot.display) other.is_terminated = true;
+  if (deleted || slot.is_terminated) slot = {.index = slot.index};
 }
 
 bool IsCurrent(EGLContext home) {

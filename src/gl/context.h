@@ -7,22 +7,27 @@
 namespace zuqel {
 
 // A slot is empty, partly filled (a step of creation failed; what was made
-// until then stays) or complete. `index` is its number in the log.
+// until then stays) or complete. `index` is its number in the log. The slots
+// share their display, and terminating it ends the objects of both. The other
+// slot keeps its handles for its own deletion, which then fails, but not beyond
+// it, and not when the display is opened again: they may name other objects
+// then.
 struct ContextSlot {
   int index = 0;
+  bool is_terminated = false;
   EGLDisplay display = EGL_NO_DISPLAY;
   EGLSurface surface = EGL_NO_SURFACE;
   EGLContext context = EGL_NO_CONTEXT;
 };
 
-// Where this thread has no context, makes an ES 2 context with a 1x1 pbuffer
-// and makes it current. Each step is logged; the first that fails ends the
-// work.
-void EnsureContext(ContextSlot& slot);
+// Empties slots whose display has been terminated. Where this thread has no
+// context, makes an ES 2 context with a 1x1 pbuffer and makes it current. Each
+// step is logged; the first that fails ends the work.
+void EnsureContext(ContextSlot& slot, ContextSlot& other);
 
 // Deletes a complete slot's objects and terminates its display. A step that
 // fails is logged and ends the work with the slot unchanged.
-void DeleteContext(ContextSlot& slot);
+void DeleteContext(ContextSlot& slot, ContextSlot& other);
 
 // Whether `home`, the context that GL names live in, is this thread's; never of
 // EGL_NO_CONTEXT.
