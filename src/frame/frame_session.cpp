@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "frame/frame_upload.h"
+#include "gl/context.h"
 #include "gl/gl_state.h"
 #include "render/cached_programs.h"
 
@@ -14,6 +15,7 @@ InContext<RenderState> MakeRenderState(
     ImageSize preview, bool has_graphic_buffer,
     std::optional<GraphicBuffer>& graphic_buffer, uint8_t* program_cache,
     ProgramCache& session_cache) {
+  if (!HasContext()) return {};
   const PlainGlState plain_state;
   RenderState state;
   for (Texture& input : state.inputs) input = Texture::Generate();

@@ -32,8 +32,8 @@ struct FrameMemory {
 };
 
 struct FrameSession {
-  // Makes the GL objects in the current context. `program_cache`, unless null,
-  // is the caller's cache, as in PreparePrograms.
+  // Makes the GL objects in the current context; none without one.
+  // `program_cache`, unless null, is the caller's cache, as in PreparePrograms.
   FrameSession(const FrameSetup& setup, FrameMemory&& reserved,
                bool has_graphic_buffer, uint8_t* program_cache);
 

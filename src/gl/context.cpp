@@ -104,7 +104,7 @@ void EnsureContext(ContextSlot& slot, ContextSlot& other) {
   for (ContextSlot* terminated : {&slot, &other}) {
     if (terminated->is_terminated) *terminated = {.index = terminated->index};
   }
-  if (eglGetCurrentContext() != EGL_NO_CONTEXT) return;
+  if (HasContext()) return;
   ZUQEL_LOG(
       "There is no openGL context, going to create opengl context, tid = %d, "
       "index %d",
@@ -129,6 +129,10 @@ void DeleteContext(ContextSlot& slot, ContextSlot& other) {
                        Succeeded(eglTerminate(slot.display), "eglTerminate");
   if (deleted && other.display == slot.display) other.is_terminated = true;
   if (deleted || slot.is_terminated) slot = {.index = slot.index};
+}
+
+bool HasContext() {
+  return eglGetCurrentContext() != EGL_NO_CONTEXT;
 }
 
 bool IsCurrent(EGLContext home) {

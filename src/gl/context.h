@@ -29,6 +29,9 @@ void EnsureContext(ContextSlot& slot, ContextSlot& other);
 // fails is logged and ends the work with the slot unchanged.
 void DeleteContext(ContextSlot& slot, ContextSlot& other);
 
+// Whether this thread has a context. Without one, calls of GL are not defined.
+bool HasContext();
+
 // Whether `home`, the context that GL names live in, is this thread's; never of
 // EGL_NO_CONTEXT.
 bool IsCurrent(EGLContext home);

@@ -56,8 +56,9 @@ struct GeneratorScratch {
   Buffer filter;
 };
 
-// Begins refocus maps in the current context. GL objects of an earlier start
-// that was not ended are left to their context.
+// Begins refocus maps in the current context; without one, with nothing to draw
+// with. GL objects of an earlier start that was not ended are left to their
+// context.
 void StartRefocusMaps(const MapSetup& setup, const ProgramCache& program_cache,
                       RefocusMaps& maps);
 
