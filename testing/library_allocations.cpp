@@ -3,6 +3,7 @@
 #include "library_allocations.h"
 
 #include <array>
+#include <climits>
 #include <cstdlib>
 #include <mutex>
 
@@ -27,7 +28,8 @@ struct State {
   std::array<Block, 1024> blocks;  // unused ones begin nowhere
   size_t bytes_held = 0;
   int count = 0;
-  int failing = 0;  // the number of the block that fails, 0 for none
+  int first_failing = 0;  // the number of a block, 0 for none
+  int last_failing = 0;
 };
 
 State& TheState() {
@@ -54,14 +56,16 @@ int Count() {
   return TheState().count;
 }
 
-FailingBlock::FailingBlock(int number) {
+FailingBlock::FailingBlock(int number, bool and_later) {
   const std::lock_guard lock(TheState().mutex);
-  TheState().failing = TheState().count + number;
+  const int first = TheState().count + number;
+  TheState().first_failing = first;
+  TheState().last_failing = and_later ? INT_MAX : first;
 }
 
 FailingBlock::~FailingBlock() {
   const std::lock_guard lock(TheState().mutex);
-  TheState().failing = 0;
+  TheState().first_failing = TheState().last_failing = 0;
 }
 
 namespace {
@@ -69,7 +73,10 @@ namespace {
 void* Take(size_t count, size_t size) {
   State& state = TheState();
   const std::lock_guard lock(state.mutex);
-  if (++state.count == state.failing) return nullptr;
+  ++state.count;
+  if (state.count >= state.first_failing && state.count <= state.last_failing) {
+    return nullptr;
+  }
   void* block = __real_calloc(count, size);
   if (block == nullptr) return nullptr;
   UnusedBlock() = {block, count * size};

@@ -13,11 +13,11 @@ size_t BytesHeld();
 // Blocks taken since the process began, failed ones included.
 int Count();
 
-// While it lives, the `number`-th block taken, from 1 on, is not to be had; all
-// are for 0.
+// While it lives, the `number`-th block taken, from 1 on, is not to be had, nor
+// any later one where asked for.
 class FailingBlock {
  public:
-  explicit FailingBlock(int number);
+  explicit FailingBlock(int number, bool and_later = false);
   ~FailingBlock();
   FailingBlock(const FailingBlock&) = delete;
   FailingBlock& operator=(const FailingBlock&) = delete;

@@ -40,13 +40,15 @@ Context::Context(int client_version)
               {GL_SCISSOR_TEST, 0},
               {GL_UNPACK_ALIGNMENT, 4}}) {
   if (version < 3) return;
-  for (const GLenum name :
-       {GL_PACK_ROW_LENGTH, GL_PACK_SKIP_PIXELS, GL_PACK_SKIP_ROWS,
-        GL_PIXEL_PACK_BUFFER_BINDING, GL_PIXEL_UNPACK_BUFFER_BINDING,
-        GL_UNPACK_ROW_LENGTH, GL_UNPACK_SKIP_PIXELS, GL_UNPACK_SKIP_ROWS,
-        GL_VERTEX_ARRAY_BINDING}) {
-    values[name] = 0;
-  }
+  values.merge(Values({{GL_PACK_ROW_LENGTH, 0},
+                       {GL_PACK_SKIP_PIXELS, 0},
+                       {GL_PACK_SKIP_ROWS, 0},
+                       {GL_PIXEL_PACK_BUFFER_BINDING, 0},
+                       {GL_PIXEL_UNPACK_BUFFER_BINDING, 0},
+                       {GL_UNPACK_ROW_LENGTH, 0},
+                       {GL_UNPACK_SKIP_PIXELS, 0},
+                       {GL_UNPACK_SKIP_ROWS, 0},
+                       {GL_VERTEX_ARRAY_BINDING, 0}}));
 }
 
 Context::~Context() {
@@ -129,6 +131,9 @@ GLboolean glIsEnabled(GLenum name) {
 void glPixelStorei(GLenum name, GLint value) {
   ZUQEL_ENTER(glPixelStorei);
   ZUQEL_REQUIRE(c.values.contains(name), GL_INVALID_ENUM);
+  const bool is_alignment =
+      name == GL_PACK_ALIGNMENT || name == GL_UNPACK_ALIGNMENT;
+  ZUQEL_REQUIRE(value >= 0 && (value != 0 || !is_alignment), GL_INVALID_VALUE);
   c.values[name] = value;
 }
 

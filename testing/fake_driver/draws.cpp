@@ -129,9 +129,7 @@ void Draw(Call call, Context& c, GLenum mode,
   Hash hash;
   AddState(c, *target, hash);
   hash.Add(mode, c.viewport);
-  for (const GLenum name : {GL_BLEND, GL_CULL_FACE, GL_DEPTH_TEST}) {
-    hash.Add(c.Value(name));
-  }
+  hash.Add(c.Value(GL_CULL_FACE), c.Value(GL_DEPTH_TEST));
   if (c.Value(GL_BLEND) != 0) {
     hash.Add(c.Value(GL_BLEND_SRC_RGB), c.Value(GL_BLEND_DST_RGB));
   }

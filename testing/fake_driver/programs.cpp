@@ -24,9 +24,14 @@ struct DeclaredInput {
   ProgramInput input;
 };
 
-// The inputs that a source declares; one is used that it names once more.
-std::vector<DeclaredInput> InputsOf(std::string_view source) {
-  std::vector<DeclaredInput> inputs;
+// The inputs that a source declares; one is used that it names once more. A
+// source is read once on each thread.
+const std::vector<DeclaredInput>& InputsOf(std::string_view source) {
+  thread_local std::map<uint64_t, std::vector<DeclaredInput>> known;
+  const uint64_t hash = Hash().AddBytes(source.data(), source.size()).value();
+  const auto [found, is_new] = known.try_emplace(hash);
+  std::vector<DeclaredInput>& inputs = found->second;
+  if (!is_new) return inputs;
   std::array<std::string_view, 3> words;  // the latest last
   while (!source.empty()) {
     if (source.starts_with("//")) {
