@@ -2,6 +2,7 @@
 #ifndef ZUQEL_BASE_BUFFER_H_
 #define ZUQEL_BASE_BUFFER_H_
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -39,7 +40,8 @@ class Buffer {
     if (!bytes) return false;
     if (bytes_ != nullptr && *bytes <= size_) return true;
     // One byte at least: an empty buffer that was made is not a missing one.
-    auto* fresh = static_cast<uint8_t*>(std::calloc(*bytes + 1, 1));
+    auto* fresh =
+        static_cast<uint8_t*>(std::calloc(std::max(*bytes, size_t{1}), 1));
     if (fresh == nullptr) return false;
     bytes_.reset(fresh);
     size_ = *bytes;
