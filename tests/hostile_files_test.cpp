@@ -2,12 +2,14 @@
 // devices in the place of files, endless input, full and read-only disks.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/random.h>
+#include <sys/types.h>
 
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
+#include <initializer_list>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "image_samples.h"
@@ -27,6 +29,12 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::EndsWith;
+
+std::string Concat(std::initializer_list<std::string_view> parts) {
+  std::string text;
+  for (const std::string_view part : parts) text += part;
+  return text;
+}
 
 TEST(PendingFile, TakesNoNameThatExists) {
   const TemporaryFolder folder;
@@ -107,7 +115,7 @@ TEST_F(HostileFiles, RefusesPlacesThatNoFileCanHave) {
               0);
     Cases cases;
     for (const auto& [command, end] : outputs) {
-      cases.emplace_back("timeout 20 " + command + "p" + end, refusal);
+      cases.emplace_back(Concat({"timeout 20 ", command, "p", end}), refusal);
     }
     ExpectFailing(cases, 1);
     ASSERT_EQ(Shell("rm -r p1 p.y4m").exit_code, 0);
@@ -149,8 +157,8 @@ TEST_F(HostileFiles, LeavesNothingOnADiskThatItCannotFill) {
   for (const auto& [options, reason, commands] : disks) {
     for (const std::string& command : commands) {
       cases.emplace_back(
-          "unshare -rm sh -c '" + mount + options + " && {\n" + command +
-              "; code=$?; rm -f box/full; ls -A box\n" + "exit $code; }'",
+          Concat({"unshare -rm sh -c '", mount, options, " && {\n", command,
+                  "; code=$?; rm -f box/full; ls -A box\n", "exit $code; }'"}),
           reason);
     }
   }
@@ -189,10 +197,10 @@ TEST_F(HostileFiles, LeavesNothingWhenASignalEndsIt) {
   for (const std::string target : {"box/o.y4m", "box/%d"}) {
     for (const std::string signal : {"HUP", "PIPE", "TERM", "XCPU"}) {
       const Outcome outcome =
-          Shell(frames_ + "--count 3 -o " + target +
-                " & until test \"$(ls -A box)\"; do sleep 0.01; done\n"
-                "sleep 0.1; kill -" +
-                signal + " $!; wait $!; kill -l $?; ls -A box");
+          Shell(Concat({frames_, "--count 3 -o ", target,
+                        " & until test \"$(ls -A box)\"; do sleep 0.01; done\n"
+                        "sleep 0.1; kill -",
+                        signal, " $!; wait $!; kill -l $?; ls -A box"}));
       EXPECT_EQ(outcome.out, signal + "\n") << target << outcome.err;
     }
   }
