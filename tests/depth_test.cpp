@@ -7,12 +7,11 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
-#include <iterator>
-#include <map>
 #include <vector>
 
 #include "depth/hole_filling.h"
 #include "depth/statistics.h"
+#include "reference_depth.h"
 #include "same_image.h"
 
 namespace zuqel {
@@ -71,17 +70,16 @@ void ForEachMap(auto check) {
   }
 }
 
-using MinMax = std::array<int, 2>;
+using reference::MinMax;
 
 struct RangeKernel {
   const char* name;
   ValueRange (*kernel)(Plane<const uint16_t>, int32_t);
-  MinMax none;     // of a map without valid values, all below its first
-  size_t modulus;  // at which the count of a value wraps
+  reference::RangeRule rule;
 };
 constexpr auto kRangeKernels = std::to_array<RangeKernel>({
-    {"GetDispRange", GetDispRange, {kHole, 0}, SIZE_MAX},
-    {"GetQuanDistRange", GetQuanDistRange, {65535, 0}, 65536},
+    {"GetDispRange", GetDispRange, reference::kDisparityRange},
+    {"GetQuanDistRange", GetQuanDistRange, reference::kDistanceRange},
 });
 
 MinMax Range(const RangeKernel& row, const Map& map, int32_t percent) {
@@ -90,33 +88,13 @@ MinMax Range(const RangeKernel& row, const Map& map, int32_t percent) {
   return {range.min, range.max};
 }
 
-// With valid values sorted, the trimmed ends are those after the pixels to
-// trim, counted from either side.
-MinMax ReferenceRange(const RangeKernel& row, const Map& map, int64_t percent) {
-  std::map<uint16_t, size_t> counts;
-  for (const uint16_t value : map.values) {
-    if (value < row.none[0]) ++counts[std::min(value, kHole)];
-  }
-  if (counts.empty()) return row.none;
-  std::vector<uint16_t> valid;
-  for (const auto& [value, count] : counts) {
-    valid.insert(valid.end(), count % row.modulus, value);
-  }
-  const int first = counts.begin()->first, last = counts.rbegin()->first;
-  const auto wrapped = static_cast<int32_t>(
-      percent * static_cast<int64_t>(map.values.size()) & 0xFFFFFFFF);
-  const auto trimmed = static_cast<uint64_t>(int64_t{wrapped / 100});
-  if (trimmed >= valid.size()) return {first, last};
-  const int max = valid[valid.size() - 1 - trimmed];
-  return {valid[trimmed] < max ? valid[trimmed] : first, max};
-}
-
 void CheckRanges(const Map& map) {
   for (const RangeKernel& row : kRangeKernels) {
     for (const int32_t percent :
          {0, 1, 5, 10, 15, 49, 50, 51, 99, 100, 101, 20000, 429497, 13981014,
           -1, -100, -13981014, INT32_MAX, INT32_MIN}) {
-      ASSERT_EQ(Range(row, map, percent), ReferenceRange(row, map, percent))
+      ASSERT_EQ(Range(row, map, percent),
+                reference::TrimmedRange(map, percent, row.rule))
           << row.name << ", " << percent << " %";
     }
   }
@@ -142,34 +120,6 @@ TEST(DispRange, CountsAnyNumberOfPixels) {
   CheckRanges(all_wrap);
 }
 
-// Lists the holes first; then walks over the list, and backwards over those
-// that are left.
-Map ReferenceFill(Map map, bool (*is_hole)(uint16_t)) {
-  const auto fill = [&map, is_hole](int32_t hole) {
-    const int32_t x = hole % map.width, y = hole / map.width;
-    int32_t sum = 0, count = 0;
-    for (int32_t near_y = y - 1; near_y <= y + 1; ++near_y) {
-      for (int32_t near_x = x - 1; near_x <= x + 1; ++near_x) {
-        const uint16_t* value = map.At(near_x, near_y);
-        if (value == nullptr || is_hole(*value)) continue;
-        sum += *value;
-        ++count;
-      }
-    }
-    if (count == 0) return false;
-    *map.At(x, y) = static_cast<uint16_t>(sum / count);
-    return true;
-  };
-  std::vector<int32_t> holes, left;
-  for (size_t i = 0; i < map.values.size(); ++i) {
-    if (is_hole(map.values[i])) holes.push_back(static_cast<int32_t>(i));
-  }
-  std::remove_copy_if(holes.begin(), holes.end(), std::back_inserter(left),
-                      fill);
-  std::for_each(left.rbegin(), left.rend(), fill);
-  return map;
-}
-
 Map Filled(void (*kernel)(Plane<uint16_t>), const Map& map) {
   const GuardedImage<uint16_t> memory(map);
   kernel(memory.View());
@@ -178,16 +128,14 @@ Map Filled(void (*kernel)(Plane<uint16_t>), const Map& map) {
 
 TEST(HoleFilling, IsThatOfAListOfHoles) {
   ForEachMap([](Map map) {
-    EXPECT_TRUE(IsSame(
-        Filled(FillDisparityHoles, map),
-        ReferenceFill(map, [](uint16_t value) { return value >= kHole; })));
+    EXPECT_TRUE(IsSame(Filled(FillDisparityHoles, map),
+                       reference::FillHoles(map, reference::IsDisparityHole)));
     // Distances, whose sums pass 16 bits.
     for (uint16_t& value : map.values) {
       value = value >= kHole ? 0 : static_cast<uint16_t>(value * 64 + 1);
     }
-    EXPECT_TRUE(
-        IsSame(Filled(FillDistanceHoles, map),
-               ReferenceFill(map, [](uint16_t value) { return value == 0; })))
+    EXPECT_TRUE(IsSame(Filled(FillDistanceHoles, map),
+                       reference::FillHoles(map, reference::IsDistanceHole)))
         << "as distances";
   });
 }

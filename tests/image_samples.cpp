@@ -2,11 +2,16 @@
 #include "image_samples.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
+
+// Needs FILE and size_t before it.
+#include <jpeglib.h>
 
 #include "image_file.h"
 #include "pending_file.h"
@@ -57,6 +62,34 @@ void WriteGrey(const Map<uint8_t>& map, const std::string& path) {
 
 void WriteDisparity(const DisparityMap& map, const std::string& path) {
   WriteImage(WriteDisparity, map, path);
+}
+
+std::vector<uint8_t> Jpeg(Picture picture, bool is_progressive) {
+  jpeg_compress_struct compress = {};
+  jpeg_error_mgr errors = {};
+  compress.err = jpeg_std_error(&errors);
+  jpeg_create_compress(&compress);
+  unsigned char* bytes = nullptr;
+  unsigned long size = 0;  // NOLINT(google-runtime-int): libjpeg's type
+  jpeg_mem_dest(&compress, &bytes, &size);
+  compress.image_width = static_cast<JDIMENSION>(picture.width);
+  compress.image_height = static_cast<JDIMENSION>(picture.height);
+  compress.input_components = 3;
+  compress.in_color_space = JCS_RGB;
+  jpeg_set_defaults(&compress);
+  jpeg_set_quality(&compress, 98, TRUE);
+  if (is_progressive) jpeg_simple_progression(&compress);
+  jpeg_start_compress(&compress, TRUE);
+  for (auto row = picture.rgb.begin(); row < picture.rgb.end();
+       row += std::ptrdiff_t{3} * picture.width) {
+    JSAMPROW samples = &*row;
+    jpeg_write_scanlines(&compress, &samples, 1);
+  }
+  jpeg_finish_compress(&compress);
+  jpeg_destroy_compress(&compress);
+  std::vector<uint8_t> file(bytes, bytes + size);
+  std::free(bytes);
+  return file;
 }
 
 std::vector<uint8_t> ReadBytes(const std::string& path) {

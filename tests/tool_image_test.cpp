@@ -6,14 +6,10 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstdlib>
 #include <initializer_list>
 #include <string>
 #include <vector>
-
-// Needs FILE and size_t before it.
-#include <jpeglib.h>
 
 #include "coordinates.h"
 #include "image_file.h"
@@ -99,34 +95,6 @@ Picture Ramp() {
     picture.rgb[i] = static_cast<uint8_t>(pixel.at(i % 3));
   }
   return picture;
-}
-
-Bytes Jpeg(Picture picture, bool is_progressive = false) {
-  jpeg_compress_struct compress = {};
-  jpeg_error_mgr errors = {};
-  compress.err = jpeg_std_error(&errors);
-  jpeg_create_compress(&compress);
-  unsigned char* bytes = nullptr;
-  unsigned long size = 0;  // NOLINT(google-runtime-int): libjpeg's type
-  jpeg_mem_dest(&compress, &bytes, &size);
-  compress.image_width = static_cast<JDIMENSION>(picture.width);
-  compress.image_height = static_cast<JDIMENSION>(picture.height);
-  compress.input_components = 3;
-  compress.in_color_space = JCS_RGB;
-  jpeg_set_defaults(&compress);
-  jpeg_set_quality(&compress, 98, TRUE);
-  if (is_progressive) jpeg_simple_progression(&compress);
-  jpeg_start_compress(&compress, TRUE);
-  for (auto row = picture.rgb.begin(); row < picture.rgb.end();
-       row += std::ptrdiff_t{3} * picture.width) {
-    JSAMPROW samples = &*row;
-    jpeg_write_scanlines(&compress, &samples, 1);
-  }
-  jpeg_finish_compress(&compress);
-  jpeg_destroy_compress(&compress);
-  Bytes file(bytes, bytes + size);
-  std::free(bytes);
-  return file;
 }
 
 // Reads as the picture, or is refused with these words.

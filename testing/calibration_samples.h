@@ -1,6 +1,6 @@
 // Calibration containers of every length, and keys to seal and wrap with.
-#ifndef TESTS_CALIBRATION_SAMPLES_H_
-#define TESTS_CALIBRATION_SAMPLES_H_
+#ifndef ZUQEL_TESTING_CALIBRATION_SAMPLES_H_
+#define ZUQEL_TESTING_CALIBRATION_SAMPLES_H_
 
 #include <openssl/evp.h>
 
@@ -137,4 +137,4 @@ inline Bytes MakeContainer(const Form& form, const std::vector<Bytes>& units) {
 
 }  // namespace zuqel::calib
 
-#endif  // TESTS_CALIBRATION_SAMPLES_H_
+#endif  // ZUQEL_TESTING_CALIBRATION_SAMPLES_H_
