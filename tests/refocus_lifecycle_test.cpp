@@ -195,6 +195,19 @@ TEST_F(RefocusLifecycle, ASecondInitMakesEverythingAnew) {
   EXPECT_FALSE(glIsFramebuffer(second));
 }
 
+// The session that comes meanwhile runs in the maps' context as in a caller's.
+TEST_F(RefocusLifecycle, TheirContextEndsWithThemWhateverRunsInIt) {
+  for (const int32_t off_screen : {1, 0}) {
+    { const ScopedSession before(SmallInfo()); }
+    zuQelRT_GenRefocusMap_init();
+    const ScopedSession session(SmallInfo(off_screen));
+    EXPECT_EQ(session.status(), 0U);
+    EXPECT_NE(eglGetCurrentContext(), EGL_NO_CONTEXT);
+    zuQelRT_GenRefocusMap_Deinit();
+    EXPECT_EQ(eglGetCurrentContext(), EGL_NO_CONTEXT) << off_screen;
+  }
+}
+
 TEST_F(RefocusLifecycle, ProgramsComeFromTheCache) {
   const std::string valid = "gbinaryInfo.isValid  = 1\n";
   const std::string loaded = "*VX* 1\n*VX* GL_TRUE .\n";

@@ -48,7 +48,7 @@ uint32_t zuQelRT_GLClose() {
   const auto in_progress = session.Enter(zuqel::kAllCalls);
   session.QelMode = zuqel::kModeClosed;
   session.until_close.emplace();
-  if (session.gInfo.offmode != 0) {
+  if (session.gInfo.offmode != 0 || session.frame_context.HoldsContext()) {
     zuqel::DeleteContext(session.frame_context, session.refocus_context);
   }
   ZUQEL_LOG("zuQelRT_GLClose -");

@@ -70,7 +70,7 @@ uint32_t zuQelRT_GenRefocusMap_Deinit() {
   session.refocus_maps = {};
   session.until_close->generators = {};
   session.refocus_maps.buffers.Log("deinit after");
-  if (session.gInfo.offmode != 0) {
+  if (session.gInfo.offmode != 0 || session.refocus_context.HoldsContext()) {
     zuqel::DeleteContext(session.refocus_context, session.frame_context);
   }
   ZUQEL_LOG("Deinit RefocusMap Gen -");

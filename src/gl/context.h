@@ -18,6 +18,8 @@ struct ContextSlot {
   EGLDisplay display = EGL_NO_DISPLAY;
   EGLSurface surface = EGL_NO_SURFACE;
   EGLContext context = EGL_NO_CONTEXT;
+
+  [[nodiscard]] bool HoldsContext() const { return context != EGL_NO_CONTEXT; }
 };
 
 // Empties slots whose display has been terminated. Where this thread has no
