@@ -1,0 +1,70 @@
+// Writes a few inputs for each target: noise, and what readers take.
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "image_file.h"
+#include "image_samples.h"
+#include "random.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+namespace tools = zuqel::tools;
+using Bytes = std::vector<uint8_t>;
+
+constexpr auto kTargets = {"calibration", "commands", "cpu_calls", "depth",
+                           "masks",       "pictures", "planes",    "session"};
+
+// The reader and whether check sums are repaired come last in an input.
+void AddPicture(const std::string& file, Bytes bytes, uint8_t reader) {
+  bytes.insert(bytes.end(), {1, reader});
+  tools::WriteBytes(file, bytes);
+}
+
+void WritePictures(const fs::path& folder) {
+  const std::string png = folder / "file.png";
+  const tools::Picture picture = tools::NoisePicture(8, 6);
+  AddPicture(folder / "jpeg", tools::Jpeg(picture), 0);
+  tools::WritePicture(picture, png);
+  AddPicture(folder / "picture", tools::ReadBytes(png), 0);
+  tools::WriteDisparity(tools::DisparityMap(5, 4), png);
+  AddPicture(folder / "disparity", tools::ReadBytes(png), 1);
+  AddPicture(folder / "distance", tools::ReadBytes(png), 2);
+  tools::WriteGrey(tools::WeightMap(5, 4), png);
+  AddPicture(folder / "weights", tools::ReadBytes(png), 3);
+  fs::remove(png);
+}
+
+void WriteNoise(const fs::path& folder) {
+  zuqel::Random random(1);
+  for (const size_t size : {16U, 64U, 256U, 1024U, 3000U}) {
+    tools::WriteBytes(folder / std::to_string(size),
+                      random.Values<uint8_t>(size));
+  }
+}
+
+void WriteSeeds(const fs::path& folder) {
+  for (const char* target : kTargets) {
+    fs::create_directories(folder / target);
+    WriteNoise(folder / target);
+  }
+  WritePictures(folder / "pictures");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 2) {
+    static_cast<void>(std::fputs("usage: fuzz_seeds FOLDER\n", stderr));
+    return 2;
+  }
+  try {
+    WriteSeeds(argv[1]);
+  } catch (const std::exception& error) {
+    static_cast<void>(std::fprintf(stderr, "fuzz_seeds: %s\n", error.what()));
+    return 1;
+  }
+  return 0;
+}
