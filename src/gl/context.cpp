@@ -44,6 +44,11 @@ bool Succeeded(EGLBoolean result, const char* step) {
   return false;
 }
 
+// A driver that counts initialisations goes on after a termination.
+bool HasEnded(EGLDisplay display) {
+  return eglQueryString(display, EGL_VERSION) == nullptr;
+}
+
 void CreateContext(ContextSlot& slot) {
   ZUQEL_LOG("OpenGLCreateContextSurface");
 
@@ -101,8 +106,11 @@ void CreateContext(ContextSlot& slot) {
 }  // namespace
 
 void EnsureContext(ContextSlot& slot, ContextSlot& other) {
-  for (ContextSlot* terminated : {&slot, &other}) {
-    if (terminated->is_terminated) *terminated = {.index = terminated->index};
+  for (ContextSlot* ended : {&slot, &other}) {
+    if (ended->is_terminated && HasEnded(ended->display)) {
+      *ended = {.index = ended->index};
+    }
+    ended->is_terminated = false;
   }
   if (HasContext()) return;
   ZUQEL_LOG(

@@ -8,10 +8,10 @@ namespace zuqel {
 
 // A slot is empty, partly filled (a step of creation failed; what was made
 // until then stays) or complete. `index` is its number in the log. The slots
-// share their display, and terminating it ends the objects of both. The other
-// slot keeps its handles for its own deletion, which then fails, but not beyond
-// it, and not when the display is opened again: they may name other objects
-// then.
+// share their display, and terminating it ends the objects of both where the
+// driver does not count initialisations. The other slot keeps its handles for
+// its own deletion, which then fails, but not beyond it, and not when the
+// display is opened again: they may name other objects then.
 struct ContextSlot {
   int index = 0;
   bool is_terminated = false;
@@ -22,7 +22,7 @@ struct ContextSlot {
   [[nodiscard]] bool HoldsContext() const { return context != EGL_NO_CONTEXT; }
 };
 
-// Empties slots whose display has been terminated. Where this thread has no
+// Empties slots whose display has ended. Where this thread has no
 // context, makes an ES 2 context with a 1x1 pbuffer and makes it current. Each
 // step is logged; the first that fails ends the work.
 void EnsureContext(ContextSlot& slot, ContextSlot& other);
