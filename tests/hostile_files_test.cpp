@@ -198,9 +198,9 @@ TEST_F(HostileFiles, LeavesNothingWhenASignalEndsIt) {
     for (const std::string signal : {"HUP", "PIPE", "TERM", "XCPU"}) {
       const Outcome outcome =
           Shell(Concat({frames_, "--count 3 -o ", target,
-                        " & until test \"$(ls -A box)\"; do sleep 0.01; done\n"
-                        "sleep 0.1; kill -",
-                        signal, " $!; wait $!; kill -l $?; ls -A box"}));
+                        " & until test \"$(ls -A box)\"; do sleep 0.01; done\n",
+                        "sleep 0.1; kill -", signal,
+                        " $!; wait $!; kill -l $?; ls -A box"}));
       EXPECT_EQ(outcome.out, signal + "\n") << target << outcome.err;
     }
   }

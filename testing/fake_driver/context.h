@@ -104,13 +104,13 @@ class Objects {
     return name;
   }
   // Null where there is no such object here.
-  std::shared_ptr<T> Find(GLuint name) const {
+  [[nodiscard]] std::shared_ptr<T> Find(GLuint name) const {
     const auto found = objects_.find(name);
     return found == objects_.end() ? nullptr : found->second;
   }
   // True for 0 too. Otherwise notes it: GL would pass over a deletion, and
   // would make an object of a name that nobody generated.
-  bool Has(Call call, GLuint name) const {
+  [[nodiscard]] bool Has(Call call, GLuint name) const {
     if (name == 0 || objects_.contains(name)) return true;
     NoteMisuse(call, "no such name in this context");
     return false;

@@ -120,9 +120,10 @@ Nothing EglFault(Call call, EGLint code) {
 bool EnterDisplay(Call call, EGLDisplay display,
                   bool needs_initialised = true) {
   if (!EnterEgl(call)) return false;
-  if (display != &the_display) return EglFault(call, EGL_BAD_DISPLAY);
+  if (display != &the_display)
+    return EglFault(call, EGL_BAD_DISPLAY) == EGL_TRUE;
   if (needs_initialised && !is_initialised.load(kRelaxed)) {
-    return EglFault(call, EGL_NOT_INITIALIZED);
+    return EglFault(call, EGL_NOT_INITIALIZED) == EGL_TRUE;
   }
   return true;
 }
@@ -210,7 +211,11 @@ EGLBoolean eglTerminate(EGLDisplay display) {
 }
 
 const char* eglQueryString(EGLDisplay display, EGLint) {
-  return EnterDisplay(Call::eglQueryString, display) ? "" : nullptr;
+  if (!EnterDisplay(Call::eglQueryString, display, false)) return nullptr;
+  if (is_initialised.load(kRelaxed)) return "";
+  // Not noted: there is no other way to find out.
+  last_error = EGL_NOT_INITIALIZED;
+  return nullptr;
 }
 
 // No config can draw to windows.

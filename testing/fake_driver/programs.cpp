@@ -110,7 +110,7 @@ bool IsBinary(std::string_view binary) {
 
 std::string TakePart(std::string_view& binary) {
   const size_t end = binary.find('\0');
-  const std::string part(binary.substr(0, end));
+  std::string part(binary.substr(0, end));
   binary.remove_prefix(end + 1);
   return part;
 }
@@ -323,7 +323,8 @@ void glProgramBinary(GLuint name, GLenum format, const void* binary,
   program->attribute_locations.clear();
   while (!rest.empty()) {
     const std::string attribute = TakePart(rest);
-    program->attribute_locations[attribute] = static_cast<GLuint>(rest[0]);
+    program->attribute_locations[attribute] =
+        static_cast<unsigned char>(rest[0]);
     rest.remove_prefix(2);
   }
   SetInputs(*program, vertex, fragment);

@@ -1,6 +1,8 @@
 // Textures, renderbuffers and framebuffers: what is drawn from and into.
 #include <GLES2/gl2.h>
 
+#include <algorithm>
+
 #include "fake_driver/content.h"
 #include "fake_driver/context.h"
 
@@ -38,7 +40,7 @@ struct Rows {
       return static_cast<size_t>(c.Value(name));
     };
     const size_t length = value(names.row_length) * pixel_bytes;
-    const size_t alignment = value(names.alignment);
+    const size_t alignment = std::max(value(names.alignment), size_t{1});
     stride = ((length == 0 ? bytes : length) + alignment - 1) / alignment *
              alignment;
     skipped = value(names.skipped_rows) * stride +
