@@ -9,14 +9,12 @@
 //                    since the library writes to standard output
 #include <GLES2/gl2.h>
 #include <android/log.h>
-#include <unistd.h>
 #include <zuQelRT_GL.h>
 #include <zuQelRT_generators.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <fstream>
 #include <functional>
 #include <iostream>
 #include <string>
@@ -25,15 +23,10 @@
 
 #include "caller_frame.h"
 #include "library_allocations.h"
+#include "resident_bytes.h"
 
 namespace zuqel {
 namespace {
-
-int64_t ResidentBytes() {
-  int64_t total_pages = 0, resident_pages = 0;
-  std::ifstream("/proc/self/statm") >> total_pages >> resident_pages;
-  return resident_pages * sysconf(_SC_PAGESIZE);
-}
 
 // Drivers give out the lowest names that are free.
 int NamesInContext() {

@@ -2,24 +2,17 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
-#include <fstream>
 #include <vector>
 
 #include "driver_turns.h"
 #include "fresh_session.h"
+#include "resident_bytes.h"
 
 namespace zuqel {
 namespace {
-
-int64_t ResidentBytes() {
-  int64_t total_pages = 0, resident_pages = 0;
-  std::ifstream("/proc/self/statm") >> total_pages >> resident_pages;
-  return resident_pages * sysconf(_SC_PAGESIZE);
-}
 
 // Renders frames of each call in turn, after a warm-up.
 TEST(Memory, IsFlatOverFramesAndSessions) {
