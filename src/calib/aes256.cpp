@@ -12,7 +12,7 @@ namespace {
 // `factor` only, since `value` may be secret.
 constexpr uint8_t Multiply(uint8_t value, uint8_t factor) {
   uint32_t product = 0;
-  for (int bit = 7; bit >= 0; --bit) {
+  for (int bit = std::bit_width(factor) - 1; bit >= 0; --bit) {
     product = (product << 1) ^ ((product >> 7) * 0x11B);
     if (((factor >> bit) & 1) != 0) product ^= value;
   }
