@@ -196,7 +196,7 @@ TEST_F(LifecycleLog, CreationStopsAtTheStepThatFails) {
       {Call::kInitialize, "eglInitialize", "failed", {true}},
       {Call::kChooseConfig, "eglChooseConfig", "failed", {true}},
       {Call::kCreatePbufferSurface, "eglCreatePbufferSurface", failed, {true}},
-      {Call::kCreateContext, "eglCreateContext", failed, {true, true}},
+      {Call::kCreateContext, "eglCreateContext", failed, {true}},
       {Call::kMakeCurrent, "eglMakeCurrent", failed, kAllHandles}};
   for (const Row& row : rows) {
     SCOPED_TRACE(row.step);

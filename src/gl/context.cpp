@@ -91,6 +91,9 @@ void CreateContext(ContextSlot& slot) {
   if (slot.context == EGL_NO_CONTEXT) {
     ZUQEL_LOG("eglCreateContext failed - eglGetError Returned: 0x%x",
               EglError());
+    // Nothing would ever delete it: a slot is deleted only as a whole.
+    eglDestroySurface(slot.display, slot.surface);
+    slot.surface = EGL_NO_SURFACE;
     return;
   }
   ZUQEL_LOG("eglCreateContext successfully");
