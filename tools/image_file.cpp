@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <span>
 #include <vector>
 
 #include "decode/decode.h"
@@ -39,16 +40,20 @@ void RequireReadableSize(const std::string& path, int width, int height) {
                    " pixels; at most " + most + " x " + most + " is supported");
 }
 
-bool IsPng(const Bytes& bytes) {
+[[noreturn]] void RefuseKind(const std::string& path) {
+  Refuse(path, "is not a PNG or JPEG picture");
+}
+
+bool IsPng(std::span<const uint8_t> bytes) {
   return bytes.size() >= 8 && png_sig_cmp(bytes.data(), 0, 8) == 0;
 }
 
-bool IsJpeg(const Bytes& bytes) {
+bool IsJpeg(std::span<const uint8_t> bytes) {
   return bytes.size() >= 3 && bytes[0] == 0xff && bytes[1] == 0xd8 &&
          bytes[2] == 0xff;
 }
 
-PngHeader ReadHeader(const std::string& path, const Bytes& bytes) {
+PngHeader ReadHeader(const std::string& path, std::span<const uint8_t> bytes) {
   Reason reason = {};
   PngHeader header = {};
   CheckDecoded(
@@ -60,7 +65,7 @@ PngHeader ReadHeader(const std::string& path, const Bytes& bytes) {
 
 // Decodes into `pixels`, which has the size given by the file's header.
 template <typename Value>
-void DecodePngInto(const std::string& path, const Bytes& bytes,
+void DecodePngInto(const std::string& path, std::span<const uint8_t> bytes,
                    PngLayout layout, std::vector<Value>& pixels) {
   Reason reason = {};
   CheckDecoded(path,
@@ -69,27 +74,68 @@ void DecodePngInto(const std::string& path, const Bytes& bytes,
                reason);
 }
 
-Picture DecodePngPicture(const std::string& path, const Bytes& bytes) {
+Picture DecodePngPicture(const std::string& path,
+                         std::span<const uint8_t> bytes) {
   const PngHeader header = ReadHeader(path, bytes);
   Picture picture(header.width, header.height);
   DecodePngInto(path, bytes, kPngRgb8, picture.rgb);
   return picture;
 }
 
-Picture DecodeJpegPicture(const std::string& path, const Bytes& bytes) {
+Size ReadJpegSizeOf(const std::string& path, std::span<const uint8_t> bytes) {
   Reason reason = {};
-  int width = 0, height = 0;
-  CheckDecoded(
-      path,
-      ReadJpegSize(bytes.data(), bytes.size(), &width, &height, reason.data()),
-      reason);
-  RequireReadableSize(path, width, height);
-  Picture picture(width, height);
+  Size size;
   CheckDecoded(path,
-               DecodeJpeg(bytes.data(), bytes.size(), picture.rgb.data(),
-                          picture.rgb.size(), reason.data()),
+               ReadJpegSize(bytes.data(), bytes.size(), &size.width,
+                            &size.height, reason.data()),
                reason);
+  RequireReadableSize(path, size.width, size.height);
+  return size;
+}
+
+// Decodes into `pixels`, which has the size given by the file's header.
+void DecodeJpegInto(const std::string& path, std::span<const uint8_t> bytes,
+                    JpegLayout layout, std::vector<uint8_t>& pixels) {
+  Reason reason = {};
+  CheckDecoded(path,
+               DecodeJpeg(bytes.data(), bytes.size(), layout, pixels.data(),
+                          pixels.size(), reason.data()),
+               reason);
+}
+
+Picture DecodeJpegPicture(const std::string& path,
+                          std::span<const uint8_t> bytes) {
+  const Size size = ReadJpegSizeOf(path, bytes);
+  Picture picture(size.width, size.height);
+  DecodeJpegInto(path, bytes, kJpegRgb8, picture.rgb);
   return picture;
+}
+
+GreyPicture Widen(const Map<uint8_t>& map) {
+  GreyPicture grey = {{map.width, map.height}};
+  std::copy(map.values.begin(), map.values.end(), grey.map.values.begin());
+  return grey;
+}
+
+GreyPicture DecodeGreyPng(const std::string& path,
+                          std::span<const uint8_t> bytes) {
+  const PngHeader header = ReadHeader(path, bytes);
+  if (header.bit_depth == 16) {
+    GreyPicture grey = {{header.width, header.height}, 65535};
+    DecodePngInto(path, bytes, kPngGrey16, grey.map.values);
+    return grey;
+  }
+  Map<uint8_t> map(header.width, header.height);
+  DecodePngInto(path, bytes, kPngGrey8, map.values);
+  return Widen(map);
+}
+
+GreyPicture DecodeGreyJpeg(const std::string& path,
+                           std::span<const uint8_t> bytes) {
+  const Size size = ReadJpegSizeOf(path, bytes);
+  Map<uint8_t> map(size.width, size.height);
+  DecodeJpegInto(path, bytes, kJpegGrey8, map.values);
+  return Widen(map);
 }
 
 template <typename Value>
@@ -125,10 +171,7 @@ void WritePng(int width, int height, png_uint_32 format, const void* pixels,
 }  // namespace
 
 Picture ReadPicture(const std::string& path) {
-  const Bytes bytes = ReadFile(path);
-  if (IsPng(bytes)) return DecodePngPicture(path, bytes);
-  if (IsJpeg(bytes)) return DecodeJpegPicture(path, bytes);
-  Refuse(path, "is not a PNG or JPEG picture");
+  return DecodePicture(path, ReadFile(path));
 }
 
 Picture ReadFramePicture(const std::string& path) {
@@ -139,6 +182,19 @@ Picture ReadFramePicture(const std::string& path) {
                      " pixels; an even width and height are needed");
   }
   return picture;
+}
+
+Picture DecodePicture(const std::string& name, std::span<const uint8_t> bytes) {
+  if (IsPng(bytes)) return DecodePngPicture(name, bytes);
+  if (IsJpeg(bytes)) return DecodeJpegPicture(name, bytes);
+  RefuseKind(name);
+}
+
+GreyPicture DecodeGreyPicture(const std::string& name,
+                              std::span<const uint8_t> bytes) {
+  if (IsPng(bytes)) return DecodeGreyPng(name, bytes);
+  if (IsJpeg(bytes)) return DecodeGreyJpeg(name, bytes);
+  RefuseKind(name);
 }
 
 DisparityMap ReadDisparity(const std::string& path) {

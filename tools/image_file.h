@@ -3,6 +3,7 @@
 #define ZUQEL_TOOLS_IMAGE_FILE_H_
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 #include "image.h"
@@ -18,6 +19,18 @@ Picture ReadPicture(const std::string& path);
 
 // The same, for a camera frame: width and height must be even.
 Picture ReadFramePicture(const std::string& path);
+
+// The same as ReadPicture from a file in memory; `name` is what errors call it.
+Picture DecodePicture(const std::string& name, std::span<const uint8_t> bytes);
+
+// A PNG or JPEG picture without its colours and alpha. 16-bit PNG keeps its
+// values; all others have 8 bits.
+struct GreyPicture {
+  Map<uint16_t> map;
+  int white = 255;  // or 65535
+};
+GreyPicture DecodeGreyPicture(const std::string& name,
+                              std::span<const uint8_t> bytes);
 
 // A 16-bit grey PNG with values up to 1023.
 DisparityMap ReadDisparity(const std::string& path);

@@ -25,12 +25,11 @@ struct PngHeader {
 enum DecodeStatus ReadPngHeader(const uint8_t* bytes, size_t size,
                                 struct PngHeader* header, char* reason);
 
-/* Layout of the decoded pixels. The grey ones are for files of just that kind.
- */
+/* Layout of the decoded pixels. Alpha is dropped, palettes are expanded. */
 enum PngLayout {
-  kPngRgb8,  /* any file: 3 bytes; alpha dropped, palette and grey expanded */
-  kPngGrey8, /* 1 byte */
-  kPngGrey16 /* one uint16_t, native byte order */
+  kPngRgb8,  /* 3 bytes */
+  kPngGrey8, /* 1 byte; not for files with a bit depth of 16 */
+  kPngGrey16 /* one uint16_t, native byte order; only for those */
 };
 
 /* Writes width x height pixels, as ReadPngHeader gives them for the same bytes,
@@ -43,11 +42,14 @@ enum DecodeStatus DecodePng(const uint8_t* bytes, size_t size,
 enum DecodeStatus ReadJpegSize(const uint8_t* bytes, size_t size, int* width,
                                int* height, char* reason);
 
-/* Writes width x height pixels, 3 bytes each (red, green, blue), with the size
- * that ReadJpegSize gives for the same bytes, to the `rgb_size` bytes at `rgb`;
- * fails if that is not their size. On failure `rgb` may be partly written. */
-enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size, uint8_t* rgb,
-                             size_t rgb_size, char* reason);
+enum JpegLayout { kJpegRgb8, kJpegGrey8 };
+
+/* Writes width x height pixels, as ReadJpegSize gives them for the same bytes,
+ * to the `pixels_size` bytes at `pixels`; fails if that is not their size. On
+ * failure `pixels` may be partly written. */
+enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size,
+                             enum JpegLayout layout, uint8_t* pixels,
+                             size_t pixels_size, char* reason);
 
 #ifdef __cplusplus
 }

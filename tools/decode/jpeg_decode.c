@@ -68,46 +68,56 @@ static void Open(struct JpegDecoder* decoder, const uint8_t* bytes,
   jpeg_read_header(&decoder->decompress, TRUE);
 }
 
-static void ReadRows(struct JpegDecoder* decoder, uint8_t* rgb,
-                     size_t rgb_size) {
+struct JpegTarget {
+  enum JpegLayout layout;
+  uint8_t* pixels;
+  size_t size;
+};
+
+static void ReadRows(struct JpegDecoder* decoder,
+                     const struct JpegTarget* target) {
   struct jpeg_decompress_struct* decompress = &decoder->decompress;
-  decompress->out_color_space = JCS_RGB;
+  decompress->out_color_space =
+      target->layout == kJpegRgb8 ? JCS_RGB : JCS_GRAYSCALE;
   jpeg_start_decompress(decompress);
-  const size_t row_bytes = (size_t)decompress->output_width * 3;
-  if (row_bytes * decompress->output_height != rgb_size) {
+  const size_t row_bytes =
+      (size_t)decompress->output_width * (size_t)decompress->output_components;
+  if (row_bytes * decompress->output_height != target->size) {
     Leave(decoder, kDecodeDamaged,
           "the pixels have another size than the header says");
   }
   while (decompress->output_scanline < decompress->output_height) {
-    JSAMPROW row = rgb + decompress->output_scanline * row_bytes;
+    JSAMPROW row = target->pixels + decompress->output_scanline * row_bytes;
     jpeg_read_scanlines(decompress, &row, 1);
   }
   jpeg_finish_decompress(decompress);
 }
 
-/* Errors jump back to here; the caller cleans up. Without `rgb` only the header
- * is read. */
+/* Errors jump back to here; the caller cleans up. Without `target` only the
+ * header is read. */
 static void Decode(struct JpegDecoder* decoder, const uint8_t* bytes,
-                   size_t size, uint8_t* rgb, size_t rgb_size) {
+                   size_t size, const struct JpegTarget* target) {
   if (setjmp(decoder->failed) != 0) return;
   Open(decoder, bytes, size);
-  if (rgb != NULL) ReadRows(decoder, rgb, rgb_size);
+  if (target != NULL) ReadRows(decoder, target);
 }
 
 enum DecodeStatus ReadJpegSize(const uint8_t* bytes, size_t size, int* width,
                                int* height, char* reason) {
   struct JpegDecoder decoder = {.status = kDecodeDone, .reason = reason};
-  Decode(&decoder, bytes, size, NULL, 0);
+  Decode(&decoder, bytes, size, NULL);
   *width = (int)decoder.decompress.image_width;
   *height = (int)decoder.decompress.image_height;
   jpeg_destroy_decompress(&decoder.decompress);
   return decoder.status;
 }
 
-enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size, uint8_t* rgb,
-                             size_t rgb_size, char* reason) {
+enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size,
+                             enum JpegLayout layout, uint8_t* pixels,
+                             size_t pixels_size, char* reason) {
+  const struct JpegTarget target = {layout, pixels, pixels_size};
   struct JpegDecoder decoder = {.status = kDecodeDone, .reason = reason};
-  Decode(&decoder, bytes, size, rgb, rgb_size);
+  Decode(&decoder, bytes, size, &target);
   jpeg_destroy_decompress(&decoder.decompress);
   return decoder.status;
 }

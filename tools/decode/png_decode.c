@@ -39,12 +39,16 @@ static void ReadBytes(png_structp png, png_bytep target, size_t size) {
 static void SetTransforms(png_structp png, enum PngLayout layout) {
   const uint16_t one = 1;
   const int little_endian = *(const uint8_t*)&one == 1;
-  if (layout == kPngGrey16 && little_endian) png_set_swap(png);
-  if (layout != kPngRgb8) return;
   png_set_expand(png);
-  png_set_scale_16(png);
   png_set_strip_alpha(png);
-  png_set_gray_to_rgb(png);
+  if (layout == kPngRgb8) {
+    png_set_scale_16(png);
+    png_set_gray_to_rgb(png);
+    return;
+  }
+  /* With the weights of sRGB. Grey pixels keep their value. */
+  png_set_rgb_to_gray(png, PNG_ERROR_ACTION_NONE, -1, -1);
+  if (layout == kPngGrey16 && little_endian) png_set_swap(png);
 }
 
 struct PngTarget {
