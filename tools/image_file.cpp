@@ -4,30 +4,20 @@
 #include <png.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <span>
 #include <vector>
 
 #include "decode/decode.h"
+#include "decode/decoded.h"
 #include "file_bytes.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
 namespace {
 
-using Reason = std::array<char, kDecodeReasonSize>;
-
 [[noreturn]] void Refuse(const std::string& path, const std::string& what) {
   throw InputError(path + ": " + what);
-}
-
-void CheckDecoded(const std::string& path, DecodeStatus status,
-                  const Reason& reason) {
-  if (status == kDecodeTruncated) Refuse(path, "is truncated");
-  if (status == kDecodeDamaged) {
-    Refuse(path, std::string("is damaged: ") + reason.data());
-  }
 }
 
 void RequireReadableSize(const std::string& path, int width, int height) {

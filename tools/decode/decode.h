@@ -51,6 +51,23 @@ enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size,
                              enum JpegLayout layout, uint8_t* pixels,
                              size_t pixels_size, char* reason);
 
+/* What a file holds besides its picture. */
+struct JpegMarkers;
+
+/* Reads what comes before the first scan. `markers` is closed by
+ * CloseJpegMarkers; null on failure. */
+enum DecodeStatus OpenJpegMarkers(const uint8_t* bytes, size_t size,
+                                  struct JpegMarkers** markers, char* reason);
+
+/* The content of the next APP1 segment, where EXIF and XMP are; null after the
+ * last. */
+const uint8_t* NextJpegSegment(struct JpegMarkers* markers, size_t* size);
+
+/* The ICC profile; null without a whole one. */
+const uint8_t* JpegProfile(const struct JpegMarkers* markers, size_t* size);
+
+void CloseJpegMarkers(struct JpegMarkers* markers);
+
 #ifdef __cplusplus
 }
 #endif

@@ -1,6 +1,7 @@
 /* Decodes JPEG files in memory. */
 #include <setjmp.h>
 #include <stdio.h>
+#include <stdlib.h>
 
 /* Needs FILE and size_t before it. */
 #include <jpeglib.h>
@@ -65,7 +66,6 @@ static void Open(struct JpegDecoder* decoder, const uint8_t* bytes,
   jpeg_create_decompress(&decoder->decompress);
   decoder->decompress.progress = &decoder->progress;
   jpeg_mem_src(&decoder->decompress, bytes, size);
-  jpeg_read_header(&decoder->decompress, TRUE);
 }
 
 struct JpegTarget {
@@ -99,6 +99,7 @@ static void Decode(struct JpegDecoder* decoder, const uint8_t* bytes,
                    size_t size, const struct JpegTarget* target) {
   if (setjmp(decoder->failed) != 0) return;
   Open(decoder, bytes, size);
+  jpeg_read_header(&decoder->decompress, TRUE);
   if (target != NULL) ReadRows(decoder, target);
 }
 
@@ -120,4 +121,64 @@ enum DecodeStatus DecodeJpeg(const uint8_t* bytes, size_t size,
   Decode(&decoder, bytes, size, &target);
   jpeg_destroy_decompress(&decoder.decompress);
   return decoder.status;
+}
+
+struct JpegMarkers {
+  struct JpegDecoder decoder;
+  jpeg_saved_marker_ptr next;
+  JOCTET* profile;
+  unsigned profile_size;
+};
+
+/* Errors jump back to here; the caller cleans up. */
+static void ReadMarkers(struct JpegMarkers* markers, const uint8_t* bytes,
+                        size_t size) {
+  enum { kWhole = 0xffff };
+  struct jpeg_decompress_struct* decompress = &markers->decoder.decompress;
+  if (setjmp(markers->decoder.failed) != 0) return;
+  Open(&markers->decoder, bytes, size);
+  jpeg_save_markers(decompress, JPEG_APP0 + 1, kWhole);
+  jpeg_save_markers(decompress, JPEG_APP0 + 2, kWhole);
+  jpeg_read_header(decompress, TRUE);
+  markers->next = decompress->marker_list;
+  jpeg_read_icc_profile(decompress, &markers->profile, &markers->profile_size);
+}
+
+enum DecodeStatus OpenJpegMarkers(const uint8_t* bytes, size_t size,
+                                  struct JpegMarkers** markers, char* reason) {
+  *markers = calloc(1, sizeof(struct JpegMarkers));
+  if (*markers == NULL) {
+    snprintf(reason, kDecodeReasonSize, "out of memory");
+    return kDecodeDamaged;
+  }
+  (*markers)->decoder.reason = reason;
+  ReadMarkers(*markers, bytes, size);
+  const enum DecodeStatus status = (*markers)->decoder.status;
+  if (status != kDecodeDone) {
+    CloseJpegMarkers(*markers);
+    *markers = NULL;
+  }
+  return status;
+}
+
+const uint8_t* NextJpegSegment(struct JpegMarkers* markers, size_t* size) {
+  jpeg_saved_marker_ptr marker = markers->next;
+  while (marker != NULL && marker->marker != JPEG_APP0 + 1) {
+    marker = marker->next;
+  }
+  if (marker == NULL) return NULL;
+  markers->next = marker->next;
+  *size = marker->data_length;
+  return marker->data;
+}
+
+const uint8_t* JpegProfile(const struct JpegMarkers* markers, size_t* size) {
+  *size = markers->profile_size;
+  return markers->profile;
+}
+
+void CloseJpegMarkers(struct JpegMarkers* markers) {
+  free(markers->profile);
+  jpeg_destroy_decompress(&markers->decoder.decompress);
+  free(markers);
 }

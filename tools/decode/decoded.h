@@ -1,0 +1,25 @@
+// Turns what the decoders report into errors.
+#ifndef ZUQEL_TOOLS_DECODE_DECODED_H_
+#define ZUQEL_TOOLS_DECODE_DECODED_H_
+
+#include <array>
+#include <string>
+
+#include "decode/decode.h"
+#include "tool_error.h"
+
+namespace zuqel::tools {
+
+using Reason = std::array<char, kDecodeReasonSize>;
+
+inline void CheckDecoded(const std::string& path, DecodeStatus status,
+                         const Reason& reason) {
+  if (status == kDecodeTruncated) throw InputError(path + ": is truncated");
+  if (status == kDecodeDamaged) {
+    throw InputError(path + ": is damaged: " + reason.data());
+  }
+}
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_DECODE_DECODED_H_
