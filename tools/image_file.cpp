@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "decode/decode.h"
-#include "decode/decoded.h"
+#include "decode_error.h"
 #include "file_bytes.h"
 #include "tool_error.h"
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "decode/decode.h"
-#include "decode/decoded.h"
+#include "decode_error.h"
 
 namespace zuqel::tools {
 namespace {

@@ -1,6 +1,6 @@
 // Turns what the decoders report into errors.
-#ifndef ZUQEL_TOOLS_DECODE_DECODED_H_
-#define ZUQEL_TOOLS_DECODE_DECODED_H_
+#ifndef ZUQEL_TOOLS_DECODE_ERROR_H_
+#define ZUQEL_TOOLS_DECODE_ERROR_H_
 
 #include <array>
 #include <string>
@@ -22,4 +22,4 @@ inline void CheckDecoded(const std::string& path, DecodeStatus status,
 
 }  // namespace zuqel::tools
 
-#endif  // ZUQEL_TOOLS_DECODE_DECODED_H_
+#endif  // ZUQEL_TOOLS_DECODE_ERROR_H_
