@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -14,6 +13,7 @@
 #include "image_samples.h"
 #include "photo/jpeg_depth.h"
 #include "photo_samples.h"
+#include "program_run.h"
 #include "random.h"
 #include "tool_error.h"
 
@@ -82,30 +82,30 @@ TEST(JpegDepth, HasAllFormsOfGDepth) {
               DepthMeaning::kLength, "m", {1.2F, 1.2F});
 }
 
-TEST(JpegDepth, IsWhatExifToolWrote) {
-  const TemporaryFolder folder;
+using JpegDepthFile = CommandLine;
+
+TEST_F(JpegDepthFile, IsWhatExifToolWrote) {
   for (const int side : {8, 300}) {  // 120 KB need extended XMP
     for (const std::string form : {"", "-api compact=Shorthand "}) {
-      WriteBytes(folder / "photo", JpegWith({}));
-      WriteBytes(folder / "original", {'o', 'r', 'i', 'g', 'i', 'n', 'a', 'l'});
       Map<uint8_t> depth(side, side);
       depth.values = Random(1).Values<uint8_t>(depth.values.size());
-      WriteGrey(depth, folder / "depth");
-      const std::string command =
-          "cd " + folder / "" + " && exiftool -q -overwrite_original " + form +
+      WriteGrey(depth, File("depth"));
+      WriteBytes(File("photo"), JpegWith({}));
+      const Outcome outcome = Shell(
+          "printf original >original; exiftool -q -overwrite_original " + form +
           "-XMP-GDepth:Format=RangeLinear -XMP-GDepth:Near=1 "
           "-XMP-GDepth:Far=256 -XMP-GDepth:Units=m "
-          "'-XMP-GDepth:DepthImage<=depth' "
-          "'-XMP-GImage:ImageData<=original' photo";
-      ASSERT_EQ(std::system(command.c_str()), 0);
-      const Bytes file = ReadBytes(folder / "photo");
-      EXPECT_EQ(ReadJpegSegments("", file).extended_xmp.size(),
+          "'-XMP-GDepth:DepthImage<=depth' '-XMP-GImage:ImageData<=original' "
+          "photo");
+      ASSERT_EQ(outcome.exit_code, 0) << outcome.err;
+      const Bytes photo = ReadBytes(File("photo"));
+      EXPECT_EQ(ReadJpegSegments("", photo).extended_xmp.size(),
                 side == 8 ? 0 : 2);
       std::vector<float> lengths;
       for (const uint8_t value : depth.values) {
         lengths.push_back(static_cast<float>(value) + 1);
       }
-      ExpectDepth(file, DepthMeaning::kLength, "m", lengths);
+      ExpectDepth(photo, DepthMeaning::kLength, "m", lengths);
     }
   }
 }

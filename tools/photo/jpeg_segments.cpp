@@ -10,11 +10,11 @@
 namespace zuqel::tools {
 namespace {
 
-using std::string_view_literals::operator""sv;
-
-constexpr auto kExif = "Exif\0\0"sv;
-constexpr auto kXmp = "http://ns.adobe.com/xap/1.0/\0"sv;
-constexpr auto kExtendedXmp = "http://ns.adobe.com/xmp/extension/\0"sv;
+// What a segment begins with; zeros belong to it.
+constexpr std::string_view kExif("Exif\0\0", 6);
+constexpr std::string_view kXmp("http://ns.adobe.com/xap/1.0/\0", 29);
+constexpr std::string_view kExtendedXmp("http://ns.adobe.com/xmp/extension/\0",
+                                        35);
 
 struct CloseMarkers {
   void operator()(JpegMarkers* markers) const { CloseJpegMarkers(markers); }

@@ -2,11 +2,10 @@
 #include "photo/ranged_depth.h"
 
 #include <algorithm>
-#include <locale>
 #include <optional>
-#include <sstream>
 
 #include "image_file.h"
+#include "photo/number_text.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -20,15 +19,6 @@ struct Range {
   double near, far;
   std::string unit;
 };
-
-std::optional<double> ParseNumber(std::string_view text) {
-  std::istringstream stream{std::string(text)};
-  stream.imbue(std::locale::classic());
-  double value = 0;
-  stream >> value;
-  if (stream.fail() || !stream.eof()) return std::nullopt;
-  return value;
-}
 
 // The short names are those of GDepth.
 std::string UnitName(std::string_view text) {
@@ -49,8 +39,8 @@ class RangeReader {
       Refuse("Format \"" + std::string(format) +
              "\" is neither RangeLinear nor RangeInverse");
     }
-    const Range range = {format == "RangeInverse", Length("Near"),
-                         Length("Far"), UnitName(Value("Units"))};
+    Range range = {format == "RangeInverse", Length("Near"), Length("Far"),
+                   UnitName(Value("Units"))};
     if (range.unit == "Diopters") Refuse("Units are no unit of length");
     if (range.far <= range.near) {
       Refuse("Far " + std::string(Value("Far")) + " is not beyond its Near " +
@@ -69,10 +59,10 @@ class RangeReader {
   }
 
   [[nodiscard]] double Length(const std::string& name) const {
-    const std::string_view text = Value(name);
+    const std::string text(Value(name));
     const std::optional<double> value = ParseNumber(text);
     if (value && *value >= kLeastLength && *value <= kMostLength) return *value;
-    Refuse(name + " \"" + std::string(text) + "\" is no length above 0");
+    Refuse(name + " \"" + text + "\" is no length above 0");
   }
 
   const std::string& path_;
