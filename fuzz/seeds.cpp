@@ -6,6 +6,7 @@
 
 #include "image_file.h"
 #include "image_samples.h"
+#include "photo_samples.h"
 #include "random.h"
 
 namespace {
@@ -14,8 +15,9 @@ namespace fs = std::filesystem;
 namespace tools = zuqel::tools;
 using Bytes = std::vector<uint8_t>;
 
-constexpr auto kTargets = {"calibration", "commands", "cpu_calls", "depth",
-                           "masks",       "pictures", "planes",    "session"};
+constexpr auto kTargets = {"calibration", "commands", "cpu_calls",
+                           "depth",       "masks",    "photos",
+                           "pictures",    "planes",   "session"};
 
 // The reader and whether check sums are repaired come last in an input.
 void AddPicture(const std::string& file, Bytes bytes, uint8_t reader) {
@@ -37,6 +39,29 @@ void WritePictures(const fs::path& folder) {
   fs::remove(png);
 }
 
+void WritePhotos(const fs::path& folder) {
+  enum : uint8_t { kFile, kPacket, kExtended };
+  const auto add = [&](const char* name, tools::Bytes bytes,
+                       const tools::Bytes& numbers) {
+    bytes.insert(bytes.end(), numbers.begin(), numbers.end());
+    tools::WriteBytes(folder / name, bytes);
+  };
+  const tools::Bytes depth = tools::DepthPng();
+  add("segments", tools::JpegWith(tools::InSegments(depth)), {kFile});
+  const auto add_packet = [&](const char* name, const std::string& packet) {
+    tools::Bytes bytes(packet.begin(), packet.end());
+    const tools::Bytes file = tools::DynamicDepth("");
+    bytes.insert(bytes.end(), file.begin(), file.end());
+    add(name, bytes, {kPacket});
+  };
+  add_packet("gdepth", tools::GDepth(depth, "RangeLinear"));
+  add_packet("flat", tools::DynamicPacket(tools::kFlat));
+  add_packet("elements", tools::DynamicPacket(tools::kElements));
+  // Split after 100 bytes.
+  const std::string extended = tools::GDepth(depth, "RangeInverse");
+  add("extended", {extended.begin(), extended.end()}, {1, 100, kExtended});
+}
+
 void WriteNoise(const fs::path& folder) {
   zuqel::Random random(1);
   for (const size_t size : {16U, 64U, 256U, 1024U, 3000U}) {
@@ -51,6 +76,7 @@ void WriteSeeds(const fs::path& folder) {
     WriteNoise(folder / target);
   }
   WritePictures(folder / "pictures");
+  WritePhotos(folder / "photos");
 }
 
 }  // namespace
