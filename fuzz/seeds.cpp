@@ -41,25 +41,21 @@ void WritePictures(const fs::path& folder) {
 
 void WritePhotos(const fs::path& folder) {
   enum : uint8_t { kFile, kPacket, kExtended };
-  const auto add = [&](const char* name, tools::Bytes bytes,
-                       const tools::Bytes& numbers) {
-    bytes.insert(bytes.end(), numbers.begin(), numbers.end());
+  const auto add = [&](const char* name, tools::Bytes bytes, uint8_t kind) {
+    bytes.push_back(kind);
     tools::WriteBytes(folder / name, bytes);
   };
-  const tools::Bytes depth = tools::DepthPng();
-  add("segments", tools::JpegWith(tools::InSegments(depth)), {kFile});
   const auto add_packet = [&](const char* name, const std::string& packet) {
-    tools::Bytes bytes(packet.begin(), packet.end());
-    const tools::Bytes file = tools::DynamicDepth("");
-    bytes.insert(bytes.end(), file.begin(), file.end());
-    add(name, bytes, {kPacket});
+    const std::string file = tools::Text(tools::DynamicDepth("")),
+                      both = packet + file;
+    add(name, {both.begin(), both.end()}, kPacket);
   };
-  add_packet("gdepth", tools::GDepth(depth, "RangeLinear"));
+  const std::string gdepth = tools::Packet(tools::GDepth("RangeLinear"));
+  add_packet("gdepth", gdepth);
   add_packet("flat", tools::DynamicPacket(tools::kFlat));
   add_packet("elements", tools::DynamicPacket(tools::kElements));
-  // Split after 100 bytes.
-  const std::string extended = tools::GDepth(depth, "RangeInverse");
-  add("extended", {extended.begin(), extended.end()}, {1, 100, kExtended});
+  add("segments", tools::JpegWith(tools::ExtendedSegments()), kFile);
+  add("extended", {gdepth.begin(), gdepth.end()}, kExtended);
 }
 
 void WriteNoise(const fs::path& folder) {

@@ -1,16 +1,15 @@
 // Depth inside of JPEG files, put together here and by another program.
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <array>
-#include <functional>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
 #include "image_file.h"
 #include "image_samples.h"
+#include "photo/extended_xmp.h"
 #include "photo/jpeg_depth.h"
 #include "photo_samples.h"
 #include "program_run.h"
@@ -44,41 +43,26 @@ void ExpectDepth(const Bytes& file, DepthMeaning meaning,
   EXPECT_EQ(Text(read.original), "original");
 }
 
-constexpr std::array<uint8_t, 2> kFrame = {0xff, 0xc0};
-
 TEST(JpegDepth, HasAllFormsOfGDepth) {
-  const Bytes grey = DepthPng();
   Picture colour(3, 1);
   colour.rgb = {0, 0, 0, 51, 51, 51, 255, 255, 255};
   DisparityMap deep(3, 1);
   deep.values = {0, 13107, 65535};
-  const auto inverse = [](const Bytes& depth) {
-    return JpegWith({Standard(GDepth(depth, "RangeInverse"))});
-  };
-  std::vector<App> mixed = InSegments(grey);
+  Segments mixed = ExtendedSegments();
   std::swap(mixed[2], mixed.back());
-  mixed.push_back(Extended(std::string(32, 'A'), 9, 0, "left over"));
-  struct Case {
-    const char* name;
-    Bytes file;
-  };
-  for (const auto& [name, file] : {
-           Case{"attributes", inverse(grey)},
-           Case{"elements", JpegWith({Standard(Packet(
-                                "", Elements(Range("GDepth", "RangeInverse")) +
-                                        Elements(Data(grey))))})},
-           Case{"extended segments, out of order", JpegWith(mixed)},
-           Case{"16 bits", inverse(Png(deep))},
-           Case{"colours", inverse(Png(colour))},
-       }) {
-    SCOPED_TRACE(name);
+  for (const Bytes& file :
+       {JpegWithXmp(Packet(GDepth("RangeInverse"))),
+        JpegWithXmp(Packet("", Elements(GDepth("RangeInverse")))),
+        JpegWithXmp(Packet(GDepth("RangeInverse", Png(deep)))),
+        JpegWithXmp(Packet(GDepth("RangeInverse", Png(colour)))),
+        JpegWith(mixed)}) {
     ExpectDepth(file, DepthMeaning::kDisparity, "1/m", {2.F, 1.65F, 0.25F});
   }
-  ExpectDepth(JpegWith({Standard(GDepth(grey, "RangeLinear"))}),
-              DepthMeaning::kLength, "m", {0.5F, 1.2F, 4.F});
+  ExpectDepth(JpegWithXmp(Packet(GDepth("RangeLinear"))), DepthMeaning::kLength,
+              "m", {0.5F, 1.2F, 4.F});
   Picture block(2, 1);
-  block.rgb = {51, 51, 51, 51, 51, 51};
-  ExpectDepth(JpegWith({Standard(GDepth(Jpeg(block), "RangeLinear"))}),
+  block.rgb.assign(6, 51);
+  ExpectDepth(JpegWithXmp(Packet(GDepth("RangeLinear", Jpeg(block)))),
               DepthMeaning::kLength, "m", {1.2F, 1.2F});
 }
 
@@ -110,33 +94,45 @@ TEST_F(JpegDepthFile, IsWhatExifToolWrote) {
   }
 }
 
+std::string Replace(std::string text, std::string_view from,
+                    std::string_view to) {
+  // The last, as names are declared before they are used.
+  const size_t at = text.rfind(from);
+  EXPECT_NE(at, std::string::npos) << from;
+  return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
+
 TEST(JpegDepth, HasAllFormsOfLists) {
   for (const ListForm form : {kAttributes, kElements, kFlat}) {
-    SCOPED_TRACE(form);
-    std::string packet = DynamicPacket(form);
-    ExpectDepth(DynamicDepth(packet), DepthMeaning::kDisparity, "1/m",
-                {2.F, 1.65F, 0.25F});
+    const std::string packet = DynamicPacket(form);
+    std::string other = packet;
     for (const auto& [from, to] :
          {std::pair("dd/1.0/container/", "1.0/container/"),
-          std::pair("dd/1.0/item/", "1.0/container/item/")}) {
-      packet.replace(packet.find(from), std::string(from).size(), to);
+          std::pair("dd/1.0/item/", "1.0/container/item/"),
+          std::pair("DepthURI", "ItemURI"), std::pair("'m'", "'Meters'")}) {
+      other = Replace(other, from, to);
     }
-    ExpectDepth(DynamicDepth(packet), DepthMeaning::kDisparity, "1/m",
-                {2.F, 1.65F, 0.25F});
+    for (const std::string& one : {packet, other}) {
+      ExpectDepth(DynamicDepth(one), DepthMeaning::kDisparity, "1/m",
+                  {2.F, 1.65F, 0.25F});
+    }
   }
 }
 
 TEST(JpegDepth, IsNoneWithoutASign) {
-  const std::string gain_map =
-      Packet("", List({{"Primary", {}}, {"GainMap", {1}}}, kAttributes));
   for (const std::string& packet :
-       {std::string(), std::string("<damaged"), Packet(""), gain_map,
-        Packet(Attributes({{"GImage:Data", "cmlnaHQgZXll"}}))}) {
-    const JpegDepth read = Read(JpegWith({Standard(packet)}));
+       {std::string(), std::string("<damaged"), Packet(""),
+        Packet("", "<a:a xmlns:a='a'><GDepth:Near>1</GDepth:Near></a:a>"),
+        Packet(" GImage:Data='cmlnaHQgZXll'"),
+        Replace(DynamicPacket(kFlat), "'Depth'", "'Other'")}) {
+    const JpegDepth read = Read(JpegWithXmp(packet));
     EXPECT_FALSE(read.depth) << packet;
     EXPECT_TRUE(read.original.empty());
   }
 }
+
+// By md5sum.
+const char* const kSumOfAToF = "E80B5017098950FC58AAD83C8C14978E";
 
 struct Change {
   std::string_view from, to, refusal;
@@ -145,14 +141,9 @@ struct Change {
 // Each change alone is refused.
 void ExpectRefused(const std::string& packet,
                    const std::vector<Change>& changes,
-                   const std::function<Bytes(const std::string&)>& make) {
+                   Bytes (*make)(const std::string&)) {
   for (const auto& [from, to, refusal] : changes) {
-    std::string changed = packet;
-    // The last, as names come before what they stand for.
-    const size_t at = changed.rfind(from);
-    ASSERT_NE(at, std::string::npos) << from;
-    changed.replace(at, from.size(), to);
-    const std::string message = Refusal(make(changed));
+    const std::string message = Refusal(make(Replace(packet, from, to)));
     EXPECT_NE(message.find(refusal), std::string::npos)
         << from << " to " << to << ": " << message;
     EXPECT_EQ(message.find("file.jpg"), 0) << message;
@@ -161,18 +152,11 @@ void ExpectRefused(const std::string& packet,
 }
 
 TEST(JpegDepth, RefusesFaults) {
-  const std::string deep_elements = [] {
-    std::string text;
-    for (int i = 0; i < 70; ++i) text += "<rdf:Bag>";
-    return text;
-  }();
-  std::string many;
+  std::string deep, many;
+  for (int i = 0; i < 70; ++i) deep += "<rdf:Bag>";
   for (int i = 0; i < 5000; ++i) many += "<GDepth:A/>";
-  Bytes huge = Jpeg(NoisePicture(8, 6));
-  *(std::search(huge.begin(), huge.end(), kFrame.begin(), kFrame.end()) + 5) =
-      0x21;
   ExpectRefused(
-      GDepth(DepthPng(), "RangeInverse"),
+      Packet(GDepth("RangeInverse")),
       {{"Near='0.5'", "Near='0'", "Near \"0\" is no length above 0"},
        {"Near='0.5'", "Near='-1'", "Near \"-1\" is no"},
        {"Near='0.5'", "Near='nan'", "Near \"nan\" is no"},
@@ -189,58 +173,51 @@ TEST(JpegDepth, RefusesFaults) {
        {"SUhEUg", "SUhEUA", "(depth): is damaged"},
        {"Data='iVBOR", "Data='AAAAA", "(depth): is not a PNG or JPEG picture"},
        {"Data='b3Jp", "Data='b3J=", "GImage:Data is not base64"},
+       {"Data='b3JpZ2", "Data='b3Jp", "GImage:Data is not base64"},
        {"<x:x", "<!DOCTYPE x [<!ENTITY e 'ee'>]><x:x", "a document type"},
-       {"</rdf:Desc", deep_elements, "it is nested too deeply"},
+       {"</rdf:Desc", deep, "it is nested too deeply"},
        {"</rdf:Desc", many, "it has too many properties"},
        {"</rdf:RDF>", "", "its XMP is damaged: mismatched tag"}},
-      [](const std::string& packet) { return JpegWith({Standard(packet)}); });
-  EXPECT_EQ(Refusal(JpegWith({Standard(GDepth(huge, "RangeInverse"))})),
+      JpegWithXmp);
+  std::string huge = Text(Jpeg(NoisePicture(8, 6)));
+  huge[huge.find("\xff\xc0") + 5] = 0x21;
+  EXPECT_EQ(Refusal(JpegWithXmp(
+                Packet(GDepth("RangeInverse", {huge.begin(), huge.end()})))),
             "file.jpg (depth): is 8 x 8454 pixels; at most 8192 x 8192 is "
             "supported");
 }
 
-TEST(JpegDepth, RefusesFaultsOfExtendedXmp) {
-  const std::vector<App> whole = InSegments(DepthPng());
-  ASSERT_GT(whole.size(), 4);
-  constexpr size_t kHeader = 35, kLength = kHeader + 32, kOffset = kLength + 4;
+TEST(JoinExtendedXmp, TakesNothingButTheWhole) {
   struct Case {
-    std::string refusal;
-    std::function<void(std::vector<App>&)> change;
+    const char* result;
+    std::vector<std::tuple<char, char, const char*>> pieces;
   };
-  for (const auto& [refusal, change] : std::vector<Case>{
-           {"lacks a segment", [](auto& all) { all.erase(all.begin() + 2); }},
-           {"lacks a segment", [](auto& all) { all.erase(all.begin() + 1); }},
-           {"lacks a segment", [](auto& all) { all.pop_back(); }},
-           {"is missing", [](auto& all) { all.resize(1); }},
-           {"overlapping", [](auto& all) { all.push_back(all[2]); }},
-           {"overlapping", [](auto& all) { --all[2].second[kOffset + 3]; }},
-           {"lacks a segment", [](auto& all) { ++all[2].second[kOffset + 3]; }},
-           {"lacks a segment", [](auto& all) { all[2].second[kOffset] = 127; }},
-           {"differ in its length",
-            [](auto& all) { all[2].second[kLength] = 127; }},
-           {"is longer than it says",
-            [](auto& all) { all.back().second += 'x'; }},
-           {"lacks a segment",  // of two gigabytes
-            [](auto& all) {
-              for (size_t i = 1; i < all.size(); ++i) {
-                all[i].second[kLength] = 127;
-              }
-            }},
-           {"cut short", [](auto& all) { all[2].second.resize(kOffset + 3); }},
-           {"is damaged: its MD5 sum is another",
-            [](auto& all) { all[2].second.back() ^= 1; }},
-           {"is missing",
-            [](auto& all) {
-              for (size_t i = 1; i < all.size(); ++i) {
-                all[i].second[kHeader] ^= 1;
-              }
-            }},
-       }) {
-    std::vector<App> changed = whole;
-    change(changed);
-    const std::string message = Refusal(JpegWith(changed));
-    EXPECT_NE(message.find(refusal), std::string::npos)
-        << refusal << ": " << message;
+  for (const auto& [result, pieces] : std::vector<Case>{
+           {"abcdef", {{6, 3, "def"}, {6, 0, "abc"}}},
+           {"is missing", {}},
+           {"lacks a segment", {{6, 0, "abc"}}},
+           {"lacks a segment", {{6, 3, "def"}}},
+           {"lacks a segment", {{6, 0, "abc"}, {6, 4, "ef"}}},
+           {"lacks a segment", {{127, 0, "abc"}, {127, 3, "def"}}},
+           {"overlapping", {{6, 0, "abc"}, {6, 3, "def"}, {6, 3, "def"}}},
+           {"overlapping", {{6, 0, "abcd"}, {6, 3, "def"}}},
+           {"differ in its length", {{6, 0, "abc"}, {7, 3, "def"}}},
+           {"longer than it says", {{5, 0, "abc"}, {5, 3, "def"}}},
+           {"MD5 sum is another", {{6, 0, "abc"}, {6, 3, "deF"}}}}) {
+    std::vector<std::string> segments = {std::string(32, '0') + "left over"};
+    for (const auto& [size, offset, content] : pieces) {
+      segments.push_back(kSumOfAToF + std::string(3, '\0') + size +
+                         std::string(3, '\0') + offset + content);
+    }
+    std::string joined;
+    try {
+      joined = JoinExtendedXmp("file.jpg", segments, kSumOfAToF);
+    } catch (const InputError& error) {
+      joined = error.what();
+    }
+    EXPECT_NE(joined.find(result), std::string::npos) << joined;
+    segments[0].resize(39);
+    EXPECT_THROW(JoinExtendedXmp("", segments, kSumOfAToF), InputError);
   }
 }
 
@@ -265,16 +242,12 @@ TEST(JpegDepth, RefusesFaultsOfLists) {
        {"DepthURI='uri/Depth'", "DepthURI='none'", "has no DepthMap:Format"},
        {"DepthMap:Near='0.5'", "DepthMap:Near='0'", "Near \"0\" is no"}},
       DynamicDepth);
-  Bytes file = DynamicDepth(DynamicPacket(kFlat));
-  ASSERT_EQ(JpegSize(JpegWith({{0xef, "\xff\xd9"}})), JpegWith({}).size() + 6);
-  EXPECT_EQ(JpegSize(std::span(file).first(900)), std::nullopt);
 }
 
 TEST(JpegDepth, IsRefusedInEveryPieceAndSurvivesDamage) {
-  const Bytes depth = DepthPng();
   for (const Bytes& whole :
-       {JpegWith({Standard(GDepth(depth, "RangeInverse"))}),
-        JpegWith(InSegments(depth)), DynamicDepth(DynamicPacket(kElements))}) {
+       {JpegWithXmp(Packet(GDepth("RangeInverse"))),
+        JpegWith(ExtendedSegments()), DynamicDepth(DynamicPacket(kElements))}) {
     for (size_t size = 0; size < whole.size(); ++size) {
       const Bytes piece(whole.begin(),
                         whole.begin() + static_cast<std::ptrdiff_t>(size));
@@ -293,14 +266,34 @@ TEST(JpegDepth, IsRefusedInEveryPieceAndSurvivesDamage) {
 TEST(JpegSegments, HoldExifAndTheProfileInItsOrder) {
   const std::string exif("Exif\0\0MM", 8);
   const auto profile = [](const char* place, const char* content) {
-    return App{0xe2, std::string("ICC_PROFILE\0", 12) + place + content};
+    return std::pair('\xe2',
+                     std::string("ICC_PROFILE\0", 12) + place + content);
   };
-  const App first = profile("\1\2", "pro"), second = profile("\2\2", "file");
-  JpegSegments read = ReadJpegSegments(
-      "", JpegWith({second, {0xe1, exif}, first, {0xe1, "Exif"}}));
+  const auto second = profile("\2\2", "file");
+  const JpegSegments read =
+      ReadJpegSegments("", JpegWith({second,
+                                     {'\xe1', exif},
+                                     profile("\1\2", "pro"),
+                                     {'\xe1', exif + "other"},
+                                     {'\xe1', "Exif"}}));
   EXPECT_EQ(Text(read.exif), exif);
   EXPECT_EQ(Text(read.icc), "profile");
   EXPECT_EQ(Text(ReadJpegSegments("", JpegWith({second})).icc), "");
+}
+
+TEST(JpegSize, IsThatOfThePictureAlone) {
+  for (const auto& [bytes, size] : std::vector<std::pair<Bytes, size_t>>{
+           {{0xff, 0xd8, 0xff, 0xd9, 0xff, 0xd9}, 4},
+           {{0xff, 0xd8, 0xff, 0xff, 0xd9, 0}, 5},              // filled up
+           {{0xff, 0xd8, 0xff, 0xe1, 0, 4, 0xff, 0xd9, 0}, 0},  // no end
+           {{0xff, 0xd8, 0xff, 0xe1, 0, 4, 0xff, 0xff, 0xd9}, 0},
+           {{0xff, 0xd8, 0xff, 0xe1, 0, 1, 0xff, 0xd9}, 0},
+           {{0xff, 0xd8, 0xff, 0xe1, 0}, 0},
+           // Bytes of pixels, and a restart.
+           {{0xff, 0xda, 0, 2, 9, 0xff, 0, 0xff, 0xd7, 8, 0xff, 0xd9, 1}, 12},
+       }) {
+    EXPECT_EQ(JpegSize(bytes).value_or(0), size);
+  }
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 // Photos with depth, for the tests of their readers.
 #include "photo_samples.h"
 
+#include <regex>
+
 #include "photo/md5.h"
 
 namespace zuqel::tools {
@@ -24,18 +26,30 @@ std::string Base64(const Bytes& bytes) {
   return text.append((4 - text.size() % 4) % 4, '=');
 }
 
-std::string DepthMapElement(const std::string& uri, const Pairs& range) {
-  return "<Camera:DepthMap" + Attributes(range) +
-         Attributes({{"DepthMap:DepthURI", uri}}) + "/>";
+Segments::value_type XmpSegment(const std::string& packet) {
+  return {'\xe1', "http://ns.adobe.com/xap/1.0/" + ('\0' + packet)};
 }
 
-const std::vector<Listed>& Files() {
-  static const std::vector<Listed> files = {
-      {"Primary", {}, 3},
-      {"GainMap", {1, 2, 3, 4, 5}, 2},
-      {"Original", {'o', 'r', 'i', 'g', 'i', 'n', 'a', 'l'}},
-      {"Depth", DepthPng()}};
-  return files;
+std::string Range(const std::string& prefix, const std::string& format) {
+  return prefix + "Format='" + format + "'" + prefix + "Near='0.5'" + prefix +
+         "Far=' 4.0 '" + prefix + "Units='m'";
+}
+
+std::string DepthMapElement(const std::string& uri, const std::string& format) {
+  return "<Camera:DepthMap" + Range(" DepthMap:", format) +
+         " DepthMap:DepthURI='uri/" + uri + "'/>";
+}
+
+std::string ListItem(const std::string& semantic, size_t length, int padding,
+                     ListForm form) {
+  const std::string item = " Item:Semantic='" + semantic +
+                           "' Item:DataURI='uri/" + semantic +
+                           "' Item:Length='" + std::to_string(length) +
+                           "' Item:Padding='" + std::to_string(padding) + "'";
+  if (form == kFlat) return "<rdf:li" + item + "/>";
+  if (form == kAttributes) return "<rdf:li><C:Item" + item + "/></rdf:li>";
+  return "<rdf:li><rdf:Description><C:Item rdf:parseType='Resource'>" +
+         Elements(item) + "</C:Item></rdf:Description></rdf:li>";
 }
 
 }  // namespace
@@ -50,127 +64,72 @@ Bytes DepthPng() {
   return Png(map);
 }
 
-Bytes JpegWith(const std::vector<App>& segments, const Bytes& after) {
-  Bytes file = {0xff, 0xd8};
-  const auto add = [&](const auto& bytes) {
-    file.insert(file.end(), bytes.begin(), bytes.end());
-  };
+Bytes JpegWith(const Segments& segments, const std::string& after) {
+  std::string file = Text(Jpeg(NoisePicture(8, 6))) + after, added;
   for (const auto& [marker, content] : segments) {
-    add(BigEndian(0xff00U + static_cast<unsigned>(marker), 2));
-    add(BigEndian(content.size() + 2, 2));
-    add(content);
+    added += '\xff';
+    added += marker + BigEndian(content.size() + 2, 2) + content;
   }
-  const Bytes picture = Jpeg(NoisePicture(8, 6));
-  file.insert(file.end(), picture.begin() + 2, picture.end());
-  add(after);
-  return file;
+  file.insert(2, added);
+  return {file.begin(), file.end()};
 }
 
-App Standard(const std::string& packet) {
-  return {0xe1, std::string("http://ns.adobe.com/xap/1.0/\0", 29) + packet};
-}
-
-App Extended(const std::string& name, size_t size, size_t offset,
-             const std::string& content) {
-  return {0xe1, std::string("http://ns.adobe.com/xmp/extension/\0", 35) + name +
-                    BigEndian(size, 4) + BigEndian(offset, 4) + content};
-}
-
-std::string Attributes(const Pairs& pairs) {
-  std::string text;
-  for (const auto& [name, value] : pairs) {
-    text.append(" ").append(name).append("='").append(value).append("'");
-  }
-  return text;
-}
-
-std::string Elements(const Pairs& pairs) {
-  std::string text;
-  for (const auto& [name, value] : pairs) {
-    text.append("<" + name + ">\n ").append(value).append("</" + name + ">");
-  }
-  return text;
+Bytes JpegWithXmp(const std::string& packet) {
+  return JpegWith({XmpSegment(packet)});
 }
 
 std::string Packet(const std::string& attributes, const std::string& elements) {
-  const std::string photos = "http://ns.google.com/photos/";
+  const std::string photos = "='http://ns.google.com/photos/";
   return "<?xpacket?><x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF xmlns:rdf='"
-         "http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description" +
-         Attributes({{"xmlns:GDepth", photos + "1.0/depthmap/"},
-                     {"xmlns:GImage", photos + "1.0/image/"},
-                     {"xmlns:C", photos + "dd/1.0/container/"},
-                     {"xmlns:Item", photos + "dd/1.0/item/"},
-                     {"xmlns:Camera", photos + "dd/1.0/camera/"},
-                     {"xmlns:DepthMap", photos + "dd/1.0/depthmap/"},
-                     {"xmlns:xmpNote", "http://ns.adobe.com/xmp/note/"}}) +
+         "http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description "
+         "xmlns:xmpNote='http://ns.adobe.com/xmp/note/' xmlns:GDepth" +
+         photos + "1.0/depthmap/' xmlns:GImage" + photos +
+         "1.0/image/' xmlns:C" + photos + "dd/1.0/container/' xmlns:Item" +
+         photos + "dd/1.0/item/' xmlns:Camera" + photos +
+         "dd/1.0/camera/' xmlns:DepthMap" + photos + "dd/1.0/depthmap/'" +
          attributes + ">" + elements +
-         "</rdf:Description></rdf:RDF></x:xmpmeta>\n" + std::string(3, '\0');
+         "</rdf:Description></rdf:RDF></x:xmpmeta>\n" + '\0';
 }
 
-Pairs Range(const std::string& prefix, const std::string& format) {
-  return {{prefix + ":Format", format},
-          {prefix + ":Near", "0.5"},
-          {prefix + ":Far", " 4.0 "},
-          {prefix + ":Units", "m"}};
+std::string Elements(const std::string& attributes) {
+  return std::regex_replace(attributes, std::regex(" ([^=]+)='([^']*)'"),
+                            "<$1>\n $2</$1>");
 }
 
-Pairs Data(const Bytes& depth) {
-  return {{"GDepth:Data", Base64(depth)}, {"GImage:Data", "b3JpZ2luYWw="}};
+std::string GDepth(const std::string& format, const Bytes& depth) {
+  return Range(" GDepth:", format) + " GDepth:Data='" + Base64(depth) +
+         "' GImage:Data='b3JpZ2luYWw='";
 }
 
-std::string GDepth(const Bytes& depth, const std::string& format) {
-  return Packet(Attributes(Range("GDepth", format)) + Attributes(Data(depth)));
-}
-
-std::vector<App> InSegments(const Bytes& depth) {
-  const std::string extended = Packet("", Elements(Data(depth))),
+Segments ExtendedSegments() {
+  const std::string extended = Packet("", Elements(GDepth("RangeInverse"))),
                     name = Md5(extended);
-  std::vector<App> segments = {
-      Standard(Packet(Attributes(Range("GDepth", "RangeInverse")) +
-                      Attributes({{"xmpNote:HasExtendedXMP", name}})))};
+  Segments segments;
   for (size_t at = 0; at < extended.size(); at += 64) {
-    segments.push_back(
-        Extended(name, extended.size(), at, extended.substr(at, 64)));
+    segments.emplace_back('\xe1',
+                          "http://ns.adobe.com/xmp/extension/" + ('\0' + name) +
+                              BigEndian(extended.size(), 4) + BigEndian(at, 4) +
+                              extended.substr(at, 64));
   }
+  segments.push_back(
+      XmpSegment(Packet(" xmpNote:HasExtendedXMP='" + name + "'")));
   return segments;
 }
 
-std::string List(const std::vector<Listed>& files, ListForm form) {
-  std::string list = "<C:Directory><rdf:Seq>";
-  for (const auto& [semantic, file, padding] : files) {
-    const Pairs item = {{"Item:Semantic", semantic},
-                        {"Item:Mime", "image/png"},
-                        {"Item:DataURI", "uri/" + semantic},
-                        {"Item:Length", std::to_string(file.size())},
-                        {"Item:Padding", std::to_string(padding)}};
-    if (form == kFlat) {
-      list += "<rdf:li" + Attributes(item) + "/>";
-    } else if (form == kAttributes) {
-      list += "<rdf:li rdf:parseType='Resource'><C:Item" + Attributes(item) +
-              "/></rdf:li>";
-    } else {
-      list += "<rdf:li><rdf:Description><C:Item rdf:parseType='Resource'>" +
-              Elements(item) + "</C:Item></rdf:Description></rdf:li>";
-    }
-  }
-  return list + "</rdf:Seq></C:Directory>";
-}
-
 Bytes DynamicDepth(const std::string& packet) {
-  Bytes after;
-  for (const auto& [semantic, file, padding] : Files()) {
-    after.insert(after.end(), file.begin(), file.end());
-    after.resize(after.size() + padding);
-  }
   const std::string exif = std::string("Exif\0\0", 6) + Text(JpegWith({}));
-  return JpegWith({{0xe1, exif}, Standard(packet)}, after);
+  return JpegWith({{'\xe1', exif}, XmpSegment(packet)},
+                  "...gain map..original" + Text(DepthPng()));
 }
 
 std::string DynamicPacket(ListForm form) {
-  return Packet(
-      "", List(Files(), form) +
-              DepthMapElement("uri/Other", Range("DepthMap", "RangeLinear")) +
-              DepthMapElement("uri/Depth", Range("DepthMap", "RangeInverse")));
+  return Packet("", "<C:Directory><rdf:Seq>" + ListItem("Primary", 0, 3, form) +
+                        ListItem("GainMap", 8, 2, form) +
+                        ListItem("Original", 8, 0, form) +
+                        ListItem("Depth", DepthPng().size(), 0, form) +
+                        "</rdf:Seq></C:Directory>" +
+                        DepthMapElement("Other", "RangeLinear") +
+                        DepthMapElement("Depth", "RangeInverse"));
 }
 
 }  // namespace zuqel::tools

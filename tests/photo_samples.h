@@ -2,7 +2,6 @@
 #ifndef ZUQEL_TESTS_PHOTO_SAMPLES_H_
 #define ZUQEL_TESTS_PHOTO_SAMPLES_H_
 
-#include <cstddef>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -28,46 +27,29 @@ Bytes Png(const Image& image) {
   }
   return ReadBytes(folder / "png");
 }
-
 // One row of 0, 51 and 255.
 Bytes DepthPng();
 
-// A segment of a JPEG file: the last byte of its marker, and its content.
-using App = std::pair<int, std::string>;
-App Standard(const std::string& packet);
-App Extended(const std::string& name, size_t size, size_t offset,
-             const std::string& content);
-// A picture with these segments, and bytes after it.
-Bytes JpegWith(const std::vector<App>& segments, const Bytes& after = {});
+// A JPEG file with these segments: the end of their marker, and their content.
+using Segments = std::vector<std::pair<char, std::string>>;
+Bytes JpegWith(const Segments& segments, const std::string& after = {});
+Bytes JpegWithXmp(const std::string& packet);
 
-// Properties in XMP, in two forms, and a packet of them.
-using Pairs = std::vector<std::pair<std::string, std::string>>;
-std::string Attributes(const Pairs& pairs);
-std::string Elements(const Pairs& pairs);
+// XMP with these attributes and elements; attributes as elements.
 std::string Packet(const std::string& attributes,
                    const std::string& elements = {});
+std::string Elements(const std::string& attributes);
 
-// From 0.5 to 4 metres.
-Pairs Range(const std::string& prefix, const std::string& format);
-// The depth in this file; "original" is the picture before the blur.
-Pairs Data(const Bytes& depth);
-std::string GDepth(const Bytes& depth, const std::string& format);
+// Attributes for this depth, from 0.5 to 4 metres, and for "original".
+std::string GDepth(const std::string& format, const Bytes& depth = DepthPng());
 // The same, RangeInverse, with 64 bytes of extended XMP in each segment.
-std::vector<App> InSegments(const Bytes& depth);
+Segments ExtendedSegments();
 
-// A list of files in XMP, in three forms.
-struct Listed {
-  std::string semantic;
-  Bytes file;
-  size_t padding = 0;
-};
-enum ListForm { kAttributes, kElements, kFlat };
-std::string List(const std::vector<Listed>& files, ListForm form);
-
-// A picture, whose EXIF holds another, followed by a gain map, "original" and
-// the depth, which the packet lists.
-std::string DynamicPacket(ListForm form);
+// A picture, whose EXIF holds another, then a gain map, "original" and the
+// depth; and a packet that lists them.
 Bytes DynamicDepth(const std::string& packet);
+enum ListForm { kAttributes, kElements, kFlat };
+std::string DynamicPacket(ListForm form);
 
 }  // namespace zuqel::tools
 

@@ -57,9 +57,8 @@ Item ParseItem(const std::string& path, const Xmp& xmp, const Dialect& dialect,
   const auto value = [&](std::string_view name) {
     return xmp.Value(dialect.item, name, at);
   };
-  std::string_view uri = value("DataURI");
-  if (uri.empty()) uri = value("URI");
-  return {value("Semantic"), uri, ParseLength(path, value("Length")),
+  return {value("Semantic"), value("DataURI"),
+          ParseLength(path, value("Length")),
           ParseLength(path, value("Padding"))};
 }
 
