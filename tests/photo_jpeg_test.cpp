@@ -109,7 +109,8 @@ TEST(JpegDepth, HasAllFormsOfLists) {
     for (const auto& [from, to] :
          {std::pair("dd/1.0/container/", "1.0/container/"),
           std::pair("dd/1.0/item/", "1.0/container/item/"),
-          std::pair("DepthURI", "ItemURI"), std::pair("'m'", "'Meters'")}) {
+          std::pair("DepthURI='uri/O", "ItemURI='uri/O"),
+          std::pair("'m'", "'Meters'")}) {
       other = Replace(other, from, to);
     }
     for (const std::string& one : {packet, other}) {
