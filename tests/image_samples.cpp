@@ -64,7 +64,7 @@ void WriteDisparity(const DisparityMap& map, const std::string& path) {
   WriteImage(WriteDisparity, map, path);
 }
 
-std::vector<uint8_t> Jpeg(Picture picture, bool is_progressive) {
+std::vector<uint8_t> Jpeg(Picture picture, bool is_progressive, bool is_cmyk) {
   jpeg_compress_struct compress = {};
   jpeg_error_mgr errors = {};
   compress.err = jpeg_std_error(&errors);
@@ -72,16 +72,18 @@ std::vector<uint8_t> Jpeg(Picture picture, bool is_progressive) {
   unsigned char* bytes = nullptr;
   unsigned long size = 0;  // NOLINT(google-runtime-int): libjpeg's type
   jpeg_mem_dest(&compress, &bytes, &size);
-  compress.image_width = static_cast<JDIMENSION>(picture.width);
+  const int samples_in_row = 3 * picture.width;
+  compress.input_components = is_cmyk ? 4 : 3;
+  compress.in_color_space = is_cmyk ? JCS_CMYK : JCS_RGB;
+  compress.image_width =
+      static_cast<JDIMENSION>(samples_in_row / compress.input_components);
   compress.image_height = static_cast<JDIMENSION>(picture.height);
-  compress.input_components = 3;
-  compress.in_color_space = JCS_RGB;
   jpeg_set_defaults(&compress);
   jpeg_set_quality(&compress, 98, TRUE);
   if (is_progressive) jpeg_simple_progression(&compress);
   jpeg_start_compress(&compress, TRUE);
   for (auto row = picture.rgb.begin(); row < picture.rgb.end();
-       row += std::ptrdiff_t{3} * picture.width) {
+       row += samples_in_row) {
     JSAMPROW samples = &*row;
     jpeg_write_scanlines(&compress, &samples, 1);
   }

@@ -32,8 +32,10 @@ void WritePicture(const Picture& picture, const std::string& path);
 void WriteGrey(const Map<uint8_t>& map, const std::string& path);
 void WriteDisparity(const DisparityMap& map, const std::string& path);
 
-// The bytes of a JPEG file of high quality.
-std::vector<uint8_t> Jpeg(Picture picture, bool is_progressive = false);
+// The bytes of a JPEG file of high quality. Four neighbours of `rgb` become a
+// pixel of CMYK.
+std::vector<uint8_t> Jpeg(Picture picture, bool is_progressive = false,
+                          bool is_cmyk = false);
 
 std::vector<uint8_t> ReadBytes(const std::string& path);
 void WriteBytes(const std::string& path, const std::vector<uint8_t>& bytes);

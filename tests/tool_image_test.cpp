@@ -158,8 +158,6 @@ TEST(ReadPicture, TakesEveryKindOfPngAndItsDecodersSizesAlone) {
   // The first, sixth and seventh pass; the others are empty.
   const Bytes passes = {0, 10, 20, 30,  0, 200, 90, 40,
                         0, 70, 80, 250, 0, 255, 128};
-  const Bytes alpha = {0, 10, 20, 30,  9, 200, 90,  40,  0,
-                       0, 70, 80, 250, 1, 0,   255, 128, 255};
   // 257 times the value and 60 more, which rounds down to it.
   Bytes deep;
   for (size_t i = 0; i < 12; ++i) {
@@ -179,8 +177,6 @@ TEST(ReadPicture, TakesEveryKindOfPngAndItsDecodersSizesAlone) {
   };
   ExpectReadOrRefused(
       {{"colour", whole},
-       {"colour and alpha",
-        Png(Header(2, 2, 8, PNG_COLOR_TYPE_RGB_ALPHA), alpha)},
        {"palette",
         Png(Join({palette, Chunk("PLTE", picture.rgb)}), {0, 0, 1, 0, 2, 3})},
        {"16 bits, whatever their gamma",
@@ -210,6 +206,33 @@ TEST(ReadPicture, TakesEveryKindOfPngAndItsDecodersSizesAlone) {
   ExpectReadOrRefused({{"grey", Png(Header(2, 2, 8, PNG_COLOR_TYPE_GRAY),
                                     {0, 5, 60, 0, 128, 250})}},
                       grey, 0);
+}
+
+TEST(ReadPicture, LaysWhatIsTransparentOnWhite) {
+  Picture picture(2, 1), grey(2, 1);
+  picture.rgb = {10, 100, 200, 255, 255, 255};
+  grey.rgb = {105, 105, 105, 255, 255, 255};
+  const auto png = [](uint8_t depth, uint8_t colour, const Bytes& rows,
+                      const Bytes& chunks = {}) {
+    return Png(Join({Header(2, 1, depth, colour), chunks}), rows);
+  };
+  const Bytes palette = Chunk("PLTE", {10, 100, 200, 9, 9, 9});
+  ExpectReadOrRefused(
+      {{"opaque and clear",
+        png(8, PNG_COLOR_TYPE_RGB_ALPHA, {0, 10, 100, 200, 255, 9, 9, 9, 0})},
+       {"16 bits",
+        png(16, PNG_COLOR_TYPE_RGB_ALPHA,
+            {0, 10, 10, 100, 100, 200, 200, 255, 255, 9, 9, 9, 9, 9, 9, 0, 0})},
+       {"a colour", png(8, PNG_COLOR_TYPE_RGB, {0, 10, 100, 200, 9, 9, 9},
+                        Chunk("tRNS", {0, 9, 0, 9, 0, 9}))},
+       {"of a palette", png(8, PNG_COLOR_TYPE_PALETTE, {0, 0, 1},
+                            Join({palette, Chunk("tRNS", {255, 0})}))}},
+      picture, 0);
+  ExpectReadOrRefused(
+      {{"grey, half", png(8, PNG_COLOR_TYPE_GRAY_ALPHA, {0, 5, 153, 9, 0})},
+       {"16 bits",
+        png(16, PNG_COLOR_TYPE_GRAY_ALPHA, {0, 5, 5, 153, 153, 9, 9, 0, 0})}},
+      grey, 0);
 }
 
 TEST(ReadPicture, TakesSizesOfJpegFromItsDecoderAlone) {

@@ -18,6 +18,10 @@ inline void CheckDecoded(const std::string& path, DecodeStatus status,
   if (status == kDecodeDamaged) {
     throw InputError(path + ": is damaged: " + reason.data());
   }
+  if (status == kDecodeUnsupported) {
+    throw InputError(path + ": is " + reason.data() +
+                     ", which is not supported");
+  }
 }
 
 }  // namespace zuqel::tools

@@ -4,7 +4,7 @@
 #include <png.h>
 
 #include <algorithm>
-#include <cstring>
+#include <cstdlib>
 #include <span>
 #include <vector>
 
@@ -18,16 +18,6 @@ namespace {
 
 [[noreturn]] void Refuse(const std::string& path, const std::string& what) {
   throw InputError(path + ": " + what);
-}
-
-void RequireReadableSize(const std::string& path, int width, int height) {
-  if (width >= 1 && height >= 1 && width <= kLargestSide &&
-      height <= kLargestSide) {
-    return;
-  }
-  const std::string most = std::to_string(kLargestSide);
-  Refuse(path, "is " + std::to_string(width) + " x " + std::to_string(height) +
-                   " pixels; at most " + most + " x " + most + " is supported");
 }
 
 [[noreturn]] void RefuseKind(const std::string& path) {
@@ -49,27 +39,20 @@ PngHeader ReadHeader(const std::string& path, std::span<const uint8_t> bytes) {
   CheckDecoded(
       path, ReadPngHeader(bytes.data(), bytes.size(), &header, reason.data()),
       reason);
-  RequireReadableSize(path, header.width, header.height);
+  RequireReadableSize(path, {header.width, header.height});
   return header;
 }
 
 // Decodes into `pixels`, which has the size given by the file's header.
 template <typename Value>
 void DecodePngInto(const std::string& path, std::span<const uint8_t> bytes,
-                   PngLayout layout, std::vector<Value>& pixels) {
+                   PngLayout layout, std::vector<Value>& pixels,
+                   PngBlocks* blocks = nullptr) {
   Reason reason = {};
   CheckDecoded(path,
                DecodePng(bytes.data(), bytes.size(), layout, pixels.data(),
-                         pixels.size() * sizeof(Value), reason.data()),
+                         pixels.size() * sizeof(Value), blocks, reason.data()),
                reason);
-}
-
-Picture DecodePngPicture(const std::string& path,
-                         std::span<const uint8_t> bytes) {
-  const PngHeader header = ReadHeader(path, bytes);
-  Picture picture(header.width, header.height);
-  DecodePngInto(path, bytes, kPngRgb8, picture.rgb);
-  return picture;
 }
 
 Size ReadJpegSizeOf(const std::string& path, std::span<const uint8_t> bytes) {
@@ -79,7 +62,7 @@ Size ReadJpegSizeOf(const std::string& path, std::span<const uint8_t> bytes) {
                ReadJpegSize(bytes.data(), bytes.size(), &size.width,
                             &size.height, reason.data()),
                reason);
-  RequireReadableSize(path, size.width, size.height);
+  RequireReadableSize(path, size);
   return size;
 }
 
@@ -128,6 +111,24 @@ GreyPicture DecodeGreyJpeg(const std::string& path,
   return Widen(map);
 }
 
+struct OwnedPngBlocks : PngBlocks {
+  OwnedPngBlocks() : PngBlocks() {}
+  ~OwnedPngBlocks() {
+    std::free(icc);
+    std::free(exif);
+  }
+  OwnedPngBlocks(const OwnedPngBlocks&) = delete;
+  OwnedPngBlocks& operator=(const OwnedPngBlocks&) = delete;
+
+  [[nodiscard]] Metadata ToMetadata() const {
+    Metadata metadata = {.icc = {icc, icc + icc_size}, .exif = {}};
+    if (exif == nullptr) return metadata;
+    metadata.exif = {'E', 'x', 'i', 'f', 0, 0};
+    metadata.exif.insert(metadata.exif.end(), exif, exif + exif_size);
+    return metadata;
+  }
+};
+
 template <typename Value>
 Map<Value> ReadGreyPng(const std::string& path) {
   const Bytes bytes = ReadFile(path);
@@ -174,8 +175,30 @@ Picture ReadFramePicture(const std::string& path) {
   return picture;
 }
 
+void RequireReadableSize(const std::string& name, Size size) {
+  if (size.width >= 1 && size.height >= 1 && size.width <= kLargestSide &&
+      size.height <= kLargestSide) {
+    return;
+  }
+  const std::string most = std::to_string(kLargestSide);
+  Refuse(name, "is " + std::to_string(size.width) + " x " +
+                   std::to_string(size.height) + " pixels; at most " + most +
+                   " x " + most + " is supported");
+}
+
+Picture DecodePngPicture(const std::string& name,
+                         std::span<const uint8_t> bytes, Metadata* metadata) {
+  const PngHeader header = ReadHeader(name, bytes);
+  Picture picture(header.width, header.height);
+  OwnedPngBlocks blocks;
+  DecodePngInto(name, bytes, kPngRgb8, picture.rgb,
+                metadata != nullptr ? &blocks : nullptr);
+  if (metadata != nullptr) *metadata = blocks.ToMetadata();
+  return picture;
+}
+
 Picture DecodePicture(const std::string& name, std::span<const uint8_t> bytes) {
-  if (IsPng(bytes)) return DecodePngPicture(name, bytes);
+  if (IsPng(bytes)) return DecodePngPicture(name, bytes, nullptr);
   if (IsJpeg(bytes)) return DecodeJpegPicture(name, bytes);
   RefuseKind(name);
 }

@@ -7,14 +7,18 @@
 #include <string>
 
 #include "image.h"
+#include "metadata.h"
 #include "pending_file.h"
 
 namespace zuqel::tools {
 
 // The readers throw InputError, which names the file and its fault.
 
-// A PNG or JPEG picture. Grey becomes colour, alpha is dropped, 16 bits are
-// reduced to 8.
+// `name` is what errors call the file.
+void RequireReadableSize(const std::string& name, Size size);
+
+// A PNG or JPEG picture. Grey becomes colour, 16 bits are reduced to 8, and
+// what is transparent is laid on white.
 Picture ReadPicture(const std::string& path);
 
 // The same, for a camera frame: width and height must be even.
@@ -22,6 +26,10 @@ Picture ReadFramePicture(const std::string& path);
 
 // The same as ReadPicture from a file in memory; `name` is what errors call it.
 Picture DecodePicture(const std::string& name, std::span<const uint8_t> bytes);
+
+// From a PNG file, with its metadata unless that is null.
+Picture DecodePngPicture(const std::string& name,
+                         std::span<const uint8_t> bytes, Metadata* metadata);
 
 // A PNG or JPEG picture without its colours and alpha. 16-bit PNG keeps its
 // values; all others have 8 bits.

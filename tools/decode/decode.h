@@ -12,7 +12,12 @@ extern "C" {
 
 /* On failure every function writes the reason to `reason`, which has room for
  * kDecodeReasonSize bytes. */
-enum DecodeStatus { kDecodeDone, kDecodeTruncated, kDecodeDamaged };
+enum DecodeStatus {
+  kDecodeDone,
+  kDecodeTruncated,
+  kDecodeDamaged,
+  kDecodeUnsupported /* the reason says what the file is: "a CMYK JPEG" */
+};
 enum { kDecodeReasonSize = 256 };
 
 /* What the file's header says. */
@@ -25,19 +30,27 @@ struct PngHeader {
 enum DecodeStatus ReadPngHeader(const uint8_t* bytes, size_t size,
                                 struct PngHeader* header, char* reason);
 
-/* Layout of the decoded pixels. Alpha is dropped, palettes are expanded. */
+/* Layout of the decoded pixels. Palettes are expanded. */
 enum PngLayout {
-  kPngRgb8,  /* 3 bytes */
-  kPngGrey8, /* 1 byte; not for files with a bit depth of 16 */
+  kPngRgb8,  /* 3 bytes, on white */
+  kPngGrey8, /* 1 byte, alpha dropped; not for files with a bit depth of 16 */
   kPngGrey16 /* one uint16_t, native byte order; only for those */
+};
+
+/* What the file holds besides its pixels, null where it holds none; for the
+ * caller to free, also on failure. */
+struct PngBlocks {
+  uint8_t *icc, *exif; /* the latter without "Exif\0\0" */
+  size_t icc_size, exif_size;
 };
 
 /* Writes width x height pixels, as ReadPngHeader gives them for the same bytes,
  * to the `pixels_size` bytes at `pixels`; fails if that is not their size. On
- * failure `pixels` may be partly written. */
+ * failure `pixels` may be partly written. `blocks` may be null. */
 enum DecodeStatus DecodePng(const uint8_t* bytes, size_t size,
                             enum PngLayout layout, void* pixels,
-                            size_t pixels_size, char* reason);
+                            size_t pixels_size, struct PngBlocks* blocks,
+                            char* reason);
 
 enum DecodeStatus ReadJpegSize(const uint8_t* bytes, size_t size, int* width,
                                int* height, char* reason);

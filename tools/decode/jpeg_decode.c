@@ -23,21 +23,29 @@ struct JpegDecoder {
   char* reason;
 };
 
-static void Leave(struct JpegDecoder* decoder, enum DecodeStatus status,
-                  const char* message) {
+static _Noreturn void Leave(struct JpegDecoder* decoder,
+                            enum DecodeStatus status, const char* message) {
   snprintf(decoder->reason, kDecodeReasonSize, "%s", message);
   decoder->status = status;
   longjmp(decoder->failed, 1);
 }
 
-static void Fail(j_common_ptr common, enum DecodeStatus status) {
+static _Noreturn void Fail(j_common_ptr common, enum DecodeStatus status) {
   char message[JMSG_LENGTH_MAX];
   common->err->format_message(common, message);
   Leave(common->client_data, status, message);
 }
 
 static void OnError(j_common_ptr common) {
-  Fail(common, kDecodeDamaged);
+  struct JpegDecoder* decoder = common->client_data;
+  switch (common->err->msg_code) {
+    case JERR_BAD_PRECISION:
+      Leave(decoder, kDecodeUnsupported, "a JPEG with other than 8 bits");
+    case JERR_SOF_UNSUPPORTED:
+      Leave(decoder, kDecodeUnsupported, "a lossless or hierarchical JPEG");
+    default:
+      Fail(common, kDecodeDamaged);
+  }
 }
 
 /* For libjpeg a file that ends early is only a warning, and it fills the rest
@@ -100,6 +108,10 @@ static void Decode(struct JpegDecoder* decoder, const uint8_t* bytes,
   if (setjmp(decoder->failed) != 0) return;
   Open(decoder, bytes, size);
   jpeg_read_header(&decoder->decompress, TRUE);
+  const J_COLOR_SPACE space = decoder->decompress.jpeg_color_space;
+  if (space == JCS_CMYK || space == JCS_YCCK) {
+    Leave(decoder, kDecodeUnsupported, "a CMYK JPEG");
+  }
   if (target != NULL) ReadRows(decoder, target);
 }
 

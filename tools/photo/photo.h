@@ -5,18 +5,11 @@
 #include <optional>
 #include <string>
 
-#include "file_bytes.h"
 #include "image.h"
+#include "metadata.h"
 #include "photo/depth_map.h"
 
 namespace zuqel::tools {
-
-// What goes from a photo to what is made of it, as the file holds it; empty
-// where it holds none.
-struct Metadata {
-  Bytes icc;   // the profile
-  Bytes exif;  // from "Exif\0\0" on
-};
 
 struct Photo {
   Picture picture;                // upright
