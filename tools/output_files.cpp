@@ -7,6 +7,7 @@
 #include "coordinates.h"
 #include "file_claims.h"
 #include "image_file.h"
+#include "photo/picture_writer.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -69,6 +70,13 @@ void OutputFiles::Announce(const std::string& path) {
 void OutputFiles::Write(const std::string& path, const Picture& picture) {
   PendingFile& file = Begin(path, ToText(SizeOf(picture)));
   WritePicture(picture, file);
+  file.Close();
+}
+
+void OutputFiles::Write(const std::string& path, const Picture& picture,
+                        const Metadata& metadata, int quality) {
+  PendingFile& file = Begin(path, ToText(SizeOf(picture)));
+  WritePicture(picture, metadata, quality, file);
   file.Close();
 }
 

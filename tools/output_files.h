@@ -12,6 +12,7 @@
 
 #include "file_bytes.h"
 #include "image.h"
+#include "metadata.h"
 #include "pending_file.h"
 #include "temporary_path.h"
 
@@ -35,6 +36,11 @@ class OutputFiles {
   void Write(const std::string& path, const Map<uint8_t>& grey);
   void Write(const std::string& path, const DisparityMap& map);
   void Write(const std::string& path, const Bytes& bytes);
+
+  // The same for a picture made from a photo, which becomes a JPEG file where
+  // `path` says so; see WritePicture of photo/picture_writer.h.
+  void Write(const std::string& path, const Picture& picture,
+             const Metadata& metadata, int quality);
 
   // Begins the file for the announced `path`, for the caller to write until
   // Commit; `size` is what Commit prints about it.

@@ -1,0 +1,28 @@
+// Writes pictures made from photos.
+#ifndef ZUQEL_TOOLS_PHOTO_PICTURE_WRITER_H_
+#define ZUQEL_TOOLS_PHOTO_PICTURE_WRITER_H_
+
+#include <string>
+
+#include "image.h"
+#include "metadata.h"
+#include "pending_file.h"
+
+namespace zuqel::tools {
+
+constexpr int kDefaultQuality = 95;
+
+// InputError, which begins with `option`, if no picture is written to files of
+// this name.
+void CheckPictureName(const std::string& option, const std::string& path);
+
+// As JPEG if the target's name says so, and otherwise as PNG. Both keep the
+// profile; JPEG keeps the EXIF block, for an upright picture. `quality` is 1
+// to 100 and for JPEG alone; from 90 on, colours have the full resolution.
+// Throws WorkError.
+void WritePicture(const Picture& picture, const Metadata& metadata, int quality,
+                  PendingFile& file);
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_PHOTO_PICTURE_WRITER_H_
