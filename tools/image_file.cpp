@@ -161,6 +161,10 @@ void WritePng(int width, int height, png_uint_32 format, const void* pixels,
 
 }  // namespace
 
+bool IsPngOrJpeg(std::span<const uint8_t> bytes) {
+  return IsPng(bytes) || IsJpeg(bytes);
+}
+
 Picture ReadPicture(const std::string& path) {
   return DecodePicture(path, ReadFile(path));
 }

@@ -17,6 +17,9 @@ namespace zuqel::tools {
 // `name` is what errors call the file.
 void RequireReadableSize(const std::string& name, Size size);
 
+// By its first bytes.
+bool IsPngOrJpeg(std::span<const uint8_t> bytes);
+
 // A PNG or JPEG picture. Grey becomes colour, 16 bits are reduced to 8, and
 // what is transparent is laid on white.
 Picture ReadPicture(const std::string& path);

@@ -21,6 +21,8 @@ struct DepthMap : Map<float> {
   DepthMeaning meaning = DepthMeaning::kDisparity;
   std::string unit;  // "m", "1/m"; empty when the file does not say
   std::string kind;  // what it was made from, for people: "GDepth, RangeLinear"
+  // The library's own numbers: disparities of 0..1022, or 16-bit distances.
+  bool is_native = false;
 };
 
 }  // namespace zuqel::tools
