@@ -10,6 +10,7 @@
 #include "decode/decode.h"
 #include "image_file.h"
 #include "input.h"
+#include "photo/depth_scale.h"
 #include "require.h"
 #include "tool_error.h"
 
@@ -90,9 +91,42 @@ void ReadAs(int kind, const std::string& path) {
       Require(value <= tools::kUnknownDisparity, "largest disparity");
     }
   } else if (kind == 2) {
-    RequireSize(tools::ReadDistance(path));
-  } else {
     RequireSize(tools::ReadWeights(path));
+  }
+}
+
+struct MapOptions {
+  tools::MapReading reading;
+  tools::DisparityScale scale;
+};
+
+MapOptions AnyOptions(Input& input) {
+  MapOptions options;
+  if (input.Flag()) options.reading.meaning = tools::DepthMeaning::kLength;
+  if (input.Flag()) options.reading.unknown = input.Between<int16_t>(-1, 1023);
+  options.reading.is_turned_round = input.Flag();
+  if (input.Flag()) options.reading.lengths = {0.5F, 40};
+  options.scale.kind = input.OneOf(std::array{tools::DisparityScale::kByMap,
+                                              tools::DisparityScale::kSpan,
+                                              tools::DisparityScale::kFactor});
+  return options;
+}
+
+void ReadMap(const MapOptions& options, const Bytes& bytes) {
+  const tools::DepthMap depth =
+      tools::ToDepth(tools::DecodeMapFile("map", bytes), options.reading);
+  RequireSize(depth);
+  for (const float value : depth.values) {
+    Require(
+        !std::isinf(value) &&
+            (depth.meaning == tools::DepthMeaning::kDisparity || !(value <= 0)),
+        "a value");
+  }
+  const tools::DisparityMap map =
+      tools::ToDisparity("map", depth, options.scale).map;
+  RequireSize(map);
+  for (const uint16_t value : map.values) {
+    Require(value <= tools::kUnknownDisparity, "largest disparity");
   }
 }
 
@@ -101,12 +135,14 @@ void ReadAs(int kind, const std::string& path) {
 void Run(Input& input) {
   static const MemoryFile file;
   const int kind = input.Between(0, 3);
-  const bool is_repaired = input.Flag();
+  const bool is_repaired = input.Flag(), is_map = kind == 3;
+  const MapOptions options = is_map ? AnyOptions(input) : MapOptions();
   Bytes bytes = input.Rest();
   if (is_repaired) RepairCheckSums(bytes);
   if (!IsSmall(bytes)) return;
-  file.Write(bytes);
   try {
+    if (is_map) return ReadMap(options, bytes);
+    file.Write(bytes);
     ReadAs(kind, file.path());
   } catch (const tools::InputError&) {
     return;  // which is what bad files are for

@@ -19,8 +19,10 @@ constexpr auto kTargets = {"calibration", "commands", "cpu_calls",
                            "depth",       "masks",    "photos",
                            "pictures",    "planes",   "session"};
 
-// The reader and whether check sums are repaired come last in an input.
+// The reader and whether check sums are repaired come last in an input, and
+// before them the options of a map.
 void AddPicture(const std::string& file, Bytes bytes, uint8_t reader) {
+  if (reader == 3) bytes.insert(bytes.end(), 5, 0);
   bytes.insert(bytes.end(), {1, reader});
   tools::WriteBytes(file, bytes);
 }
@@ -33,9 +35,12 @@ void WritePictures(const fs::path& folder) {
   AddPicture(folder / "picture", tools::ReadBytes(png), 0);
   tools::WriteDisparity(tools::DisparityMap(5, 4), png);
   AddPicture(folder / "disparity", tools::ReadBytes(png), 1);
-  AddPicture(folder / "distance", tools::ReadBytes(png), 2);
+  AddPicture(folder / "map16", tools::ReadBytes(png), 3);
   tools::WriteGrey(tools::WeightMap(5, 4), png);
-  AddPicture(folder / "weights", tools::ReadBytes(png), 3);
+  AddPicture(folder / "weights", tools::ReadBytes(png), 2);
+  AddPicture(folder / "map8", tools::ReadBytes(png), 3);
+  const std::string pfm = "Pf\n2 1\n-1\n\1\2\3\4\5\6\7\x3f";
+  AddPicture(folder / "pfm", {pfm.begin(), pfm.end()}, 3);
   fs::remove(png);
 }
 
