@@ -66,9 +66,6 @@ TEST_F(Rendering, RefusesBadInput) {
   std::vector<uint8_t> png = ReadBytes(File("photo.png"));
   png[png.size() / 2] ^= 1;
   WriteBytes(File("damaged.png"), png);
-  DisparityMap high(1, 1);
-  high.At(0, 0) = kUnknownDisparity + 1;
-  WriteDisparity(high, File("high.png"));
   WritePicture(NoisePicture(63, 48), File("odd.png"));
 
   const std::string image = "render --image ", at = " --focus 9,9";
@@ -83,8 +80,6 @@ TEST_F(Rendering, RefusesBadInput) {
       {image + "kept.png" + rest, "kept.png: is not a PNG or JPEG picture"},
       {image + "damaged.png" + rest, "damaged.png: is damaged: "},
       {image + "odd.png" + map + " -o kept.png", "odd.png: is 63 x 48 pixels"},
-      {photo + to, "give one of --disparity and --weights"},
-      {photo + " --disparity high.png" + to, "high.png: has a value of 1024"},
       {photo + " --weights d.png" + to, "d.png: is 16-bit grey; 8-bit grey is"},
       {photo + " --disparity d.png --focus 320,9 -o o.png",
        "--focus 320,9: lies outside the picture of 320 x 240"},
@@ -94,7 +89,7 @@ TEST_F(Rendering, RefusesBadInput) {
        "--map-from: works with"},
       {refocus + "cpu --disparity d.png",
        "--generator: cpu is not one of gpu "},
-      {refocus + "gpu --distance d.png", "--distance: gpu takes --disparity"},
+      {refocus + "gpu", "give one of --disparity and --depth"},
       {refocus + "distance --distance d.png --size 9x9", "--size: distance "},
   });
   ExpectRefused(
@@ -358,7 +353,14 @@ TEST_F(SequenceCommand, VideoAndPicturesHoldTheSameSmoothedFrames) {
 
 TEST_F(SequenceCommand, RefusesBadInput) {
   WritePicture(NoisePicture(64, 48), File("in_10"));
+  WritePicture(NoisePicture(64, 48), File("in_1"));
+  DisparityMap high(1, 1);
+  high.At(0, 0) = kUnknownDisparity + 1;
+  WriteDisparity(high, File("d_1"));
   Cases cases = {
+      {"sequence --images in_%d --disparities d_%d --first 1 --count 1 --focus "
+       "1,1 -o o%d",
+       "d_1: has a value of 1024"},
       {"sequence -o o%d", "give one of --images and --demo"},
       {series_ + "o.y4m --focus-to 9,96", "--focus-to 9,96: lies outside"},
       {series_ + "o.y4m", "in_10: is 64x48; the series began with 128x96"},

@@ -80,21 +80,38 @@ TEST_F(RefocusMapCommand, IsSharpAtTheFocusAndPrintsItsOwnLinesOnly) {
   }
 }
 
+TEST_F(RefocusMapCommand, TakesLengthsForEachGenerator) {
+  // As lengths, the left half of 900 is far.
+  for (const Generator& generator : Generators()) {
+    const Outcome outcome =
+        Make(generator.name +
+             std::string(" --focus 60,20 --depth d.png --scale 9e4"));
+    EXPECT_THAT(outcome.err, testing::StartsWith("d.png: 16-bit depth"));
+    const WeightMap map = ReadWeights(File("map.png"));
+    EXPECT_EQ(map.At(map.width / 4, 9), 255) << generator.name;
+    EXPECT_EQ(map.At(3 * map.width / 4, 9), 0) << generator.name;
+  }
+}
+
 TEST_F(RefocusMapCommand, RenderTakesAMapOfEachGenerator) {
-  const std::string rest = " --image photo.png --focus 90,70 --disparity d.png";
+  const std::string image = "--image photo.png --focus 90,70";
   const std::string one = "render -o 1.png --panel p1.png --map-from ";
   const std::string two = "render -o 2.png --panel p2.png --weights map.png ";
   for (const Generator& generator : Generators()) {
-    SCOPED_TRACE(generator.name);
-    const std::string from = generator.name + rest;
-    EXPECT_EQ(Make(from + " --panel m.png").err + Run(one + from, kGl).err, "");
-    EXPECT_EQ(Run(two + "--image photo.png --focus 90,70", kGl).err, "");
-    EXPECT_EQ(ReadBytes(File("1.png")), ReadBytes(File("2.png")));
-    EXPECT_EQ(ReadBytes(File("p1.png")), ReadBytes(File("p2.png")));
+    for (const std::string map : {" --depth d.png ", " --disparity d.png "}) {
+      const std::string from = generator.name + (map + image);
+      SCOPED_TRACE(from);
+      // Of what was assumed, both tell the same.
+      EXPECT_EQ(Make(from + " --panel m.png").err, Run(one + from, kGl).err);
+      EXPECT_EQ(Run(two + image, kGl).err, "");
+      EXPECT_EQ(ReadBytes(File("1.png")), ReadBytes(File("2.png")));
+      EXPECT_EQ(ReadBytes(File("p1.png")), ReadBytes(File("p2.png")));
+    }
     // What is sharp keeps its colours in the panel's last tile.
     const Picture panel = ReadPicture(File("m.png"));
     EXPECT_TRUE(std::equal(photo_.Pixel(40, 9), photo_.Pixel(120, 9),
-                           panel.Pixel(656 + 40, 9)));
+                           panel.Pixel(656 + 40, 9)))
+        << generator.name;
   }
 }
 

@@ -88,6 +88,12 @@ Option CommandLine::AddOption(const std::string& names, float& value,
   return Option(app_->add_option(names, value, help));
 }
 
+Option CommandLine::AddOption(const std::string& names,
+                              std::optional<float>& value,
+                              const std::string& help) {
+  return Option(app_->add_option(names, value, help));
+}
+
 Option CommandLine::AddOption(
     const std::string& names,
     const std::function<void(const std::string&)>& take,

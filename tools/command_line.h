@@ -54,6 +54,8 @@ class CommandLine {
                    const std::string& help);
   Option AddOption(const std::string& names, float& value,
                    const std::string& help);
+  Option AddOption(const std::string& names, std::optional<float>& value,
+                   const std::string& help);
   Option AddOption(const std::string& names,
                    const std::function<void(const std::string&)>& take,
                    const std::string& help);

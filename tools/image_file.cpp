@@ -224,10 +224,6 @@ DisparityMap ReadDisparity(const std::string& path) {
   return map;
 }
 
-DistanceMap ReadDistance(const std::string& path) {
-  return ReadGreyPng<uint16_t>(path);
-}
-
 WeightMap ReadWeights(const std::string& path) {
   return ReadGreyPng<uint8_t>(path);
 }

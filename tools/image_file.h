@@ -46,9 +46,6 @@ GreyPicture DecodeGreyPicture(const std::string& name,
 // A 16-bit grey PNG with values up to 1023.
 DisparityMap ReadDisparity(const std::string& path);
 
-// A 16-bit grey PNG.
-DistanceMap ReadDistance(const std::string& path);
-
 // An 8-bit grey PNG.
 WeightMap ReadWeights(const std::string& path);
 

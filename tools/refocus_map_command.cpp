@@ -5,9 +5,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "command.h"
 #include "coordinates.h"
+#include "depth_options.h"
 #include "false_colour.h"
 #include "image_file.h"
 #include "output_files.h"
@@ -20,7 +22,8 @@ namespace zuqel::tools {
 namespace {
 
 struct RefocusMapOptions {
-  std::string disparity, distance, image, focus, generator, size, output, panel;
+  std::string image, focus, generator, size, output, panel;
+  DepthOptions depth;
 };
 
 struct RefocusMapInput {
@@ -29,16 +32,15 @@ struct RefocusMapInput {
   std::optional<Picture> image;
   FramedFocus focus;         // in pixels of the image, else of the depth
   std::optional<Size> size;  // of the map to make
+  std::string note;
 };
 
 // Checks that need no file.
 void CheckCombination(const RefocusMapOptions& options,
                       const Generator& generator) {
-  if (options.disparity.empty() == options.distance.empty()) {
-    throw InputError("give one of --disparity and --distance");
-  }
-  if (!options.distance.empty() && !generator.takes_distance) {
-    throw InputError("--distance: " + options.generator + " takes --disparity");
+  CheckDepthOptions(options.depth);
+  if (!options.depth.HasMap()) {
+    throw InputError("give one of --disparity and --depth");
   }
   if (!options.size.empty() && !generator.takes_size) {
     throw InputError("--size: " + options.generator +
@@ -54,13 +56,15 @@ RefocusMapInput ReadInput(const RefocusMapOptions& options,
     input.size = ParseSizeOption(options.size);
     CheckSize("--size", *input.size);
   }
-  input.depth = options.disparity.empty()
-                    ? ReadDistance(options.distance)
-                    : DepthFor(generator, ReadDisparity(options.disparity));
+  const std::optional<NamedDepth> depth = ReadDepthMap(options.depth);
+  auto [map, note] = MakeDepthFor(generator, *depth, options.depth);
+  input.depth = std::move(map);
+  input.note = std::move(note);
   input.focus.frame = SizeOf(input.depth);
   if (!options.image.empty()) {
     input.image = ReadPicture(options.image);
     input.focus.frame = SizeOf(*input.image);
+    CheckProportions(*depth, input.focus.frame, options.depth);
   }
   input.focus.point =
       ParseFocusPoint("--focus", options.focus, input.image ? "picture" : "map",
@@ -91,6 +95,7 @@ void Run(const RefocusMapOptions& options) {
     outputs.Write(options.panel, Panel(input, map.weights));
   }
   outputs.Commit();
+  PrintNote(input.note);
   if (map.range) {
     std::printf("disparity: minimum %u, maximum %u, focus %u\n", map.range->min,
                 map.range->max, map.range->focus);
@@ -116,11 +121,7 @@ Command AddRefocusMapCommand(CommandLine program) {
   CommandLine app = program.AddCommand(
       "refocus-map", "Make a map of what stays sharp and what is blurred");
   auto options = std::make_shared<RefocusMapOptions>();
-  AddDisparityOption(app, options->disparity);
-  AddFileOption(app, "--distance", options->distance,
-                "Instead, for a generator that takes distances: 16-bit\n"
-                "grey PNG, larger is farther, 0 is unknown. Given\n"
-                "--disparity, it takes 262144 / disparity");
+  AddDepthOptions(app, options->depth);
   app.AddOption("--focus", options->focus,
                 "The point in focus, in pixels of --image if given, else of\n"
                 "the disparity or distance map")
@@ -144,6 +145,8 @@ Command AddRefocusMapCommand(CommandLine program) {
                 "image, blue where it is blurred, side by side, PNG");
   app.Footer(
       "Generators:\n" + GeneratorList() +
+      "distance takes a 16-bit --distance as it is, unless --scale is given, "
+      "and\n262144 / disparity of any other map.\n"
       "\n"
       "Prints the range of disparities, without a few percent of the pixels "
       "at\n"

@@ -5,11 +5,13 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bokeh_session.h"
 #include "command.h"
 #include "coordinates.h"
+#include "depth_options.h"
 #include "false_colour.h"
 #include "frame_difference.h"
 #include "frame_progress.h"
@@ -27,8 +29,8 @@ namespace {
 constexpr float kWidestLens = 1.0F;
 
 struct RenderOptions {
-  std::string image, disparity, weights, map_from, focus, output, panel,
-      compare;
+  std::string image, weights, map_from, focus, output, panel, compare;
+  DepthOptions depth;
   Renderer renderer = Renderer::kGpu;
   float f_number = kWidestLens;
   int repeat = 0;  // 0: once, without printing the time
@@ -41,6 +43,7 @@ struct RenderInput {
   std::optional<DisparityMap> disparity;
   std::optional<WeightMap> weights;
   Focus focus;
+  std::string note;
 };
 
 // Refuses what only the GPU can do if the CPU renders, alone or for comparison.
@@ -61,10 +64,11 @@ void CheckRenderer(const RenderOptions& options) {
 // Checks that need no file.
 void CheckCombination(const RenderOptions& options) {
   CheckRenderer(options);
-  if (options.disparity.empty() == options.weights.empty()) {
-    throw InputError("give one of --disparity and --weights");
+  CheckDepthOptions(options.depth);
+  if (options.depth.HasMap() != options.weights.empty()) {
+    throw InputError("give one of --disparity, --depth and --weights");
   }
-  if (!options.map_from.empty() && options.disparity.empty()) {
+  if (!options.map_from.empty() && !options.weights.empty()) {
     throw InputError("--map-from: works with --disparity, not with --weights");
   }
   if (!(options.f_number >= 1.0F && options.f_number <= 10.0F)) {
@@ -78,20 +82,26 @@ RenderInput ReadInput(const RenderOptions& options) {
   input.focus = {ParseFocusPoint("--focus", options.focus, "picture",
                                  SizeOf(input.picture)),
                  options.f_number};
-  if (options.weights.empty()) {
-    input.disparity = ReadDisparity(options.disparity);
+  if (const auto depth = ReadDepthMap(options.depth)) {
+    CheckProportions(*depth, SizeOf(input.picture), options.depth);
+    auto [map, note] = options.map_from.empty()
+                           ? MakeDisparity(*depth, options.depth)
+                           : MakeDepthFor(*GeneratorNamed(options.map_from),
+                                          *depth, options.depth);
+    input.disparity = std::move(map);
+    input.note = std::move(note);
   } else {
     input.weights = ReadWeights(options.weights);
   }
   return input;
 }
 
-// Replaces the disparity map with weights of the same size.
+// Replaces the disparity, or what else the generator takes, with weights of the
+// same size.
 void MakeWeights(const Generator& generator, RenderInput& input) {
-  input.weights =
-      MakeRefocusMap(generator, DepthFor(generator, *input.disparity),
-                     {input.focus.point, SizeOf(input.picture)})
-          .weights;
+  input.weights = MakeRefocusMap(generator, *std::move(input.disparity),
+                                 {input.focus.point, SizeOf(input.picture)})
+                      .weights;
   input.disparity.reset();
 }
 
@@ -195,6 +205,7 @@ void Run(const RenderOptions& options) {
     outputs.Write(options.panel, Panel(input, result));
   }
   outputs.Commit();
+  PrintNote(input.note);
   const bool is_focus_sharp =
       one.is_focus_sharp && (!other || other->is_focus_sharp);
   ReportBlurredFocus(is_focus_sharp ? 0 : 1, 1);
@@ -211,12 +222,12 @@ Command AddRenderCommand(CommandLine program) {
   AddFileOption(app, "--image", options->image,
                 "The picture, PNG or JPEG, of even width and height")
       .Required();
-  AddDisparityOption(app, options->disparity);
+  AddDepthOptions(app, options->depth);
   AddFileOption(app, "--weights", options->weights,
-                "Instead of --disparity, 8-bit grey PNG of any size: 0 keeps\n"
+                "Instead of a depth map, 8-bit grey PNG of any size: 0 keeps\n"
                 "a pixel sharp, 255 blurs it fully");
   app.AddOption("--map-from", options->map_from,
-                "With --disparity, render from the refocus map that this\n"
+                "With a depth map, render from the refocus map that this\n"
                 "generator makes from it; see zuqel refocus-map --help")
       .TypeName("NAME")
       .Check(CheckGeneratorName);

@@ -11,12 +11,6 @@ Option AddFileOption(CommandLine app, const std::string& names,
   return app.AddOption(names, path, help).TypeName("FILE");
 }
 
-void AddDisparityOption(CommandLine app, std::string& path) {
-  AddFileOption(app, "--disparity", path,
-                "16-bit grey PNG of any size: 0..1022, larger is nearer,\n"
-                "1023 is unknown");
-}
-
 void AddRendererOption(CommandLine app, Renderer& renderer) {
   const std::string fallback = renderer == Renderer::kGpu ? "gpu" : "cpu";
   app.AddOption(

@@ -13,9 +13,6 @@ namespace zuqel::tools {
 Option AddFileOption(CommandLine app, const std::string& names,
                      std::string& path, const std::string& help);
 
-// --disparity.
-void AddDisparityOption(CommandLine app, std::string& path);
-
 // --renderer; `renderer` holds its default.
 void AddRendererOption(CommandLine app, Renderer& renderer);
 

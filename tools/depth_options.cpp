@@ -1,0 +1,159 @@
+// The options that name a depth map and say how to understand it.
+#include "depth_options.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <iostream>
+#include <utility>
+
+#include "coordinates.h"
+#include "library_log.h"
+#include "photo/map_file.h"
+#include "photo/number_text.h"
+#include "shared_options.h"
+#include "tool_error.h"
+
+namespace zuqel::tools {
+namespace {
+
+// Nothing if the text is not a scale.
+std::optional<DisparityScale> ParseScale(const std::string& text) {
+  if (text == "auto") return DisparityScale{DisparityScale::kSpan};
+  if (text == "none") return DisparityScale{DisparityScale::kFactor};
+  const std::optional<double> factor = ParseNumber(text);
+  if (!factor || *factor <= 0) return std::nullopt;
+  return DisparityScale{DisparityScale::kFactor, *factor};
+}
+
+std::string CheckScale(const std::string& text) {
+  return ParseScale(text) ? "" : text + " is not none, auto or above 0";
+}
+
+void AddFileOptions(CommandLine app, DepthOptions& options) {
+  AddFileOption(app, "--disparity", options.disparity,
+                "Grey PNG, JPEG or PFM of any size, larger is nearer. 16-bit\n"
+                "of at most 1023 is taken as it is, 1023 is unknown; all\n"
+                "else is scaled to span 1..1000");
+  Option depth = AddFileOption(
+      app, "--depth,--distance", options.depth,
+      "The same, larger is farther. 16-bit and PFM are lengths in\n"
+      "any unit, 0 is unknown; 8-bit is relative");
+  Option near = app.AddOption("--near", options.near,
+                              "With --far, the length that 0 of an 8-bit\n"
+                              "--depth stands for")
+                    .TypeName("LENGTH")
+                    .Needs(depth);
+  Option far = app.AddOption("--far", options.far,
+                             "The length that 255 of it stands for")
+                   .TypeName("LENGTH")
+                   .Needs(near);
+  near.Needs(far);
+  app.AddOption("--unknown", options.unknown,
+                "Another value of the map that marks no measurement;\n"
+                "infinity and NaN always do")
+      .TypeName("VALUE");
+}
+
+void RequireMap(bool is_given, const char* option) {
+  if (!is_given) return;
+  throw InputError(std::string(option) + ": needs --disparity or --depth");
+}
+
+MapReading ReadingOf(const DepthOptions& options) {
+  MapReading reading;
+  if (options.disparity.empty()) reading.meaning = DepthMeaning::kLength;
+  reading.unknown = options.unknown;
+  reading.is_turned_round = options.is_turned_round;
+  if (options.near) reading.lengths = {*options.near, *options.far};
+  return reading;
+}
+
+}  // namespace
+
+void AddDepthOptions(CommandLine app, DepthOptions& options) {
+  AddFileOptions(app, options);
+  app.AddFlag("--invert", options.is_turned_round,
+              "Turn the map round: its largest value becomes its smallest");
+  app.AddOption(
+         "--scale",
+         [&options](const std::string& text) {
+           options.scale = ParseScale(text).value_or(DisparityScale{});
+         },
+         "How disparities, or the inverse of lengths, are scaled: none,\n"
+         "auto (to span 1..1000) or a factor; cut to 0..1022")
+      .TypeName("none|auto|FACTOR")
+      .Check(CheckScale);
+  app.AddFlag("--stretch", options.may_stretch,
+              "Take a map whose proportions are not those of the picture");
+}
+
+void CheckDepthOptions(const DepthOptions& options) {
+  if (!options.disparity.empty() && !options.depth.empty()) {
+    throw InputError("give one of --disparity and --depth");
+  }
+  if (!options.HasMap()) {
+    RequireMap(options.unknown.has_value(), "--unknown");
+    RequireMap(options.is_turned_round, "--invert");
+    RequireMap(options.scale.kind != DisparityScale::kByMap, "--scale");
+    RequireMap(options.may_stretch, "--stretch");
+  }
+  if (!options.near) return;
+  if (!(*options.near > 0 && *options.near < *options.far &&
+        std::isfinite(*options.far))) {
+    throw InputError("--near: is not above 0 and below --far");
+  }
+}
+
+std::optional<NamedDepth> ReadDepthMap(const DepthOptions& options) {
+  if (!options.HasMap()) return std::nullopt;
+  NamedDepth depth;
+  depth.name = options.disparity.empty() ? options.depth : options.disparity;
+  const MapFile file = ReadMapFile(depth.name);
+  if (options.near && file.depth != MapDepth::k8Bits) {
+    throw InputError(depth.name +
+                     ": holds lengths; --near and --far are for 8-bit maps");
+  }
+  depth.is_16_bit = file.depth == MapDepth::k16Bits;
+  depth.map = ToDepth(file, ReadingOf(options));
+  return depth;
+}
+
+void CheckProportions(const NamedDepth& depth, Size picture,
+                      const DepthOptions& options) {
+  const Size map = SizeOf(depth.map);
+  const auto [less, more] = std::minmax({int64_t{map.width} * picture.height,
+                                         int64_t{map.height} * picture.width});
+  if (options.may_stretch || more * 100 <= less * 102) return;
+  throw InputError(depth.name + ": is " + ToText(map) + ", the picture " +
+                   ToText(picture) +
+                   "; if both show the same view, give --stretch");
+}
+
+NotedMap MakeDisparity(const NamedDepth& depth, const DepthOptions& options) {
+  auto [map, assumed, is_scaled] =
+      ToDisparity(depth.name, depth.map, options.scale);
+  const bool has_note = (depth.is_16_bit && is_scaled) || LibraryLogIsShown();
+  return {std::move(map), has_note ? depth.name + ": " + assumed : ""};
+}
+
+NotedMap MakeDepthFor(const Generator& generator, const NamedDepth& depth,
+                      const DepthOptions& options) {
+  const bool is_distance = depth.map.is_native &&
+                           depth.map.meaning == DepthMeaning::kLength &&
+                           options.scale.kind == DisparityScale::kByMap;
+  if (!generator.takes_distance || !is_distance) {
+    NotedMap noted = MakeDisparity(depth, options);
+    noted.map = DepthFor(generator, noted.map);
+    return noted;
+  }
+  const std::string note = depth.name + ": " + depth.map.kind + ", as it is";
+  return {ToDistance(depth.map), LibraryLogIsShown() ? note : ""};
+}
+
+void PrintNote(const std::string& note) {
+  if (!note.empty()) std::cerr << note << "\n";
+}
+
+}  // namespace zuqel::tools
