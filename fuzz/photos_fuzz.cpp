@@ -1,10 +1,12 @@
-// The reader of depth inside of JPEG files.
+// The readers of what photos hold besides the picture.
 #include <algorithm>
 #include <cmath>
 #include <string>
 #include <vector>
 
 #include "input.h"
+#include "photo/exif.h"
+#include "photo/heif_turns.h"
 #include "photo/jpeg_depth.h"
 #include "photo/md5.h"
 #include "require.h"
@@ -29,8 +31,27 @@ tools::JpegSegments WithExtendedXmp(const std::string& xmp) {
           {header + xmp}};
 }
 
+void ReadExif(const std::vector<uint8_t>& file) {
+  const int orientation = tools::ReadOrientation(file);
+  Require(orientation >= 0 && orientation <= 8, "orientation");
+  const tools::Bytes carried = tools::UprightExif(file, {8, 6});
+  Require(carried.empty() || tools::ReadOrientation(carried) <= 1,
+          "orientation of a carried block");
+}
+
+void ReadTurns(const std::vector<uint8_t>& file) {
+  for (uint32_t item = 0; item < 4; ++item) {
+    for (const int turn : tools::ReadHeifTurns(file, item)) {
+      Require(turn >= 1 && turn <= 8, "turn");
+    }
+  }
+}
+
 void Read(int kind, Input& input) {
   std::vector<uint8_t> file = input.Rest();
+  if (kind == 3) ReadExif(file);
+  if (kind == 4) ReadTurns(file);
+  if (kind >= 3) return;
   tools::JpegSegments segments;
   if (kind == 0) {
     segments = tools::ReadJpegSegments(kName, file);
@@ -57,7 +78,7 @@ void Read(int kind, Input& input) {
 
 void Run(Input& input) {
   try {
-    Read(input.Between(0, 2), input);
+    Read(input.Between(0, 4), input);
   } catch (const tools::InputError&) {
     return;  // which is what bad files are for
   }

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "heif_samples.h"
 #include "image_file.h"
 #include "image_samples.h"
 #include "photo_samples.h"
@@ -45,7 +46,7 @@ void WritePictures(const fs::path& folder) {
 }
 
 void WritePhotos(const fs::path& folder) {
-  enum : uint8_t { kFile, kPacket, kExtended };
+  enum : uint8_t { kFile, kPacket, kExtended, kExif, kHeif };
   const auto add = [&](const char* name, tools::Bytes bytes, uint8_t kind) {
     bytes.push_back(kind);
     tools::WriteBytes(folder / name, bytes);
@@ -61,6 +62,13 @@ void WritePhotos(const fs::path& folder) {
   add_packet("elements", tools::DynamicPacket(tools::kElements));
   add("segments", tools::JpegWith(tools::ExtendedSegments()), kFile);
   add("extended", {gdepth.begin(), gdepth.end()}, kExtended);
+  // Big-endian, with an orientation of 6 alone.
+  const std::string exif(
+      "Exif\0\0MM\0*\0\0\0\x8\0\x1\x1\x12\0\3\0\0\0\1\0\6\0\0\0\0\0\0", 32);
+  add("exif", {exif.begin(), exif.end()}, kExif);
+  tools::HeifSample sample = {tools::NoisePicture(64, 64)};
+  sample.turns = "r1m0";
+  add("heif", tools::Heif(sample), kHeif);
 }
 
 void WriteNoise(const fs::path& folder) {

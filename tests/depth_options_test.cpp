@@ -69,12 +69,20 @@ TEST_F(DepthOptionsTest, EveryKindOfMapMakesTheSamePicture) {
 }
 
 TEST_F(DepthOptionsTest, RefusesContradictionsAndMapsOfAnotherView) {
-  const std::string render = render_ + "kept.png";
+  const std::string render = render_ + "kept.png",
+                    weights =
+                        "render photo.png --focus 20,100 -o kept.png "
+                        "--weights chip.png";
   ExpectRefused({
-      {render, "give one of --disparity, --depth and --weights"},
+      {render,
+       "photo.png: has no depth inside; zuqel render takes depth by "
+       "--disparity, --depth or --weights"},
+      {weights + " --disparity chip.png",
+       "give one of --disparity, --depth and --weights"},
       {render + " --disparity chip.png --depth chip.png",
        "give one of --disparity and --depth"},
-      {render + " --scale auto", "--scale: needs --disparity or --depth"},
+      {render + " --unknown 0", "--unknown: needs --disparity or --depth"},
+      {weights + " --scale auto", "--scale: needs --disparity or --depth"},
       {render + " --disparity chip.png --scale 0",
        "--scale: 0 is not none, auto or above 0"},
       {render + " --depth bytes.jpg --near 2", "--near requires --far"},

@@ -53,7 +53,7 @@ TEST(PendingFile, TakesNoNameThatExists) {
 }
 
 // Commands up to their output, with inputs that exist, and then the output. A
-// name ends with 1 or .y4m.
+// name ends with 1, .png or .y4m.
 class HostileFiles : public CommandLine {
  protected:
   HostileFiles() {
@@ -90,9 +90,9 @@ TEST_F(HostileFiles, RefusesPlacesThatNoFileCanHave) {
   const std::string refocus =
       "zuqel refocus-map --disparity none --focus 9,9 --generator gpu -o ";
   const Cases outputs = {
-      {render, "1"},
-      {render + "o --panel ", "1"},
-      {render + "o --compare ", "1"},
+      {render, ".png"},
+      {render + "o.png --panel ", ".png"},
+      {render + "o.png --compare ", ".png"},
       {refocus, "1"},
       {refocus + "o --panel ", "1"},
       {"zuqel sequence --images none%d --disparities none%d --first 1 --count "
@@ -111,14 +111,15 @@ TEST_F(HostileFiles, RefusesPlacesThatNoFileCanHave) {
            Place{"ln -s /dev/full", ": is not a regular file\n"},
            Place{"ln -s box", ": is a folder\n"},
        }) {
-    ASSERT_EQ(Shell(std::string(make) + " p1 && " + make + " p.y4m").exit_code,
-              0);
+    const std::string script =
+        Concat({"set -e; for p in p1 p.png p.y4m; do ", make, " $p; done"});
+    ASSERT_EQ(Shell(script).exit_code, 0);
     Cases cases;
     for (const auto& [command, end] : outputs) {
       cases.emplace_back(Concat({"timeout 20 ", command, "p", end}), refusal);
     }
     ExpectFailing(cases, 1);
-    ASSERT_EQ(Shell("rm -r p1 p.y4m").exit_code, 0);
+    ASSERT_EQ(Shell("rm -r p1 p.png p.y4m").exit_code, 0);
   }
   ExpectFailing({{raw_ + "/dev/full", "/dev/full: is not a regular file"},
                  {raw_ + "none/o", "none/o: the folder none does not exist"},
@@ -141,8 +142,8 @@ TEST_F(HostileFiles, LeavesNothingOnADiskThatItCannotFill) {
   const std::vector<Disk> disks = {
       {full,
        space,
-       {raw_ + "box/o", seal_ + "box/o", render_ + "box/o", series_ + "box/%d",
-        series_ + "box/o.y4m"}},
+       {raw_ + "box/o", seal_ + "box/o", render_ + "box/o.png",
+        series_ + "box/%d", series_ + "box/o.y4m"}},
       // Enough for one picture, and for part of a frame.
       {"size=16k none box", space, {series_ + "box/o.y4m", series_ + "box/%d"}},
       {"nr_inodes=1 none box", space, {idle + "box/o"}},
@@ -163,7 +164,8 @@ TEST_F(HostileFiles, LeavesNothingOnADiskThatItCannotFill) {
     }
   }
   ExpectFailing(cases, 1);
-  ExpectFailing({{"ulimit -f 1; " + render_ + "box/o", "File too large"}}, 1);
+  ExpectFailing({{"ulimit -f 1; " + render_ + "box/o.png", "File too large"}},
+                1);
 }
 
 // What a script prints.

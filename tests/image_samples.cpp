@@ -15,6 +15,7 @@
 
 #include "image_file.h"
 #include "pending_file.h"
+#include "photo/picture_writer.h"
 #include "random.h"
 
 namespace zuqel::tools {
@@ -53,7 +54,11 @@ Picture NoisePicture(int width, int height) {
 }
 
 void WritePicture(const Picture& picture, const std::string& path) {
-  WriteImage(WritePicture, picture, path);
+  WriteImage<Picture>(
+      [](const Picture& image, PendingFile& file) {
+        WritePicture(image, {}, kDefaultQuality, file);
+      },
+      picture, path);
 }
 
 void WriteGrey(const Map<uint8_t>& map, const std::string& path) {

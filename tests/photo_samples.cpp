@@ -96,9 +96,10 @@ std::string Elements(const std::string& attributes) {
                             "<$1>\n $2</$1>");
 }
 
-std::string GDepth(const std::string& format, const Bytes& depth) {
+std::string GDepth(const std::string& format, const Bytes& depth,
+                   const Bytes& original) {
   return Range(" GDepth:", format) + " GDepth:Data='" + Base64(depth) +
-         "' GImage:Data='b3JpZ2luYWw='";
+         "' GImage:Data='" + Base64(original) + "'";
 }
 
 Segments ExtendedSegments() {

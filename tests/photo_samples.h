@@ -40,8 +40,11 @@ std::string Packet(const std::string& attributes,
                    const std::string& elements = {});
 std::string Elements(const std::string& attributes);
 
-// Attributes for this depth, from 0.5 to 4 metres, and for "original".
-std::string GDepth(const std::string& format, const Bytes& depth = DepthPng());
+// Attributes for this depth, from 0.5 to 4 metres, and for the picture before
+// the blur.
+std::string GDepth(const std::string& format, const Bytes& depth = DepthPng(),
+                   const Bytes& original = {'o', 'r', 'i', 'g', 'i', 'n', 'a',
+                                            'l'});
 // The same, RangeInverse, with 64 bytes of extended XMP in each segment.
 Segments ExtendedSegments();
 

@@ -15,6 +15,7 @@ struct Command {
 };
 
 Command AddRenderCommand(CommandLine program);
+Command AddDepthCommand(CommandLine program);
 Command AddRefocusMapCommand(CommandLine program);
 Command AddSequenceCommand(CommandLine program);
 Command AddDemoCommand(CommandLine program);

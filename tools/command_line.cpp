@@ -72,6 +72,12 @@ Option CommandLine::AddOption(const std::string& names, std::string& value,
   return Option(app_->add_option(names, value, help));
 }
 
+Option CommandLine::AddOption(const std::string& names,
+                              std::vector<std::string>& values,
+                              const std::string& help) {
+  return Option(app_->add_option(names, values, help));
+}
+
 Option CommandLine::AddOption(const std::string& names, int& value,
                               const std::string& help) {
   return Option(app_->add_option(names, value, help));

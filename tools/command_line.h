@@ -48,6 +48,9 @@ class CommandLine {
   // `names` are as in "-o,--output"; without a dash it is an argument.
   Option AddOption(const std::string& names, std::string& value,
                    const std::string& help);
+  // Takes one value or more.
+  Option AddOption(const std::string& names, std::vector<std::string>& values,
+                   const std::string& help);
   Option AddOption(const std::string& names, int& value,
                    const std::string& help);
   Option AddOption(const std::string& names, std::optional<int>& value,

@@ -114,7 +114,7 @@ Command AddDemoCommand(CommandLine program) {
       "\n"
       "Example:\n"
       "  zuqel demo -o demo\n"
-      "  zuqel render --image demo/scene.png --disparity demo/disparity.png "
+      "  zuqel render demo/scene.png --disparity demo/disparity.png "
       "\\\n"
       "    --focus 900,650 -o bokeh.png");
   return {app, [folder] { Run(*folder); }};

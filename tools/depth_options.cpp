@@ -89,12 +89,14 @@ void AddDepthOptions(CommandLine app, DepthOptions& options) {
               "Take a map whose proportions are not those of the picture");
 }
 
-void CheckDepthOptions(const DepthOptions& options) {
+void CheckDepthOptions(const DepthOptions& options, bool has_photo) {
   if (!options.disparity.empty() && !options.depth.empty()) {
     throw InputError("give one of --disparity and --depth");
   }
   if (!options.HasMap()) {
     RequireMap(options.unknown.has_value(), "--unknown");
+  }
+  if (!options.HasMap() && !has_photo) {
     RequireMap(options.is_turned_round, "--invert");
     RequireMap(options.scale.kind != DisparityScale::kByMap, "--scale");
     RequireMap(options.may_stretch, "--stretch");
@@ -117,6 +119,19 @@ std::optional<NamedDepth> ReadDepthMap(const DepthOptions& options) {
   }
   depth.is_16_bit = file.depth == MapDepth::k16Bits;
   depth.map = ToDepth(file, ReadingOf(options));
+  return depth;
+}
+
+NamedDepth TakeDepth(const std::string& path, Photo& photo,
+                     const DepthOptions& options) {
+  if (!photo.depth) {
+    throw InputError(path +
+                     ": has no depth inside; zuqel render takes depth by "
+                     "--disparity, --depth or --weights");
+  }
+  NamedDepth depth = {path + ": depth inside", *std::move(photo.depth)};
+  photo.depth.reset();
+  if (options.is_turned_round) TurnRound(depth.map);
   return depth;
 }
 

@@ -10,6 +10,7 @@
 #include "image.h"
 #include "photo/depth_map.h"
 #include "photo/depth_scale.h"
+#include "photo/photo.h"
 #include "refocus_map.h"
 
 namespace zuqel::tools {
@@ -27,8 +28,9 @@ struct DepthOptions {
 
 void AddDepthOptions(CommandLine app, DepthOptions& options);
 
-// Checks that need no file. Throws InputError, as do all below.
-void CheckDepthOptions(const DepthOptions& options);
+// Checks that need no file; with `has_photo`, depth may come from a photo
+// instead of a map. Throws InputError, as do all below.
+void CheckDepthOptions(const DepthOptions& options, bool has_photo);
 
 struct NamedDepth {
   std::string name;  // of the file that it is from
@@ -38,6 +40,10 @@ struct NamedDepth {
 
 // Nothing if no map is given.
 std::optional<NamedDepth> ReadDepthMap(const DepthOptions& options);
+
+// The depth inside of the photo, which has to have some. Leaves it without.
+NamedDepth TakeDepth(const std::string& path, Photo& photo,
+                     const DepthOptions& options);
 
 // Requires the proportions of the picture, within 2 percent.
 void CheckProportions(const NamedDepth& depth, Size picture,

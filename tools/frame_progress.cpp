@@ -16,8 +16,10 @@ FrameTimes Summarise(std::vector<double> times_ms) {
   return {median, times_ms.back()};
 }
 
-ProgressBar::ProgressBar(int total)
-    : total_(total), on_terminal_(total > 1 && isatty(STDERR_FILENO) == 1) {}
+ProgressBar::ProgressBar(int total, const char* of)
+    : total_(total),
+      of_(of),
+      on_terminal_(total > 1 && isatty(STDERR_FILENO) == 1) {}
 
 ProgressBar::~ProgressBar() {
   if (on_terminal_) std::cerr << "\r\033[K";
@@ -30,7 +32,7 @@ void ProgressBar::Show(int done) const {
       static_cast<size_t>(static_cast<int64_t>(done) * kCells / total_);
   std::string bar(kCells, '.');
   std::fill_n(bar.begin(), filled, '#');
-  std::cerr << "\r[" << bar << "] " << done << "/" << total_ << " frames"
+  std::cerr << "\r[" << bar << "] " << done << "/" << total_ << " " << of_
             << std::flush;
 }
 

@@ -18,7 +18,8 @@ FrameTimes Summarise(std::vector<double> times_ms);
 // A bar on standard error if that is a terminal, else nothing.
 class ProgressBar {
  public:
-  explicit ProgressBar(int total);
+  // `of` is what is counted.
+  explicit ProgressBar(int total, const char* of = "frames");
   ~ProgressBar();  // erases the bar
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
@@ -27,6 +28,7 @@ class ProgressBar {
 
  private:
   int total_;
+  const char* of_;
   bool on_terminal_;
 };
 

@@ -228,11 +228,6 @@ WeightMap ReadWeights(const std::string& path) {
   return ReadGreyPng<uint8_t>(path);
 }
 
-void WritePicture(const Picture& picture, PendingFile& file) {
-  WritePng(picture.width, picture.height, PNG_FORMAT_RGB, picture.rgb.data(),
-           file);
-}
-
 void WriteGrey(const Map<uint8_t>& map, PendingFile& file) {
   WritePng(map.width, map.height, PNG_FORMAT_GRAY, map.values.data(), file);
 }

@@ -49,8 +49,8 @@ DisparityMap ReadDisparity(const std::string& path);
 // An 8-bit grey PNG.
 WeightMap ReadWeights(const std::string& path);
 
-// The writers make PNG files and throw WorkError.
-void WritePicture(const Picture& picture, PendingFile& file);
+// The writers make PNG files and throw WorkError; see photo/picture_writer.h
+// for pictures.
 void WriteGrey(const Map<uint8_t>& map, PendingFile& file);
 void WriteDisparity(const DisparityMap& map, PendingFile& file);
 

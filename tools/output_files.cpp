@@ -7,7 +7,6 @@
 #include "coordinates.h"
 #include "file_claims.h"
 #include "image_file.h"
-#include "photo/picture_writer.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -65,12 +64,6 @@ void OutputFiles::Announce(const std::string& path) {
   ClaimOutput(path);
   // Permissions do not tell whether a file can be made, so one is, and removed.
   if (folders_.insert(full_folder).second) PendingFile{path};
-}
-
-void OutputFiles::Write(const std::string& path, const Picture& picture) {
-  PendingFile& file = Begin(path, ToText(SizeOf(picture)));
-  WritePicture(picture, file);
-  file.Close();
 }
 
 void OutputFiles::Write(const std::string& path, const Picture& picture,

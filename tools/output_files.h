@@ -14,6 +14,7 @@
 #include "image.h"
 #include "metadata.h"
 #include "pending_file.h"
+#include "photo/picture_writer.h"
 #include "temporary_path.h"
 
 namespace zuqel::tools {
@@ -31,16 +32,13 @@ class OutputFiles {
   // these are read before or after.
   void Announce(const std::string& path);
 
-  // Writes a file for the announced `path`; pictures as PNG.
-  void Write(const std::string& path, const Picture& picture);
+  // Writes a file for the announced `path`: a picture as its name says, see
+  // photo/picture_writer.h, and maps as PNG.
+  void Write(const std::string& path, const Picture& picture,
+             const Metadata& metadata = {}, int quality = kDefaultQuality);
   void Write(const std::string& path, const Map<uint8_t>& grey);
   void Write(const std::string& path, const DisparityMap& map);
   void Write(const std::string& path, const Bytes& bytes);
-
-  // The same for a picture made from a photo, which becomes a JPEG file where
-  // `path` says so; see WritePicture of photo/picture_writer.h.
-  void Write(const std::string& path, const Picture& picture,
-             const Metadata& metadata, int quality);
 
   // Begins the file for the announced `path`, for the caller to write until
   // Commit; `size` is what Commit prints about it.

@@ -38,7 +38,7 @@ struct RefocusMapInput {
 // Checks that need no file.
 void CheckCombination(const RefocusMapOptions& options,
                       const Generator& generator) {
-  CheckDepthOptions(options.depth);
+  CheckDepthOptions(options.depth, false);
   if (!options.depth.HasMap()) {
     throw InputError("give one of --disparity and --depth");
   }

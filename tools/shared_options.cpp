@@ -26,6 +26,14 @@ void AddRendererOption(CommandLine app, Renderer& renderer) {
       .OneOf({"gpu", "cpu"});
 }
 
+void AddQualityOption(CommandLine app, int& quality) {
+  app.AddOption("--quality", quality,
+                "Of JPEG outputs, 1 to 100 (" + std::to_string(quality) +
+                    " by default)")
+      .TypeName("N")
+      .Range(1, 100);
+}
+
 void ReportBlurredFocus(int blurred, int count) {
   if (blurred == 0) return;
   const std::string frames = count == 1

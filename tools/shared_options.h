@@ -16,6 +16,9 @@ Option AddFileOption(CommandLine app, const std::string& names,
 // --renderer; `renderer` holds its default.
 void AddRendererOption(CommandLine app, Renderer& renderer);
 
+// --quality; `quality` holds its default.
+void AddQualityOption(CommandLine app, int& quality);
+
 // Prints a line if the focus was `blurred` in some of `count` frames, as
 // Renderer::kCpu may leave it.
 void ReportBlurredFocus(int blurred, int count);

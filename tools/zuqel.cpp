@@ -76,6 +76,7 @@ int Run(int argc, char** argv) {
       "`zuqel COMMAND --help` has the details and an example.");
   const std::array commands = {
       zuqel::tools::AddRenderCommand(options),
+      zuqel::tools::AddDepthCommand(options),
       zuqel::tools::AddRefocusMapCommand(options),
       zuqel::tools::AddSequenceCommand(options),
       zuqel::tools::AddDemoCommand(options),

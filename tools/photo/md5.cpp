@@ -2,7 +2,6 @@
 #include "photo/md5.h"
 
 #include <array>
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -36,7 +35,7 @@ uint32_t LittleEndian(const char* bytes) {
 }
 
 void AddBlock(const char* block, State& state) {
-  constexpr std::array<std::array<int, 4>, 4> kTurns = {
+  constexpr std::array<std::array<uint32_t, 4>, 4> kTurns = {
       {{7, 12, 17, 22}, {5, 9, 14, 20}, {4, 11, 16, 23}, {6, 10, 15, 21}}};
   auto [a, b, c, d] = state;
   for (size_t step = 0; step < 64; ++step) {
@@ -61,7 +60,8 @@ void AddBlock(const char* block, State& state) {
     a = d;
     d = c;
     c = b;
-    b += std::rotl(sum, kTurns.at(round).at(step % 4));
+    const uint32_t turn = kTurns.at(round).at(step % 4);
+    b += sum << turn | sum >> (32 - turn);
   }
   state = {state[0] + a, state[1] + b, state[2] + c, state[3] + d};
 }
