@@ -90,7 +90,7 @@ TEST_F(Rendering, RefusesBadInput) {
        "--map-from: works with"},
       {refocus + "cpu --disparity d.png",
        "--generator: cpu is not one of gpu "},
-      {refocus + "gpu", "give one of --disparity and --depth"},
+      {refocus + "gpu", "give --disparity, --depth or an --image with depth"},
       {refocus + "distance --distance d.png --size 9x9", "--size: distance "},
   });
   ExpectRefused(

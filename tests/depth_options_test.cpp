@@ -95,7 +95,7 @@ TEST_F(DepthOptionsTest, RefusesContradictionsAndMapsOfAnotherView) {
       {render + " --disparity 81x59.png",
        "81x59.png: is 81x59, the picture 320x240; if both show the same view"},
       {"refocus-map --generator gpu --image photo.png --focus 9,9 -o kept.png "
-       "--depth 81x59.png --scale 9",
+       "--depth 81x59.png --scale 9 --stretch",
        "81x59.png: nothing in it is known"},
   });
 }

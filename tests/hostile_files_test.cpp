@@ -94,7 +94,7 @@ TEST_F(HostileFiles, RefusesPlacesThatNoFileCanHave) {
       {render + "o.png --panel ", ".png"},
       {render + "o.png --compare ", ".png"},
       {refocus, "1"},
-      {refocus + "o --panel ", "1"},
+      {refocus + "o --panel ", ".png"},
       {"zuqel sequence --images none%d --disparities none%d --first 1 --count "
        "2 --focus 9,9 -o ",
        "%d"},

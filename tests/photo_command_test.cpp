@@ -58,6 +58,14 @@ TEST_F(PhotoCommands, DepthInsideMakesThePictureThatItMakesOutside) {
   EXPECT_EQ(SizeOf(inside), (Size{63, 47}));
   EXPECT_EQ(inside.rgb, ReadPicture(File("out.png")).rgb);
   EXPECT_NE(inside.rgb, NoisePicture(63, 47).rgb);
+
+  const std::string refocus =
+      "refocus-map --generator disparity-base-cpu --focus 9,9 -o ";
+  EXPECT_EQ(Run(refocus + "r1.png --image photo.jpg", kGl).err, "");
+  EXPECT_EQ(
+      Run(refocus + "r2.png --image picture.png --disparity map.png", kGl).err,
+      "");
+  EXPECT_EQ(ReadBytes(File("r1.png")), ReadBytes(File("r2.png")));
 }
 
 // What is past the edge of an odd picture repeats it, and is cut off again.
@@ -111,6 +119,9 @@ TEST_F(PhotoCommands, SeveralAtOnceDoNotStopEachOther) {
        "flat.PNG: has no depth inside; zuqel render takes "
        "depth by --disparity, --depth or --weights"},
       {"depth photo.jpg -o map.gif", "--output: map.gif: has to end in "},
+      {"depth photo.jpg -o map.jpg", "--output: map.jpg: has to end in .png"},
+      {"refocus-map --focus 1,1 --generator gpu -o map.png",
+       "give --disparity, --depth or an --image with depth"},
   });
   EXPECT_FALSE(Exists("none"));
 }

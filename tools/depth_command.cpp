@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <memory>
 #include <string>
-#include <utility>
 
 #include "command.h"
 #include "coordinates.h"
@@ -50,11 +49,17 @@ void PrintDepth(const DepthMap& depth) {
 
 void Run(const TakeOutOptions& options) {
   OutputFiles outputs;
-  for (const auto& [option, path] : {std::pair{"--output", options.output},
-                                     {"--picture", options.picture}}) {
-    if (path.empty()) continue;
-    CheckPictureName(option, path);
-    outputs.Announce(path);
+  if (!options.output.empty()) {
+    CheckPictureName("--output", options.output);
+    if (!options.false_colour && IsJpegName(options.output)) {
+      throw InputError("--output: " + options.output +
+                       ": has to end in .png, or give --false-colour");
+    }
+    outputs.Announce(options.output);
+  }
+  if (!options.picture.empty()) {
+    CheckPictureName("--picture", options.picture);
+    outputs.Announce(options.picture);
   }
 
   Photo photo = ReadPhoto(options.photo);

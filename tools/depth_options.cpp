@@ -70,6 +70,17 @@ MapReading ReadingOf(const DepthOptions& options) {
   return reading;
 }
 
+void CheckProportions(const NamedDepth& depth, Size picture,
+                      const DepthOptions& options) {
+  const Size map = SizeOf(depth.map);
+  const auto [less, more] = std::minmax({int64_t{map.width} * picture.height,
+                                         int64_t{map.height} * picture.width});
+  if (options.may_stretch || more * 100 <= less * 102) return;
+  throw InputError(depth.name + ": is " + ToText(map) + ", the picture " +
+                   ToText(picture) +
+                   "; if both show the same view, give --stretch");
+}
+
 }  // namespace
 
 void AddDepthOptions(CommandLine app, DepthOptions& options) {
@@ -135,15 +146,13 @@ NamedDepth TakeDepth(const std::string& path, Photo& photo,
   return depth;
 }
 
-void CheckProportions(const NamedDepth& depth, Size picture,
-                      const DepthOptions& options) {
-  const Size map = SizeOf(depth.map);
-  const auto [less, more] = std::minmax({int64_t{map.width} * picture.height,
-                                         int64_t{map.height} * picture.width});
-  if (options.may_stretch || more * 100 <= less * 102) return;
-  throw InputError(depth.name + ": is " + ToText(map) + ", the picture " +
-                   ToText(picture) +
-                   "; if both show the same view, give --stretch");
+NamedDepth ChooseDepth(const DepthOptions& options, const std::string& path,
+                       Photo& photo) {
+  auto given = ReadDepthMap(options);
+  NamedDepth depth =
+      given ? *std::move(given) : TakeDepth(path, photo, options);
+  CheckProportions(depth, SizeOf(photo.picture), options);
+  return depth;
 }
 
 NotedMap MakeDisparity(const NamedDepth& depth, const DepthOptions& options) {

@@ -45,9 +45,10 @@ std::optional<NamedDepth> ReadDepthMap(const DepthOptions& options);
 NamedDepth TakeDepth(const std::string& path, Photo& photo,
                      const DepthOptions& options);
 
-// Requires the proportions of the picture, within 2 percent.
-void CheckProportions(const NamedDepth& depth, Size picture,
-                      const DepthOptions& options);
+// The map that is given, or else the depth inside of the photo. Requires the
+// proportions of the picture, within 2 percent.
+NamedDepth ChooseDepth(const DepthOptions& options, const std::string& path,
+                       Photo& photo);
 
 struct NotedMap {
   Map<uint16_t> map;

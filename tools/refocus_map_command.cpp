@@ -11,9 +11,10 @@
 #include "coordinates.h"
 #include "depth_options.h"
 #include "false_colour.h"
-#include "image_file.h"
 #include "output_files.h"
 #include "panel.h"
+#include "photo/photo.h"
+#include "photo/picture_writer.h"
 #include "refocus_map.h"
 #include "shared_options.h"
 #include "tool_error.h"
@@ -38,9 +39,10 @@ struct RefocusMapInput {
 // Checks that need no file.
 void CheckCombination(const RefocusMapOptions& options,
                       const Generator& generator) {
-  CheckDepthOptions(options.depth, false);
-  if (!options.depth.HasMap()) {
-    throw InputError("give one of --disparity and --depth");
+  const bool has_photo = !options.image.empty();
+  CheckDepthOptions(options.depth, has_photo);
+  if (!options.depth.HasMap() && !has_photo) {
+    throw InputError("give --disparity, --depth or an --image with depth");
   }
   if (!options.size.empty() && !generator.takes_size) {
     throw InputError("--size: " + options.generator +
@@ -56,16 +58,19 @@ RefocusMapInput ReadInput(const RefocusMapOptions& options,
     input.size = ParseSizeOption(options.size);
     CheckSize("--size", *input.size);
   }
-  const std::optional<NamedDepth> depth = ReadDepthMap(options.depth);
-  auto [map, note] = MakeDepthFor(generator, *depth, options.depth);
+  NamedDepth depth;
+  if (options.image.empty()) {
+    depth = *ReadDepthMap(options.depth);
+    input.focus.frame = SizeOf(depth.map);
+  } else {
+    Photo photo = ReadPhoto(options.image);
+    depth = ChooseDepth(options.depth, options.image, photo);
+    input.image = std::move(photo.picture);
+    input.focus.frame = SizeOf(*input.image);
+  }
+  auto [map, note] = MakeDepthFor(generator, depth, options.depth);
   input.depth = std::move(map);
   input.note = std::move(note);
-  input.focus.frame = SizeOf(input.depth);
-  if (!options.image.empty()) {
-    input.image = ReadPicture(options.image);
-    input.focus.frame = SizeOf(*input.image);
-    CheckProportions(*depth, input.focus.frame, options.depth);
-  }
   input.focus.point =
       ParseFocusPoint("--focus", options.focus, input.image ? "picture" : "map",
                       input.focus.frame);
@@ -85,7 +90,10 @@ void Run(const RefocusMapOptions& options) {
   CheckCombination(options, generator);
   OutputFiles outputs;
   outputs.Announce(options.output);
-  if (!options.panel.empty()) outputs.Announce(options.panel);
+  if (!options.panel.empty()) {
+    CheckPictureName("--panel", options.panel);
+    outputs.Announce(options.panel);
+  }
 
   const RefocusMapInput input = ReadInput(options, generator);
   const RefocusMap map =
@@ -136,13 +144,14 @@ Command AddRefocusMapCommand(CommandLine program) {
                 "Width and height of the map; by default, those of the depth")
       .TypeName("WxH");
   AddFileOption(app, "--image", options->image,
-                "The picture that the depth belongs to, PNG or JPEG");
+                "The photo that the depth belongs to: PNG, JPEG, HEIC or\n"
+                "AVIF. Its own depth is taken when no map is given");
   AddFileOption(app, "-o,--output", options->output,
                 "The map, 8-bit grey PNG: 0 stays sharp, 255 blurs fully")
       .Required();
   AddFileOption(app, "--panel", options->panel,
                 "Also write the depth in false colour, the map and the\n"
-                "image, blue where it is blurred, side by side, PNG");
+                "image, blue where it is blurred, side by side, PNG or JPEG");
   app.Footer(
       "Generators:\n" + GeneratorList() +
       "distance takes a 16-bit --distance as it is, unless --scale is given, "

@@ -54,16 +54,6 @@ void CheckRenderer(const RenderOptions& options) {
   refuse(on_cpu && options.f_number != kWidestLens, "--f-number");
 }
 
-// The map that is given, or else the depth inside of the photo.
-NamedDepth DepthOf(const RenderOptions& options, const std::string& path,
-                   Photo& photo) {
-  auto given = ReadDepthMap(options.depth);
-  NamedDepth depth =
-      given ? *std::move(given) : TakeDepth(path, photo, options.depth);
-  CheckProportions(depth, SizeOf(photo.picture), options.depth);
-  return depth;
-}
-
 FocusPoint FocusGiven(const RenderOptions& options, Size size) {
   return ParseFocusPoint("--focus", options.focus, "picture", size);
 }
@@ -86,7 +76,7 @@ RenderInput ReadInput(const RenderOptions& options, const std::string& path) {
     input.focus.point = FocusGiven(options, input.size);
     input.weights = ReadWeights(options.weights);
   } else {
-    const NamedDepth depth = DepthOf(options, path, photo);
+    const NamedDepth depth = ChooseDepth(options.depth, path, photo);
     input.focus.point = FocusOf(options, path, depth, input.size);
     auto [map, note] = options.map_from.empty()
                            ? MakeDisparity(depth, options.depth)

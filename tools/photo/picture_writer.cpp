@@ -21,16 +21,16 @@ std::string ExtensionOf(const std::string& path) {
   return extension;
 }
 
-bool IsJpegName(const std::string& path) {
-  const std::string extension = ExtensionOf(path);
-  return extension == ".jpg" || extension == ".jpeg";
-}
-
 FileBlock ToBlock(const Bytes& bytes) {
   return {bytes.data(), bytes.size()};
 }
 
 }  // namespace
+
+bool IsJpegName(const std::string& path) {
+  const std::string extension = ExtensionOf(path);
+  return extension == ".jpg" || extension == ".jpeg";
+}
 
 void CheckPictureName(const std::string& option, const std::string& path) {
   if (IsJpegName(path) || ExtensionOf(path) == ".png") return;

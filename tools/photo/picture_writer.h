@@ -12,6 +12,8 @@ namespace zuqel::tools {
 
 constexpr int kDefaultQuality = 95;
 
+bool IsJpegName(const std::string& path);
+
 // InputError, which begins with `option`, if no picture is written to files of
 // this name.
 void CheckPictureName(const std::string& option, const std::string& path);
