@@ -11,16 +11,21 @@
 
 namespace zuqel {
 
+// The driver that this run is on.
+inline const GlDriver& TestedDriver() {
+  static const GlDriver& driver = []() -> const GlDriver& {
+    std::optional<CallerContext> context;
+    if (eglGetCurrentContext() == EGL_NO_CONTEXT) context.emplace();
+    return CurrentGlDriver();
+  }();
+  return driver;
+}
+
 // True for every turn, or where frames take a second for every `stride`-th.
 // Take a stride that shares no factor with the number of cases, so that each
 // kind still has its turn.
 inline bool TakesTurn(int turn, int stride) {
-  static const bool is_slow = [] {
-    std::optional<CallerContext> context;
-    if (eglGetCurrentContext() == EGL_NO_CONTEXT) context.emplace();
-    return CurrentGlDriver().is_slow;
-  }();
-  return !is_slow || turn % stride == 0;
+  return !TestedDriver().is_slow || turn % stride == 0;
 }
 
 }  // namespace zuqel

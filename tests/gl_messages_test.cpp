@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "caller_state.h"
+#include "driver_turns.h"
 #include "gl/gl_state.h"
 #include "gl/program_cache.h"
 #include "gl_driver.h"
@@ -196,14 +197,10 @@ class Player {
 
 TEST(GlMessagesTest, SessionsMakeNoErrors) {
   std::map<std::string, Bytes> first;
-  const bool is_slow = [] {
-    const CallerContext context;
-    return CurrentGlDriver().is_slow;
-  }();
   for (const ContextRow& context : kContexts) {
     const auto attributes = AttributesOf(context);
     const bool is_plain = context.version != 0 && !context.has_state;
-    if (!attributes || (is_slow && is_plain)) continue;
+    if (!attributes || (TestedDriver().is_slow && is_plain)) continue;
     for (const int32_t off_screen : {1, 0}) {
       if (off_screen == 0 && context.version == 0) continue;
       ResetSession();

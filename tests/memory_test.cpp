@@ -51,7 +51,10 @@ TEST(Memory, IsFlatOverFramesAndSessions) {
           << resident_growth << " resident";
     }
   };
-  expect_flat(10, 50, 64, [&](int turn) {
+  // Sessions of other drivers take so long that fewer have to do: a leak of 4
+  // KiB in each would still be seen.
+  const int sessions = TestedDriver().name == "llvmpipe" ? 50 : 20;
+  expect_flat(10, sessions, 64, [&](int turn) {
     const ScopedSession session(info);
     render(turn);
   });
@@ -60,7 +63,7 @@ TEST(Memory, IsFlatOverFramesAndSessions) {
   with_buffer.GraphicBufferFlag = 1;
   for (const bool is_kept : {true, false}) {
     std::vector<uint8_t> cache(kProgramCacheBytes);
-    expect_flat(10, 50, 64, [&](int turn) {
+    expect_flat(10, sessions, 64, [&](int turn) {
       const ScopedSession session(with_buffer, cache.data());
       render(turn);
       if (!is_kept) std::fill(cache.begin(), cache.end(), uint8_t{0});
@@ -73,7 +76,7 @@ TEST(Memory, IsFlatOverFramesAndSessions) {
                           nullptr, nullptr);
     zuQelRT_GenRefocusMap_Dist(map.data(), frame.depth.data(), 3, 3);
   };
-  expect_flat(10, 50, 64, [&](int) {
+  expect_flat(10, sessions, 64, [&](int) {
     const ScopedSession refocus_session(info);
     zuQelRT_GenRefocusMap_init();
     zuQelRT_GenRefocusMap_init();
