@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "api/session.h"
 #include "caller_context.h"
@@ -241,6 +242,22 @@ void RequireNoMisuse(bool had_no_pixels) {
   Require(misuse.empty(), "misuse of the driver");
 }
 
+bool Deletes(std::string_view call) {
+  return call.starts_with("eglDestroy") || call == "eglMakeCurrent" ||
+         call == "eglTerminate";
+}
+
+// A slot whose context could not be deleted keeps its handles, which are gone
+// in part, until it gets others.
+void RenewContexts() {
+  constexpr std::array<uint8_t, 512> kRecord = {};
+  const GLInitInfo info = {.PreviewWidth = 2, .PreviewHeight = 2, .offmode = 1};
+  zuQelRT_GLInitV1(kRecord.data(), kRecord.size(), nullptr, 0, &info);
+  zuQelRT_GLClose();
+  zuQelRT_GenRefocusMap_init();
+  zuQelRT_GenRefocusMap_Deinit();
+}
+
 }  // namespace
 
 void Run(Input& input) {
@@ -251,9 +268,11 @@ void Run(Input& input) {
   std::optional<fake_driver::FailingCall> failing_call;
   std::optional<library_allocations::FailingBlock> failing_block;
   std::optional<CallerContext> caller;
+  bool is_deleting = false;
   if (input.Flag()) caller.emplace(8, 8, input.Flag() ? 3 : 2);
   if (failure == kDriver) {
     const auto call = input.Between<size_t>(0, fake_driver::kCalls.size() - 1);
+    is_deleting = Deletes(fake_driver::kCalls[call].name);
     const int32_t number = input.Between(1, 40);
     failing_call.emplace(static_cast<fake_driver::Call>(call), number,
                          input.Flag());
@@ -270,6 +289,7 @@ void Run(Input& input) {
   caller.reset();
   Require(library_allocations::BytesHeld() == 0, "memory held after close");
   if (failure == kDriver) {
+    if (is_deleting) RenewContexts();
     fake_driver::TakeMisuse();
   } else {
     RequireNoMisuse(sequence.had_no_pixels());

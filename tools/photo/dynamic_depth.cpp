@@ -147,10 +147,10 @@ std::optional<EmbeddedDepth> ReadDynamicDepth(const std::string& path,
     const FileList files(path, bytes, ParseList(path, xmp, dialect));
     const Item* depth = files.Find("Depth");
     if (depth == nullptr) continue;
+    const std::span<const uint8_t> picture = files.Content(*depth);
     EmbeddedDepth embedded = {
         DecodeRangedDepth(path, "dynamic depth", xmp,
-                          FindRange(path, xmp, depth->uri),
-                          files.Content(*depth)),
+                          FindRange(path, xmp, depth->uri), picture),
         {}};
     if (const Item* original = files.Find("Original")) {
       const std::span<const uint8_t> content = files.Content(*original);
