@@ -6,6 +6,7 @@
 
 #include "input.h"
 #include "photo/exif.h"
+#include "photo/heif_photo.h"
 #include "photo/heif_turns.h"
 #include "photo/jpeg_depth.h"
 #include "photo/md5.h"
@@ -31,6 +32,11 @@ tools::JpegSegments WithExtendedXmp(const std::string& xmp) {
           {header + xmp}};
 }
 
+void RequireSize(const tools::DepthMap& depth) {
+  Require(depth.values.size() == tools::PixelCount(depth.width, depth.height),
+          "size of a depth map");
+}
+
 void ReadExif(const std::vector<uint8_t>& file) {
   const int orientation = tools::ReadOrientation(file);
   Require(orientation >= 0 && orientation <= 8, "orientation");
@@ -47,10 +53,19 @@ void ReadTurns(const std::vector<uint8_t>& file) {
   }
 }
 
+void ReadHeif(const std::vector<uint8_t>& file) {
+  const tools::Photo photo = tools::ReadHeifPhoto(kName, file);
+  Require(photo.picture.rgb.size() ==
+              3 * tools::PixelCount(photo.picture.width, photo.picture.height),
+          "size of a picture");
+  if (photo.depth) RequireSize(*photo.depth);
+}
+
 void Read(int kind, Input& input) {
   std::vector<uint8_t> file = input.Rest();
   if (kind == 3) ReadExif(file);
   if (kind == 4) ReadTurns(file);
+  if (kind == 5) ReadHeif(file);
   if (kind >= 3) return;
   tools::JpegSegments segments;
   if (kind == 0) {
@@ -66,9 +81,7 @@ void Read(int kind, Input& input) {
   const tools::JpegDepth read = tools::ReadJpegDepth(kName, file, segments);
   Require(read.depth || read.original.empty(), "a picture without depth");
   if (!read.depth) return;
-  Require(read.depth->values.size() ==
-              tools::PixelCount(read.depth->width, read.depth->height),
-          "size of a depth map");
+  RequireSize(*read.depth);
   for (const float value : read.depth->values) {
     Require(std::isfinite(value) && value > 0, "a value above 0");
   }
@@ -78,7 +91,7 @@ void Read(int kind, Input& input) {
 
 void Run(Input& input) {
   try {
-    Read(input.Between(0, 4), input);
+    Read(input.Between(0, 5), input);
   } catch (const tools::InputError&) {
     return;  // which is what bad files are for
   }

@@ -46,7 +46,7 @@ void WritePictures(const fs::path& folder) {
 }
 
 void WritePhotos(const fs::path& folder) {
-  enum : uint8_t { kFile, kPacket, kExtended, kExif, kHeif };
+  enum : uint8_t { kFile, kPacket, kExtended, kExif, kTurns, kHeif };
   const auto add = [&](const char* name, tools::Bytes bytes, uint8_t kind) {
     bytes.push_back(kind);
     tools::WriteBytes(folder / name, bytes);
@@ -68,7 +68,14 @@ void WritePhotos(const fs::path& folder) {
   add("exif", {exif.begin(), exif.end()}, kExif);
   tools::HeifSample sample = {tools::NoisePicture(64, 64)};
   sample.turns = "r1m0";
-  add("heif", tools::Heif(sample), kHeif);
+  add("turns", tools::Heif(sample), kTurns);
+  sample.depth = {64, 64};
+  sample.depth_subtypes =
+      tools::DepthRepresentation(1, {.d_min = 1, .d_max = 9});
+  for (const bool is_avif : {false, true}) {
+    sample.is_avif = is_avif;
+    add(is_avif ? "avif" : "heic", tools::Heif(sample), kHeif);
+  }
 }
 
 void WriteNoise(const fs::path& folder) {
