@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "api/session.h"
 #include "caller_context.h"
@@ -242,11 +241,6 @@ void RequireNoMisuse(bool had_no_pixels) {
   Require(misuse.empty(), "misuse of the driver");
 }
 
-bool Deletes(std::string_view call) {
-  return call.starts_with("eglDestroy") || call == "eglMakeCurrent" ||
-         call == "eglTerminate";
-}
-
 // A slot whose context could not be deleted keeps its handles, which are gone
 // in part, until it gets others.
 void RenewContexts() {
@@ -271,11 +265,11 @@ void Run(Input& input) {
   bool is_deleting = false;
   if (input.Flag()) caller.emplace(8, 8, input.Flag() ? 3 : 2);
   if (failure == kDriver) {
-    const auto call = input.Between<size_t>(0, fake_driver::kCalls.size() - 1);
-    is_deleting = Deletes(fake_driver::kCalls[call].name);
+    const auto call = static_cast<fake_driver::Call>(
+        input.Between<size_t>(0, fake_driver::kCalls.size() - 1));
+    is_deleting = fake_driver::DeletesContexts(call);
     const int32_t number = input.Between(1, 40);
-    failing_call.emplace(static_cast<fake_driver::Call>(call), number,
-                         input.Flag());
+    failing_call.emplace(call, number, input.Flag());
   }
   if (failure == kMemory) {
     failing_block.emplace(input.Between(1, 60));

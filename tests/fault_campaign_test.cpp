@@ -309,12 +309,6 @@ bool IsForgiven(const std::string& misuse) {
          misuse.ends_with("samples what it draws into");
 }
 
-// Where deletion fails, the next session has to do it.
-bool MayKeepObjects(std::string_view call) {
-  return call.starts_with("eglDestroy") || call == "eglMakeCurrent" ||
-         call == "eglTerminate";
-}
-
 TEST_P(DriverCampaign, CallsOfTheDriverThatFail) {
   std::array<int, fake_driver::kCalls.size()> counts = {};
   const auto count = [&](int sign) {
@@ -345,7 +339,7 @@ TEST_P(DriverCampaign, CallsOfTheDriverThatFail) {
       if (abandoned_.empty()) {
         EXPECT_THAT(fake_driver::TakeAbandoned(), testing::IsEmpty());
       }
-      if (!MayKeepObjects(name)) {
+      if (!fake_driver::DeletesContexts(static_cast<Call>(i))) {
         EXPECT_EQ(fake_driver::Alive(), fake_driver::Living());
       }
       // Half of the time would go into the next session after each place of the

@@ -12,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fake_driver/call_list.h"
@@ -30,6 +31,14 @@ struct CallRow {
 inline constexpr auto kCalls =
     std::to_array<CallRow>({ZUQEL_FAKE_CALLS(ZUQEL_CALL)});
 #undef ZUQEL_CALL
+
+// True for calls whose failure leaves objects, or handles of some that are
+// gone, to the next context.
+inline bool DeletesContexts(Call call) {
+  const std::string_view name = kCalls[static_cast<size_t>(call)].name;
+  return name.starts_with("eglDestroy") || name == "eglMakeCurrent" ||
+         name == "eglTerminate";
+}
 
 // Calls since the process began, failed ones included.
 int Count(Call call);
