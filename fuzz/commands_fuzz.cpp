@@ -6,13 +6,13 @@
 #include <string>
 #include <vector>
 
-#include "command.h"
+#include "commands/command.h"
 #include "coordinates.h"
-#include "file_series.h"
 #include "image_samples.h"
 #include "input.h"
-#include "refocus_map.h"
+#include "rendering/refocus_map.h"
 #include "require.h"
+#include "series/file_series.h"
 #include "tool_error.h"
 
 namespace zuqel::fuzz {

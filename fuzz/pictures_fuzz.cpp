@@ -8,9 +8,9 @@
 #include <string>
 
 #include "decode/decode.h"
-#include "image_file.h"
 #include "input.h"
 #include "photo/depth_scale.h"
+#include "photo/image_file.h"
 #include "require.h"
 #include "tool_error.h"
 

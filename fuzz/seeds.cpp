@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "heif_samples.h"
-#include "image_file.h"
 #include "image_samples.h"
+#include "photo/image_file.h"
 #include "photo_samples.h"
 #include "random.h"
 

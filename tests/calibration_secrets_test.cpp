@@ -21,9 +21,9 @@
 
 #include "calib/built_in_keys.h"
 #include "calib/calibration.h"
+#include "calibration/key_file.h"
 #include "calibration_samples.h"
 #include "guarded_memory.h"
-#include "key_file.h"
 #include "random.h"
 
 namespace zuqel::calib {

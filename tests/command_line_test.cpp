@@ -12,9 +12,9 @@
 #include <utility>
 #include <vector>
 
-#include "image_file.h"
 #include "image_samples.h"
-#include "nv21.h"
+#include "photo/image_file.h"
+#include "photo/nv21.h"
 #include "program_run.h"
 #include "random.h"
 

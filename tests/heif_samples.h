@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "file_bytes.h"
+#include "files/file_bytes.h"
 #include "image.h"
 
 namespace zuqel::tools {

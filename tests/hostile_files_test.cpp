@@ -12,8 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "files/pending_file.h"
 #include "image_samples.h"
-#include "pending_file.h"
 #include "program_run.h"
 #include "random.h"
 

@@ -13,8 +13,8 @@
 // Needs FILE and size_t before it.
 #include <jpeglib.h>
 
-#include "image_file.h"
-#include "pending_file.h"
+#include "files/pending_file.h"
+#include "photo/image_file.h"
 #include "photo/picture_writer.h"
 #include "random.h"
 

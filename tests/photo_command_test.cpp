@@ -7,9 +7,9 @@
 #include <filesystem>
 #include <string>
 
-#include "image_file.h"
 #include "image_samples.h"
 #include "photo/auto_focus.h"
+#include "photo/image_file.h"
 #include "photo_samples.h"
 #include "program_run.h"
 

@@ -13,12 +13,12 @@
 #include <vector>
 
 #include "heif_samples.h"
-#include "image_file.h"
 #include "image_samples.h"
-#include "output_files.h"
 #include "photo/even_size.h"
 #include "photo/exif.h"
+#include "photo/image_file.h"
 #include "photo/jpeg_segments.h"
+#include "photo/output_files.h"
 #include "photo/photo.h"
 #include "photo/picture_writer.h"
 #include "program_run.h"

@@ -7,9 +7,9 @@
 #include <utility>
 #include <vector>
 
-#include "image_file.h"
 #include "image_samples.h"
 #include "photo/extended_xmp.h"
+#include "photo/image_file.h"
 #include "photo/jpeg_depth.h"
 #include "photo_samples.h"
 #include "program_run.h"

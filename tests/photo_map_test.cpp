@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "image_file.h"
 #include "image_samples.h"
 #include "photo/depth_scale.h"
+#include "photo/image_file.h"
 #include "photo/map_file.h"
 #include "tool_error.h"
 

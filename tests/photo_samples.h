@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "file_bytes.h"
+#include "files/file_bytes.h"
 #include "image_samples.h"
 
 namespace zuqel::tools {

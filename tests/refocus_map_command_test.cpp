@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "image_file.h"
 #include "image_samples.h"
+#include "photo/image_file.h"
 #include "program_run.h"
-#include "refocus_map.h"
+#include "rendering/refocus_map.h"
 
 namespace zuqel::tools {
 namespace {

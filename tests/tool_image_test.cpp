@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "coordinates.h"
-#include "image_file.h"
 #include "image_samples.h"
-#include "nv21.h"
+#include "photo/image_file.h"
+#include "photo/nv21.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {

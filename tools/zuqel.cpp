@@ -12,12 +12,12 @@
 #include <new>
 #include <string>
 
-#include "command.h"
+#include "commands/command.h"
 #include "coordinates.h"
-#include "file_bytes.h"
+#include "files/file_bytes.h"
+#include "files/temporary_path.h"
 #include "image.h"
-#include "library_log.h"
-#include "temporary_path.h"
+#include "rendering/library_log.h"
 #include "tool_error.h"
 
 namespace {

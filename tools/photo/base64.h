@@ -5,7 +5,7 @@
 #include <optional>
 #include <string_view>
 
-#include "file_bytes.h"
+#include "files/file_bytes.h"
 
 namespace zuqel::tools {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "file_bytes.h"
+#include "files/file_bytes.h"
 #include "image.h"
 
 namespace zuqel::tools {

@@ -13,8 +13,8 @@
 #include <optional>
 #include <vector>
 
-#include "image_file.h"
 #include "photo/heif_turns.h"
+#include "photo/image_file.h"
 #include "photo/orientation.h"
 #include "tool_error.h"
 

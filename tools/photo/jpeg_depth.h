@@ -7,7 +7,7 @@
 #include <span>
 #include <string>
 
-#include "file_bytes.h"
+#include "files/file_bytes.h"
 #include "photo/depth_map.h"
 #include "photo/jpeg_segments.h"
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "decode/decode.h"
-#include "decode_error.h"
+#include "photo/decode_error.h"
 
 namespace zuqel::tools {
 namespace {

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "file_bytes.h"
+#include "files/file_bytes.h"
 
 namespace zuqel::tools {
 

@@ -7,8 +7,8 @@
 #include <cstddef>
 #include <system_error>
 
-#include "file_bytes.h"
-#include "image_file.h"
+#include "files/file_bytes.h"
+#include "photo/image_file.h"
 #include "photo/number_text.h"
 #include "tool_error.h"
 

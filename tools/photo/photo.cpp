@@ -10,10 +10,10 @@
 #include <string_view>
 #include <utility>
 
-#include "file_bytes.h"
-#include "image_file.h"
+#include "files/file_bytes.h"
 #include "photo/exif.h"
 #include "photo/heif_photo.h"
+#include "photo/image_file.h"
 #include "photo/jpeg_depth.h"
 #include "photo/jpeg_segments.h"
 #include "photo/orientation.h"

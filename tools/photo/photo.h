@@ -6,8 +6,8 @@
 #include <string>
 
 #include "image.h"
-#include "metadata.h"
 #include "photo/depth_map.h"
+#include "photo/metadata.h"
 
 namespace zuqel::tools {
 

@@ -4,9 +4,9 @@
 
 #include <string>
 
+#include "files/pending_file.h"
 #include "image.h"
-#include "metadata.h"
-#include "pending_file.h"
+#include "photo/metadata.h"
 
 namespace zuqel::tools {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <optional>
 
-#include "image_file.h"
+#include "photo/image_file.h"
 #include "photo/number_text.h"
 #include "tool_error.h"
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "file_bytes.h"
+#include "files/file_bytes.h"
 #include "photo/depth_map.h"
 #include "photo/xmp.h"
 

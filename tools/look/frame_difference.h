@@ -1,0 +1,30 @@
+// The difference between two frames.
+#ifndef ZUQEL_TOOLS_LOOK_FRAME_DIFFERENCE_H_
+#define ZUQEL_TOOLS_LOOK_FRAME_DIFFERENCE_H_
+
+#include <array>
+
+#include "image.h"
+#include "photo/nv21.h"
+
+namespace zuqel::tools {
+
+struct PlaneDifference {
+  const char* plane;
+  double psnr_db;  // infinite if the planes are equal
+  int largest;
+};
+
+// For planes Y, U and V. Both frames have the same size.
+std::array<PlaneDifference, 3> Compare(const Nv21Frame& a, const Nv21Frame& b);
+
+// Amplification of the difference picture.
+constexpr int kDifferenceGain = 4;
+
+// The absolute difference of each colour, amplified. Both frames have the same
+// size.
+Picture ShowDifference(const Nv21Frame& a, const Nv21Frame& b);
+
+}  // namespace zuqel::tools
+
+#endif  // ZUQEL_TOOLS_LOOK_FRAME_DIFFERENCE_H_
