@@ -23,9 +23,6 @@ struct RenderOptions {
   bool focus_dot = false;
 };
 
-// The value of --focus that leaves the choice to FindNearestSurface.
-inline constexpr const char* kAutoFocus = "auto";
-
 // Checks that need no file. Throws InputError.
 void CheckRenderOptions(const RenderOptions& options);
 
