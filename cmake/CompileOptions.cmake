@@ -10,16 +10,22 @@ target_compile_options(
             # The same bits on every processor: no fused multiply-add.
             -ffp-contract=off)
 
+# Puts the path of one of Clang's runtime libraries into the variable.
+function(zuqel_find_clang_runtime variable name)
+  execute_process(
+    COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${name}
+    OUTPUT_VARIABLE path
+    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  set(${variable} ${path} PARENT_SCOPE)
+endfunction()
+
 if(ZUQEL_SANITIZE)
   if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     message(FATAL_ERROR "ZUQEL_SANITIZE is for Clang: use the preset asan")
   endif()
   # The runtime is shared by the library and its callers, Java among them.
-  set(runtime libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
-  execute_process(
-    COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
-    OUTPUT_VARIABLE ZUQEL_SANITIZER_RUNTIME
-    OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+  zuqel_find_clang_runtime(ZUQEL_SANITIZER_RUNTIME
+                           libclang_rt.asan-${CMAKE_SYSTEM_PROCESSOR}.so)
   cmake_path(GET ZUQEL_SANITIZER_RUNTIME PARENT_PATH runtime_folder)
   set(ZUQEL_SANITIZERS -fsanitize=address,undefined -fno-sanitize-recover=all
                        -fno-omit-frame-pointer -shared-libasan)
