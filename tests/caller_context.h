@@ -3,10 +3,9 @@
 #define TESTS_CALLER_CONTEXT_H_
 
 #include <EGL/egl.h>
-#include <EGL/eglext.h>
+#include <egl_display.h>
 
 #include <array>
-#include <cstdlib>
 #include <vector>
 
 #include "pin_driver.h"
@@ -48,14 +47,9 @@ class CallerContext {
   CallerContext(const CallerContext&) = delete;
   CallerContext& operator=(const CallerContext&) = delete;
 
-  // Initialised; the surfaceless one where there is no window system.
+  // Initialised; the one that the library draws on.
   static EGLDisplay OpenDisplay() {
-    const bool has_windows = std::getenv("DISPLAY") != nullptr ||
-                             std::getenv("WAYLAND_DISPLAY") != nullptr;
-    EGLDisplay display =
-        has_windows ? eglGetDisplay(EGL_DEFAULT_DISPLAY)
-                    : eglGetPlatformDisplay(EGL_PLATFORM_SURFACELESS_MESA,
-                                            EGL_DEFAULT_DISPLAY, nullptr);
+    EGLDisplay display = driver::FindDisplay().handle;
     eglInitialize(display, nullptr, nullptr);
     return display;
   }

@@ -11,6 +11,7 @@
 
 #include "caller_state.h"
 #include "fake_driver/fake_driver.h"
+#include "scoped_property.h"
 #include "test_session.h"
 
 namespace zuqel {
@@ -197,6 +198,21 @@ TEST(FakeDriver, TellsWhatDiesWithItsContext) {
   }
   EXPECT_THAT(fake_driver::TakeAbandoned(),
               ElementsAre("1 textures, 1 framebuffers"));
+}
+
+// Hardware goes first, where it opens.
+TEST(FakeDriver, IsOpenedByDevice) {
+  using driver::FindDisplay, driver::Place, driver::Platform;
+  fake_driver::SetDevices({"EGL_MESA_device_software", "EGL_EXT_device_drm"});
+  EXPECT_EQ(FindDisplay().place, (Place{Platform::kDevice, 1}));
+  {
+    const FailingCall failing(Call::eglInitialize, 1);
+    EXPECT_EQ(FindDisplay().place, Place{Platform::kSurfaceless});
+  }
+  const ScopedProperty chosen(driver::kDeviceProperty, "0");
+  EXPECT_EQ(FindDisplay().place, (Place{Platform::kDevice, 0}));
+  fake_driver::SetDevices({});
+  EXPECT_EQ(FindDisplay().handle, EGL_NO_DISPLAY);
 }
 
 // Each changes one thing that a picture depends on.

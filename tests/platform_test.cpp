@@ -1,13 +1,17 @@
-// The stand-ins for the device's log and properties.
+// The stand-ins for the device's log and properties, and the choice of a GPU.
 #include <android/log.h>
+#include <egl_display.h>
 #include <gtest/gtest.h>
 #include <sys/system_properties.h>
 
 #include <cstdlib>
 #include <fstream>
 #include <map>
+#include <optional>
 #include <string>
+#include <vector>
 
+namespace zuqel {
 namespace {
 
 TEST(Properties, ComeFromTheFileAndFromTheProgram) {
@@ -46,4 +50,36 @@ TEST(LogDeathTest, ShowsWhatIsImportantEnough) {
               "E/System.out\\( *[0-9]+\\): width 640\n$");
 }
 
+struct DevicesRow {
+  std::string kinds;  // of the devices: s is software, h hardware
+  std::optional<size_t> chosen;
+  bool names_display;
+  std::string places;  // e is the environment's, - surfaceless
+};
+
+TEST(EglDisplay, IsLookedForOnHardwareFirst) {
+  for (const DevicesRow& row : std::vector<DevicesRow>{
+           {"", {}, false, "-"},
+           {"s", {}, true, "e-"},
+           {"sh", {}, false, "1-"},
+           {"hsh", {}, true, "e02-"},
+           {"hsh", 1, true, "1"},
+           {"hsh", 3, true, ""},
+       }) {
+    std::vector<driver::Device> devices;
+    for (const char kind : row.kinds) {
+      devices.emplace_back().is_software = kind == 's';
+    }
+    std::string places;
+    for (const auto& [platform, device] :
+         driver::PlacesOfDisplays(devices, row.chosen, row.names_display)) {
+      const bool is_device = platform == driver::Platform::kDevice;
+      const bool is_default = platform == driver::Platform::kDefault;
+      places += is_device ? std::to_string(device) : is_default ? "e" : "-";
+    }
+    EXPECT_EQ(places, row.places) << row.kinds;
+  }
+}
+
 }  // namespace
+}  // namespace zuqel

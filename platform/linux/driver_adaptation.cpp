@@ -4,15 +4,14 @@
 #include "driver_adaptation.h"
 
 #include <EGL/egl.h>
-#include <EGL/eglext.h>
 #include <GLES2/gl2.h>
 #include <GLES2/gl2ext.h>
 
 #include <array>
 #include <atomic>
-#include <cstdlib>
 #include <vector>
 
+#include "egl_display.h"
 #include "extension_adaptation.h"
 
 namespace zuqel::driver {
@@ -33,22 +32,6 @@ bool Fails(Call call) {
   if (!state.fails) return false;
   error_is_pending = true;
   return true;
-}
-
-bool IsSet(const char* variable) {
-  const char* value = std::getenv(variable);
-  return value != nullptr && value[0] != '\0';
-}
-
-// Without a window system the default display cannot be opened, but the
-// surfaceless platform can.
-EGLDisplay SurfacelessDisplay() {
-  const auto get_platform_display =
-      reinterpret_cast<PFNEGLGETPLATFORMDISPLAYEXTPROC>(
-          eglGetProcAddress("eglGetPlatformDisplayEXT"));
-  if (get_platform_display == nullptr) return EGL_NO_DISPLAY;
-  return get_platform_display(EGL_PLATFORM_SURFACELESS_MESA,
-                              EGL_DEFAULT_DISPLAY, nullptr);
 }
 
 // The same attributes without the window bit: where there are no windows, no
@@ -84,21 +67,15 @@ extern "C" {
 
 EGLDisplay __wrap_eglGetDisplay(EGLNativeDisplayType native) {
   if (Fails(Call::kGetDisplay)) return EGL_NO_DISPLAY;
-  if (native == EGL_DEFAULT_DISPLAY && !zuqel::driver::IsSet("DISPLAY") &&
-      !zuqel::driver::IsSet("WAYLAND_DISPLAY")) {
-    EGLDisplay display = zuqel::driver::SurfacelessDisplay();
-    if (display != EGL_NO_DISPLAY) return display;
-  }
-  return eglGetDisplay(native);
+  return native == EGL_DEFAULT_DISPLAY ? zuqel::driver::FindDisplay().handle
+                                       : eglGetDisplay(native);
 }
 
 EGLBoolean __wrap_eglInitialize(EGLDisplay display, EGLint* major,
                                 EGLint* minor) {
-  if (Fails(Call::kInitialize)) return EGL_FALSE;
-  // The software renderer's fast 8-bit filter rounds each channel separately,
-  // which corrupts a 16-bit value packed in two channels.
-  setenv("GALLIVM_PERF", "no_aos_sampling", 0);
-  return eglInitialize(display, major, minor);
+  return Fails(Call::kInitialize)
+             ? EGL_FALSE
+             : zuqel::driver::Initialise(display, major, minor);
 }
 
 EGLBoolean __wrap_eglChooseConfig(EGLDisplay display, const EGLint* attributes,

@@ -5,9 +5,12 @@
 #include <GLES2/gl2ext.h>
 #include <GLES3/gl3.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "fake_driver/context.h"
 
@@ -144,6 +147,21 @@ EGLBoolean Destroy(Call call, EGLDisplay display, const void* handle, Kind kind,
   return EGL_TRUE;
 }
 
+// Each device is its list of extensions.
+std::vector<const char*> devices;
+
+EGLBoolean QueryDevices(EGLint size, EGLDeviceEXT* handles, EGLint* count) {
+  *count = static_cast<EGLint>(devices.size());
+  for (EGLint i = 0; i < std::min(size, *count); ++i) {
+    handles[i] = &devices[static_cast<size_t>(i)];
+  }
+  return EGL_TRUE;
+}
+
+const char* QueryDeviceString(EGLDeviceEXT device, EGLint) {
+  return *static_cast<const char**>(device);
+}
+
 EGLDisplay GetPlatformDisplay(EGLenum, void*, const EGLint*) {
   return EnterEgl(Call::eglGetPlatformDisplay) ? &the_display : EGL_NO_DISPLAY;
 }
@@ -177,6 +195,11 @@ void ImageTargetTexture(GLenum, GLeglImageOES handle) {
 }
 
 }  // namespace
+
+void SetDevices(std::vector<const char*> extensions) {
+  devices = std::move(extensions);
+}
+
 }  // namespace zuqel::fake_driver
 
 using namespace zuqel::fake_driver;
@@ -210,7 +233,10 @@ EGLBoolean eglTerminate(EGLDisplay display) {
   return EGL_TRUE;
 }
 
-const char* eglQueryString(EGLDisplay display, EGLint) {
+const char* eglQueryString(EGLDisplay display, EGLint name) {
+  if (display == EGL_NO_DISPLAY && name == EGL_EXTENSIONS) {
+    return EnterEgl(Call::eglQueryString) ? "EGL_EXT_device_base" : nullptr;
+  }
   if (!EnterDisplay(Call::eglQueryString, display, false)) return nullptr;
   if (is_initialised.load(kRelaxed)) return "";
   // Not noted: there is no other way to find out.
@@ -328,6 +354,8 @@ __eglMustCastToProperFunctionPointerType eglGetProcAddress(const char* name) {
       ZUQEL_FUNCTION("eglCreateImageKHR", CreateImage),
       ZUQEL_FUNCTION("eglDestroyImageKHR", DestroyImage),
       ZUQEL_FUNCTION("eglGetPlatformDisplayEXT", GetPlatformDisplay),
+      ZUQEL_FUNCTION("eglQueryDeviceStringEXT", QueryDeviceString),
+      ZUQEL_FUNCTION("eglQueryDevicesEXT", QueryDevices),
       ZUQEL_FUNCTION("glBindVertexArray", glBindVertexArray),
       ZUQEL_FUNCTION("glEGLImageTargetTexture2DOES", ImageTargetTexture),
       ZUQEL_FUNCTION("glGetProgramBinaryOES", glGetProgramBinary),

@@ -54,6 +54,10 @@ class FailingCall {
   FailingCall& operator=(const FailingCall&) = delete;
 };
 
+// The devices that EGL enumerates from here on, by their extensions; none at
+// first.
+void SetDevices(std::vector<const char*> extensions);
+
 // What callers have done wrong since the last time: "<call>: <what>". Errors of
 // GL and EGL read "<call>: error 0x...", those of a failing call are left out.
 std::vector<std::string> TakeMisuse();
