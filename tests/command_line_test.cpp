@@ -53,6 +53,7 @@ TEST_F(CommandLine, PrintsHelpAndVersion) {
       {"sequence --help", "\n  zuqel sequence --demo -o "},
       {"demo --help", "\n  zuqel demo -o "},
       {"raw --help", "\n  zuqel raw GLOutput_"},
+      {"info --help", "\n  zuqel info --device "},
       {"calibration seal --help", "\n  zuqel calibration seal "},
   };
   for (const auto& [arguments, piece] : cases) {

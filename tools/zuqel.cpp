@@ -10,6 +10,7 @@
 #include <exception>
 #include <iostream>
 #include <new>
+#include <optional>
 #include <string>
 
 #include "commands/command.h"
@@ -18,6 +19,7 @@
 #include "files/temporary_path.h"
 #include "image.h"
 #include "rendering/library_log.h"
+#include "system/device_choice.h"
 #include "tool_error.h"
 
 namespace {
@@ -65,6 +67,11 @@ int Run(int argc, char** argv) {
   zuqel::tools::CommandLine options = program.Options();
   bool verbose = false;
   options.AddFlag("--verbose", verbose, "Show the library's log and output");
+  std::optional<int> device;
+  options
+      .AddOption("--device", device,
+                 "Draw on the GPU of this number; zuqel info lists them")
+      .TypeName("N");
   options.RequireCommand();
   options.Footer(
       "Reads files of up to " + std::to_string(kLargestFile >> 20) +
@@ -82,9 +89,11 @@ int Run(int argc, char** argv) {
       zuqel::tools::AddDemoCommand(options),
       zuqel::tools::AddRawCommand(options),
       zuqel::tools::AddCalibrationCommand(options),
+      zuqel::tools::AddInfoCommand(options),
   };
   if (const auto exit_code = program.Parse(argc, argv)) return *exit_code;
   zuqel::tools::CaptureLibraryLog(verbose);
+  if (device) zuqel::tools::UseDevice(*device);
   for (const Command& command : commands) {
     if (command.options.IsGiven()) command.run();
   }

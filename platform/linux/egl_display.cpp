@@ -152,9 +152,10 @@ Display FindDisplay() {
     }
     ReportFailure(place);
   }
-  __android_log_print(ANDROID_LOG_ERROR, kTag,
-                      "eglGetDisplay failed: %s names none of %zu devices",
-                      kDeviceProperty, devices.size());
+  __android_log_print(
+      ANDROID_LOG_ERROR, kTag,
+      "eglGetDisplay failed: no device has the number that %s gives",
+      kDeviceProperty);
   return {};
 }
 

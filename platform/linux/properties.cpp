@@ -8,9 +8,17 @@
 #include <mutex>
 #include <string>
 
+#include "property_list.h"
+
 namespace {
 
-using Store = std::map<std::string, std::string, std::less<>>;
+using zuqel::PropertyOrigin, zuqel::SetProperty;
+
+struct Property {
+  std::string value;
+  PropertyOrigin origin = PropertyOrigin::kFile;
+};
+using Store = std::map<std::string, Property, std::less<>>;
 
 Store ReadPropertiesFile() {
   Store store;
@@ -21,7 +29,7 @@ Store ReadPropertiesFile() {
     const size_t equals = line.find('=');
     if (equals == std::string::npos || line.front() == '#') continue;
     const std::string value = line.substr(equals + 1);
-    if (value.size() < PROP_VALUE_MAX) store[line.substr(0, equals)] = value;
+    if (value.size() < PROP_VALUE_MAX) store[line.substr(0, equals)] = {value};
   }
   return store;
 }
@@ -45,15 +53,26 @@ int __system_property_get(const char* name, char* value) {
     value[0] = '\0';
     return 0;
   }
-  std::memcpy(value, found->second.c_str(), found->second.size() + 1);
-  return static_cast<int>(found->second.size());
+  const std::string& text = found->second.value;
+  std::memcpy(value, text.c_str(), text.size() + 1);
+  return static_cast<int>(text.size());
 }
 
 int __system_property_set(const char* name, const char* value) {
   if (std::strlen(value) >= PROP_VALUE_MAX) return -1;
   const std::lock_guard lock(store_mutex);
-  Properties()[name] = value;
+  Properties()[name] = {value, PropertyOrigin::kProgram};
   return 0;
 }
 
 }  // extern "C"
+
+std::vector<SetProperty> zuqel::SetProperties() {
+  const std::lock_guard lock(store_mutex);
+  std::vector<SetProperty> list;
+  for (const auto& [name, property] : Properties()) {
+    if (property.value.empty()) continue;
+    list.push_back({name, property.value, property.origin});
+  }
+  return list;
+}

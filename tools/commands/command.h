@@ -21,6 +21,7 @@ Command AddSequenceCommand(CommandLine program);
 Command AddDemoCommand(CommandLine program);
 Command AddRawCommand(CommandLine program);
 Command AddCalibrationCommand(CommandLine program);
+Command AddInfoCommand(CommandLine program);
 
 }  // namespace zuqel::tools
 

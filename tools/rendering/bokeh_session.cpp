@@ -64,8 +64,10 @@ void CheckStatus(uint32_t status, const char* call) {
 }
 
 BokehSession::BokehSession(const SessionSetup& setup) : setup_(setup) {
-  __system_property_set("persist.zu.LVGLbokeh.FocusDot",
-                        setup.focus_dot ? "1" : "0");
+  // Else the properties' file may ask for it.
+  if (setup.focus_dot) {
+    __system_property_set("persist.zu.LVGLbokeh.FocusDot", "1");
+  }
   GLInitInfo info = {};
   info.PreviewWidth = setup.picture.width;
   info.PreviewHeight = setup.picture.height;
