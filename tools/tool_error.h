@@ -1,8 +1,9 @@
-// The two ways in which a command fails; main() turns them into one line on
-// standard error and an exit code.
+// The ways in which a command fails; main() turns them into one line on
+// standard error, if any, and an exit code.
 #ifndef ZUQEL_TOOLS_TOOL_ERROR_H_
 #define ZUQEL_TOOLS_TOOL_ERROR_H_
 
+#include <exception>
 #include <stdexcept>
 
 namespace zuqel::tools {
@@ -18,6 +19,11 @@ class WorkError : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };
+
+// Nobody reads the output any more, as after `| head`: not worth a line. Where
+// SIGPIPE is not ignored, it has ended the program before; the exit code is the
+// one that shells give for that.
+class ClosedPipe : public std::exception {};
 
 }  // namespace zuqel::tools
 

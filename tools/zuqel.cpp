@@ -1,10 +1,9 @@
 // zuqel: the library on the command line.
-#include <fcntl.h>
-#include <unistd.h>
 #include <zuQelRT_GL.h>
 
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -16,6 +15,7 @@
 #include "commands/command.h"
 #include "coordinates.h"
 #include "files/file_bytes.h"
+#include "files/standard_streams.h"
 #include "files/temporary_path.h"
 #include "image.h"
 #include "rendering/library_log.h"
@@ -28,6 +28,7 @@ using zuqel::tools::Command;
 
 constexpr int kExitWorkFailed = 1;
 constexpr int kExitBadInput = 2;
+constexpr int kExitClosedPipe = 128 + SIGPIPE;
 
 std::string Version() {
   std::array<char, ZUQEL_VERSION_BUFFER_SIZE> text = {};
@@ -40,18 +41,9 @@ int Fail(int exit_code, const char* message) {
   return exit_code;
 }
 
-// A file that is opened must not become a standard stream that the caller has
-// closed: the library prints to standard output.
-void OpenStandardStreams() {
-  while (true) {
-    const int file = open("/dev/null", O_RDWR);
-    if (file > STDERR_FILENO) close(file);
-    if (file < 0 || file > STDERR_FILENO) return;
-  }
-}
-
 void FlushOutput() {
   if (!std::cout.flush() || std::fflush(stdout) != 0) {
+    if (errno == EPIPE) throw zuqel::tools::ClosedPipe();
     throw zuqel::tools::WorkError(
         std::string("standard output cannot be written: ") +
         std::strerror(errno));
@@ -77,6 +69,9 @@ int Run(int argc, char** argv) {
       "Reads files of up to " + std::to_string(kLargestFile >> 20) +
       " MiB and pictures of up to " + ToText({kLargestSide, kLargestSide}) +
       " pixels.\n"
+      "In the place of an input file, - is standard input; of an output file,\n"
+      "standard output, and messages go to standard error: pictures are PNG,\n"
+      "videos y4m.\n"
       "Exit code: 0, 2 for bad arguments or inputs, 1 for anything else, such "
       "as\nan output that cannot be written.\n"
       "\n"
@@ -104,13 +99,15 @@ int Run(int argc, char** argv) {
 
 int main(int argc, char** argv) {
   try {
-    OpenStandardStreams();
+    zuqel::tools::OpenStandardStreams();
     zuqel::tools::RemoveTemporaryPathsOnSignals();
     const int exit_code = Run(argc, argv);
     FlushOutput();
     return exit_code;
   } catch (const zuqel::tools::InputError& error) {
     return Fail(kExitBadInput, error.what());
+  } catch (const zuqel::tools::ClosedPipe&) {
+    return kExitClosedPipe;
   } catch (const std::bad_alloc&) {
     return Fail(kExitWorkFailed, "out of memory");
   } catch (const std::exception& error) {

@@ -6,6 +6,7 @@
 
 #include "commands/command.h"
 #include "demo/scene.h"
+#include "files/standard_streams.h"
 #include "look/false_colour.h"
 #include "look/panel.h"
 #include "photo/nv21.h"
@@ -13,6 +14,7 @@
 #include "rendering/bokeh_session.h"
 #include "rendering/frame_progress.h"
 #include "rendering/refocus_map.h"
+#include "tool_error.h"
 
 namespace zuqel::tools {
 namespace {
@@ -70,6 +72,9 @@ Picture RefocusPanel(const Scene& scene) {
 }
 
 void Run(const std::string& folder) {
+  if (IsStandardStream(folder)) {
+    throw InputError("--output: takes a folder, not standard output");
+  }
   OutputFiles outputs;
   outputs.CreateFolder(folder);
   const Scene scene = MakeScene();

@@ -9,6 +9,7 @@
 #include "commands/command.h"
 #include "commands/depth_options.h"
 #include "commands/shared_options.h"
+#include "files/standard_streams.h"
 #include "look/frame_difference.h"
 #include "photo/output_files.h"
 #include "photo/picture_writer.h"
@@ -34,7 +35,8 @@ struct RenderCommandOptions {
 void CheckSeveral(const RenderCommandOptions& options) {
   std::error_code ignored;
   if (!options.output.ends_with('/') &&
-      !fs::is_directory(options.output, ignored)) {
+      (IsStandardStream(options.output) ||
+       !fs::is_directory(options.output, ignored))) {
     throw InputError("--output: several photos need a folder, as in " +
                      options.output + "/");
   }
@@ -48,6 +50,9 @@ void CheckSeveral(const RenderCommandOptions& options) {
   refuse(!each.panel.empty(), "--panel");
   refuse(!each.compare.empty(), "--compare");
   refuse(each.repeat > 0, "--repeat");
+  for (const std::string& photo : options.photos) {
+    refuse(IsStandardStream(photo), "-");
+  }
 }
 
 // A PNG file stays one, all else becomes JPEG.
@@ -98,6 +103,9 @@ void Run(const RenderCommandOptions& options) {
   const std::string& photo = options.photos.front();
   std::string output = options.output;
   if (output.ends_with('/')) {
+    if (IsStandardStream(photo)) {
+      throw InputError("--output: the photo has no name; give one for it");
+    }
     outputs.CreateFolder(output);
     output = NameInFolder(output, photo);
   }

@@ -16,8 +16,7 @@ using Bytes = std::vector<uint8_t>;
 // MiB.
 inline constexpr size_t kLargestFile = size_t{512} << 20;
 
-// InputError if the file cannot be read, is a folder, is larger than
-// kLargestFile, or is claimed as an output.
+// InputError as InputFile, and if the file is larger than kLargestFile.
 Bytes ReadFile(const std::string& path);
 
 // The same for a file that fits into `target`; returns its size. Keeps no copy.

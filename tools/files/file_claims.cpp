@@ -2,12 +2,14 @@
 #include "files/file_claims.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <map>
 #include <optional>
 #include <set>
 #include <utility>
 
+#include "files/standard_streams.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -15,9 +17,13 @@ namespace {
 
 using FileId = std::pair<dev_t, ino_t>;
 
-std::optional<FileId> Identify(const std::string& path) {
+// `stream` is what "-" stands for. Devices and pipes are no one's: many use the
+// same one.
+std::optional<FileId> Identify(const std::string& path, int stream) {
   struct stat status = {};
-  if (stat(path.c_str(), &status) != 0) return std::nullopt;
+  const int failed = IsStandardStream(path) ? fstat(stream, &status)
+                                            : stat(path.c_str(), &status);
+  if (failed != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
   return FileId{status.st_dev, status.st_ino};
 }
 
@@ -38,7 +44,7 @@ Claims& State() {
 }  // namespace
 
 void ClaimInput(const std::string& path) {
-  const std::optional<FileId> id = Identify(path);
+  const std::optional<FileId> id = Identify(path, STDIN_FILENO);
   if (!id) return;
   const auto output = State().outputs.find(*id);
   if (output != State().outputs.end()) Refuse(output->second);
@@ -46,7 +52,7 @@ void ClaimInput(const std::string& path) {
 }
 
 void ClaimOutput(const std::string& path) {
-  const std::optional<FileId> id = Identify(path);
+  const std::optional<FileId> id = Identify(path, STDOUT_FILENO);
   if (!id) return;
   if (State().inputs.contains(*id)) Refuse(path);
   State().outputs.emplace(*id, path);

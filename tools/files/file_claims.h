@@ -6,10 +6,11 @@
 
 namespace zuqel::tools {
 
-// Files are the same when device and inode are, so links count. Claims last as
-// long as the process, and their order does not matter: both throw InputError
-// if the file has been claimed as the other. A file that does not exist can
-// be claimed as either.
+// Files are the same when device and inode are, so links count, and so does
+// what a standard stream, "-", is redirected to. Claims last as long as the
+// process, and their order does not matter: both throw InputError if the file
+// has been claimed as the other. A file that does not exist can be claimed as
+// either.
 void ClaimInput(const std::string& path);
 void ClaimOutput(const std::string& path);
 

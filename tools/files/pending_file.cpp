@@ -12,6 +12,7 @@
 #include <filesystem>
 #include <utility>
 
+#include "files/standard_streams.h"
 #include "tool_error.h"
 
 namespace zuqel::tools {
@@ -50,6 +51,13 @@ int CreateFile(const std::string& path, bool replaces) {
 }  // namespace
 
 PendingFile::PendingFile(std::string target) : target_(std::move(target)) {
+  const bool is_stream = IsStandardStream(target_);
+  const int file = is_stream ? OpenReservedOutput() : CreateTemporary();
+  stream_.reset(fdopen(file, "wb"));
+  if (stream_ == nullptr) Fail();
+}
+
+int PendingFile::CreateTemporary() {
   constexpr int kAttempts = 8;  // at names that are free
   const auto folder = std::filesystem::path(target_).parent_path();
   const std::optional<mode_t> permissions = PermissionsOf(target_);
@@ -62,9 +70,8 @@ PendingFile::PendingFile(std::string target) : target_(std::move(target)) {
     else if (errno != EEXIST || i == kAttempts)
       Fail();
   }
-  stream_.reset(fdopen(file, "wb"));
-  if (stream_ == nullptr) Fail();
   if (permissions && fchmod(file, *permissions) != 0) Fail();
+  return file;
 }
 
 void PendingFile::Write(std::span<const uint8_t> bytes) const {
@@ -77,9 +84,13 @@ void PendingFile::Write(const std::string& text) const {
   if (std::fputs(text.c_str(), stream()) == EOF) Fail();
 }
 
+void PendingFile::Flush() const {
+  if (std::fflush(stream()) != 0) Fail();
+}
+
 void PendingFile::Close() {
   if (stream_ == nullptr) return;
-  if (std::fflush(stream()) != 0) Fail();
+  Flush();
   // Some file systems report a lack of space only now. Where there is nothing
   // to synchronise, EINVAL.
   if (fsync(fileno(stream())) != 0 && errno != EINVAL) Fail();
@@ -87,12 +98,14 @@ void PendingFile::Close() {
 }
 
 void PendingFile::Commit() {
+  if (!temporary_) return;
   if (std::rename(temporary_->path().c_str(), target_.c_str()) != 0) Fail();
   temporary_->Keep();
 }
 
 void PendingFile::Fail(const std::string& reason) const {
   const bool is_known = reason.empty() || std::ferror(stream()) != 0;
+  if (is_known && errno == EPIPE) throw ClosedPipe();
   throw WorkError(target_ + ": cannot be written: " +
                   (is_known ? std::strerror(errno) : reason));
 }

@@ -15,8 +15,9 @@ namespace zuqel::tools {
 
 // Made new, next to its target, under a name that nobody can foresee, and
 // renamed in Commit: a link in the target's place is replaced, never followed.
-// Has the permissions of the file that it replaces. Members throw WorkError,
-// which names the target.
+// Has the permissions of the file that it replaces. The target "-" is the
+// standard output that was reserved, and has what is written at once. Members
+// throw WorkError, which names the target, and ClosedPipe.
 class PendingFile {
  public:
   explicit PendingFile(std::string target);
@@ -29,6 +30,9 @@ class PendingFile {
   void Write(std::span<const uint8_t> bytes) const;
   void Write(const std::string& text) const;
 
+  // Passes on what is written so far.
+  void Flush() const;
+
   // Has everything on the disk. May be called again.
   void Close();
 
@@ -40,6 +44,8 @@ class PendingFile {
   [[noreturn]] void Fail(const std::string& reason = {}) const;
 
  private:
+  int CreateTemporary();
+
   struct CloseStream {
     void operator()(std::FILE* stream) const {
       static_cast<void>(std::fclose(stream));

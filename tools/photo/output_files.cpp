@@ -6,6 +6,7 @@
 
 #include "coordinates.h"
 #include "files/file_claims.h"
+#include "files/standard_streams.h"
 #include "photo/image_file.h"
 #include "tool_error.h"
 
@@ -51,6 +52,12 @@ void OutputFiles::CreateFolder(const std::string& path) {
 
 void OutputFiles::Announce(const std::string& path) {
   if (path.empty()) throw InputError("the name of an output is empty");
+  if (IsStandardStream(path)) {
+    RequireNew(path, path);
+    ClaimOutput(path);
+    ReserveStandardOutput();
+    return;
+  }
   const fs::path folder = FolderOf(path);
   if (!IsFolder(folder)) {
     throw WorkError(path + ": the folder " + folder.string() +
@@ -58,42 +65,46 @@ void OutputFiles::Announce(const std::string& path) {
   }
   RequireFileName(path);
   const fs::path full_folder = fs::canonical(folder);
-  if (!announced_.insert(full_folder / fs::path(path).filename()).second) {
-    throw InputError(path + ": is given for two outputs");
-  }
+  RequireNew(path, full_folder / fs::path(path).filename());
   ClaimOutput(path);
   // Permissions do not tell whether a file can be made, so one is, and removed.
   if (folders_.insert(full_folder).second) PendingFile{path};
 }
 
+void OutputFiles::RequireNew(const std::string& path, const fs::path& whole) {
+  if (!announced_.insert(whole).second) {
+    throw InputError(path + ": is given for two outputs");
+  }
+}
+
 void OutputFiles::Write(const std::string& path, const Picture& picture,
                         const Metadata& metadata, int quality) {
-  PendingFile& file = Begin(path, ToText(SizeOf(picture)));
+  PendingFile& file = Begin(path, ToText(SizeOf(picture))).file;
   WritePicture(picture, metadata, quality, file);
   file.Close();
 }
 
 void OutputFiles::Write(const std::string& path, const Map<uint8_t>& grey) {
-  PendingFile& file = Begin(path, ToText(SizeOf(grey)));
+  PendingFile& file = Begin(path, ToText(SizeOf(grey))).file;
   WriteGrey(grey, file);
   file.Close();
 }
 
 void OutputFiles::Write(const std::string& path, const DisparityMap& map) {
-  PendingFile& file = Begin(path, ToText(SizeOf(map)));
+  PendingFile& file = Begin(path, ToText(SizeOf(map))).file;
   WriteDisparity(map, file);
   file.Close();
 }
 
 void OutputFiles::Write(const std::string& path, const Bytes& bytes) {
-  PendingFile& file = Begin(path, std::to_string(bytes.size()) + " bytes");
+  PendingFile& file = Begin(path, std::to_string(bytes.size()) + " bytes").file;
   file.Write(bytes);
   file.Close();
 }
 
-PendingFile& OutputFiles::Begin(const std::string& path,
-                                const std::string& size) {
-  return written_.emplace_back(path, size).file;
+OutputFiles::Written& OutputFiles::Begin(const std::string& path,
+                                         const std::string& size) {
+  return written_.emplace_back(path, size);
 }
 
 void OutputFiles::Commit() {
@@ -103,6 +114,7 @@ void OutputFiles::Commit() {
     if (created_folder_) created_folder_->Keep();
   }
   for (const Written& written : written_) {
+    if (IsStandardStream(written.file.target())) continue;
     std::printf("wrote %s (%s)\n", written.file.target().c_str(),
                 written.size.c_str());
   }

@@ -20,16 +20,25 @@
 namespace zuqel::tools {
 
 // Files are written next to their targets under temporary names, and renamed in
-// Commit. Without Commit they are removed.
+// Commit. Without Commit they are removed. One output may be "-", standard
+// output, which has its bytes as they are written.
 class OutputFiles {
  public:
+  struct Written {
+    Written(const std::string& path, std::string text)
+        : file(path), size(std::move(text)) {}
+
+    PendingFile file;
+    std::string size;  // which Commit prints
+  };
+
   // Creates the folder if it does not exist. WorkError if that fails.
   void CreateFolder(const std::string& path);
 
   // Declares, before any work, that `path` will be written. WorkError if no
   // file can be made in its folder or it is something other than a file;
   // InputError if it was announced before or is one of the inputs, whether
-  // these are read before or after.
+  // these are read before or after. See ReserveStandardOutput for "-".
   void Announce(const std::string& path);
 
   // Writes a file for the announced `path`: a picture as its name says, see
@@ -41,20 +50,14 @@ class OutputFiles {
   void Write(const std::string& path, const Bytes& bytes);
 
   // Begins the file for the announced `path`, for the caller to write until
-  // Commit; `size` is what Commit prints about it.
-  PendingFile& Begin(const std::string& path, const std::string& size);
+  // Commit.
+  Written& Begin(const std::string& path, const std::string& size);
 
   // Renames every written file to its target and prints a line for each.
   void Commit();
 
  private:
-  struct Written {
-    Written(const std::string& path, std::string text)
-        : file(path), size(std::move(text)) {}
-
-    PendingFile file;
-    std::string size;
-  };
+  void RequireNew(const std::string& path, const std::filesystem::path& whole);
 
   std::set<std::filesystem::path> announced_, folders_;
   std::optional<TemporaryPath> created_folder_;  // outlives the files in it

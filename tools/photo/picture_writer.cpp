@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "encode/encode.h"
+#include "files/standard_streams.h"
 #include "photo/exif.h"
 #include "tool_error.h"
 
@@ -34,6 +35,7 @@ bool IsJpegName(const std::string& path) {
 
 void CheckPictureName(const std::string& option, const std::string& path) {
   if (IsJpegName(path) || ExtensionOf(path) == ".png") return;
+  if (IsStandardStream(path)) return;
   throw InputError(option + ": " + path +
                    ": has to end in .png, .jpg or .jpeg");
 }

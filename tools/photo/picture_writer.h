@@ -18,7 +18,8 @@ bool IsJpegName(const std::string& path);
 // this name.
 void CheckPictureName(const std::string& option, const std::string& path);
 
-// As JPEG if the target's name says so, and otherwise as PNG. Both keep the
+// As JPEG if the target's name says so, and otherwise as PNG: so to standard
+// output. Both keep the
 // profile; JPEG keeps the EXIF block, for an upright picture. `quality` is 1
 // to 100 and for JPEG alone; from 90 on, colours have the full resolution.
 // Throws WorkError.

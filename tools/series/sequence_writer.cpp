@@ -34,7 +34,7 @@ void SequenceWriter::AddToVideo(const Nv21Frame& frame) {
   if (!video_) {
     const std::string size = ToText(SizeOf(frame)) + ", " +
                              std::to_string(target_.count) + " frames";
-    video_.emplace(outputs_.Begin(target_.path, size), SizeOf(frame),
+    video_.emplace(outputs_.Begin(target_.path, size).file, SizeOf(frame),
                    target_.frames_per_second.value_or(kDefaultRate));
   }
   video_->Add(frame);
