@@ -1,4 +1,4 @@
-// The readers of pictures and maps.
+// The readers of pictures, maps and videos.
 #include <png.h>
 #include <sys/mman.h>
 #include <unistd.h>
@@ -12,6 +12,7 @@
 #include "photo/depth_scale.h"
 #include "photo/image_file.h"
 #include "require.h"
+#include "series/y4m_reader.h"
 #include "tool_error.h"
 
 namespace zuqel::fuzz {
@@ -53,8 +54,12 @@ void RepairCheckSums(Bytes& png) {
 }
 
 // Large pictures would only be slow.
-bool IsSmall(const Bytes& bytes) {
+bool IsSmallSize(tools::Size size) {
   constexpr int64_t kPixels = 1 << 16;
+  return int64_t{size.width} * size.height <= kPixels;
+}
+
+bool IsSmall(const Bytes& bytes) {
   std::array<char, kDecodeReasonSize> reason = {};
   PngHeader png = {};
   int width = 0, height = 0;
@@ -68,7 +73,7 @@ bool IsSmall(const Bytes& bytes) {
   }
   const bool is_refused =
       width > tools::kLargestSide || height > tools::kLargestSide;
-  return is_refused || int64_t{width} * height <= kPixels;
+  return is_refused || IsSmallSize({width, height});
 }
 
 template <typename Map>
@@ -76,6 +81,17 @@ void RequireSize(const Map& map) {
   Require(map.width > 0 && map.height > 0 &&
               map.values.size() == tools::PixelCount(map.width, map.height),
           "size of a map");
+}
+
+void ReadVideo(const std::string& path) {
+  tools::Y4mReader video(path);
+  const auto [width, height] = video.format().size;
+  if (!IsSmallSize({width, height})) return;
+  while (const auto frame = video.Next()) {
+    Require(frame->luma.size() == tools::PixelCount(width, height) &&
+                frame->chroma.size() == tools::PixelCount(width, height / 2),
+            "size of a frame");
+  }
 }
 
 void ReadAs(int kind, const std::string& path) {
@@ -92,6 +108,8 @@ void ReadAs(int kind, const std::string& path) {
     }
   } else if (kind == 2) {
     RequireSize(tools::ReadWeights(path));
+  } else if (kind == 4) {
+    ReadVideo(path);
   }
 }
 
@@ -134,7 +152,7 @@ void ReadMap(const MapOptions& options, const Bytes& bytes) {
 
 void Run(Input& input) {
   static const MemoryFile file;
-  const int kind = input.Between(0, 3);
+  const int kind = input.Between(0, 4);
   const bool is_repaired = input.Flag(), is_map = kind == 3;
   const MapOptions options = is_map ? AnyOptions(input) : MapOptions();
   Bytes bytes = input.Rest();

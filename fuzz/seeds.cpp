@@ -42,6 +42,10 @@ void WritePictures(const fs::path& folder) {
   AddPicture(folder / "map8", tools::ReadBytes(png), 3);
   const std::string pfm = "Pf\n2 1\n-1\n\1\2\3\4\5\6\7\x3f";
   AddPicture(folder / "pfm", {pfm.begin(), pfm.end()}, 3);
+  const std::string y4m =
+      "YUV4MPEG2 W2 H2 F25:1 Ip A1:1 C420jpeg XCOLORRANGE=FULL\nFRAME\n"
+      "abcdefFRAME Ip\nghijkl";
+  AddPicture(folder / "y4m", {y4m.begin(), y4m.end()}, 4);
   fs::remove(png);
 }
 

@@ -323,7 +323,7 @@ class SequenceCommand : public CommandLine {
   const std::vector<std::string> names_ = {"07", "08", "09", "10"};
   const std::string series_ =
       "sequence --images in_%02d --disparities d_%02d --first 7 --count 4 "
-      "--focus 20,50 -o ";
+      "--focus 20,50 --renderer cpu -o ";
   const std::string cpu_ =
       "render --focus 20,50 --renderer cpu -o one.png --disparity d_";
 };

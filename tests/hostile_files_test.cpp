@@ -7,9 +7,7 @@
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
-#include <initializer_list>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "files/pending_file.h"
@@ -29,12 +27,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using testing::EndsWith;
-
-std::string Concat(std::initializer_list<std::string_view> parts) {
-  std::string text;
-  for (const std::string_view part : parts) text += part;
-  return text;
-}
 
 TEST(PendingFile, TakesNoNameThatExists) {
   const TemporaryFolder folder;
@@ -79,7 +71,8 @@ class HostileFiles : public CommandLine {
   const std::string render_ =
       "zuqel render --renderer cpu --image in1 --disparity d1 --focus 9,9 -o ";
   const std::string frames_ =
-      "zuqel sequence --images in%d --disparities d%d --focus 9,9 --first 1 ";
+      "zuqel sequence --renderer cpu --images in%d --disparities d%d "
+      "--focus 9,9 --first 1 ";
   const std::string series_ = frames_ + "--count 2 -o ";
 };
 

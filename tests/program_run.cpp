@@ -12,7 +12,6 @@
 #include <filesystem>
 #include <map>
 #include <sstream>
-#include <string_view>
 #include <utility>
 
 namespace zuqel::tools {
@@ -32,6 +31,12 @@ std::vector<char*> PointersTo(std::vector<std::string>& texts) {
 std::string ReadText(const std::string& path) {
   const std::vector<uint8_t> bytes = ReadBytes(path);
   return {bytes.begin(), bytes.end()};
+}
+
+std::string Concat(std::initializer_list<std::string_view> parts) {
+  std::string text;
+  for (const std::string_view part : parts) text += part;
+  return text;
 }
 
 Outcome CommandLine::Run(const std::string& arguments,

@@ -5,8 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <initializer_list>
 #include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -33,6 +35,8 @@ inline constexpr std::array kNoGl = {"__EGL_VENDOR_LIBRARY_FILENAMES=/none",
 inline constexpr std::array kGl = {"ASAN_OPTIONS=detect_leaks=0"};
 
 std::string ReadText(const std::string& path);
+
+std::string Concat(std::initializer_list<std::string_view> parts);
 
 // The program in a folder of its own.
 class CommandLine : public testing::Test {

@@ -67,11 +67,11 @@ int Run(int argc, char** argv) {
   options.RequireCommand();
   options.Footer(
       "Reads files of up to " + std::to_string(kLargestFile >> 20) +
-      " MiB and pictures of up to " + ToText({kLargestSide, kLargestSide}) +
-      " pixels.\n"
-      "In the place of an input file, - is standard input; of an output file,\n"
-      "standard output, and messages go to standard error: pictures are PNG,\n"
-      "videos y4m.\n"
+      " MiB, videos of any length, and pictures of up to\n" +
+      ToText({kLargestSide, kLargestSide}) +
+      " pixels. In the place of an input file, - is standard input;\n"
+      "in that of an output, standard output: PNG, or y4m from sequence. Then\n"
+      "messages go to standard error.\n"
       "Exit code: 0, 2 for bad arguments or inputs, 1 for anything else, such "
       "as\nan output that cannot be written.\n"
       "\n"

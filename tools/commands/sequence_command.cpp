@@ -1,162 +1,37 @@
 // zuqel sequence: renders a series of frames in one session.
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
-#include <utility>
 
 #include "commands/command.h"
 #include "commands/shared_options.h"
-#include "coordinates.h"
-#include "demo/scene.h"
-#include "files/file_claims.h"
-#include "photo/image_file.h"
-#include "photo/nv21.h"
-#include "rendering/bokeh_session.h"
-#include "rendering/frame_progress.h"
-#include "rendering/notes.h"
-#include "series/file_series.h"
-#include "series/sequence_writer.h"
-#include "tool_error.h"
+#include "rendering/refocus_map.h"
+#include "series/sequence_job.h"
 
 namespace zuqel::tools {
 namespace {
 
-constexpr int kDemoFrames = 50;
-
-struct SequenceOptions {
-  std::string images, disparities, focus, focus_to;
-  SequenceTarget target;  // its numbers are those of the inputs too
-  bool is_demo = false;
-  Renderer renderer = Renderer::kCpu;
-};
-
-struct SourceFrame {
-  Picture picture;
-  DisparityMap disparity;
-  FocusPoint focus;  // unless one is given
-};
-
-// Called for indices 0, 1, 2 and so on.
-using FrameSource = std::function<SourceFrame(int index)>;
-
-// The first of a kind sets the size of the others.
-void CheckSameSize(const std::string& name, Size size, Size& expected) {
-  if (expected == Size{}) expected = size;
-  if (size == expected) return;
-  throw InputError(name + ": is " + ToText(size) + "; the series began with " +
-                   ToText(expected));
-}
-
-FrameSource FilesOf(const SequenceOptions& options) {
-  if (options.images.empty()) {
-    throw InputError("give one of --images and --demo");
-  }
-  if (options.target.count == 0) throw InputError("--images needs --count");
-  if (options.focus.empty()) throw InputError("--images needs --focus");
-  const FileSeries images("--images", options.images);
-  const FileSeries disparities("--disparities", options.disparities);
-  // Now rather than when each is read, after frames have been rendered.
-  for (int i = 0; i < options.target.count; ++i) {
-    ClaimInput(images.Name(options.target.first + i));
-    ClaimInput(disparities.Name(options.target.first + i));
-  }
-  return [=, first = options.target.first, picture_size = Size{},
-          map_size = Size{}](int index) mutable {
-    const std::string image = images.Name(first + index);
-    const std::string disparity = disparities.Name(first + index);
-    SourceFrame frame = {ReadFramePicture(image), ReadDisparity(disparity), {}};
-    CheckSameSize(image, SizeOf(frame.picture), picture_size);
-    CheckSameSize(disparity, SizeOf(frame.disparity), map_size);
-    return frame;
-  };
-}
-
-FrameSource DemoOf(int count) {
-  return [count, scene = MovingScene()](int index) {
-    const float part =
-        count < 2 ? 0.0F
-                  : static_cast<float>(index) / static_cast<float>(count - 1);
-    Scene now = scene.At(part);
-    return SourceFrame{std::move(now.picture), std::move(now.disparity),
-                       now.near_focus};
-  };
-}
-
-// Moves from one point to another over the frames; without one, takes the
-// source's own.
-class FocusPath {
- public:
-  FocusPath(const SequenceOptions& options, Size frame)
-      : steps_(options.target.count - 1) {
-    if (options.focus.empty()) return;
-    from_ = ParseFocusPoint("--focus", options.focus, "picture", frame);
-    to_ =
-        options.focus_to.empty()
-            ? *from_
-            : ParseFocusPoint("--focus-to", options.focus_to, "picture", frame);
-  }
-
-  [[nodiscard]] FocusPoint At(int index, FocusPoint own) const {
-    if (!from_) return own;
-    if (steps_ == 0) return *from_;
-    return {from_->x + (to_.x - from_->x) * index / steps_,
-            from_->y + (to_.y - from_->y) * index / steps_};
-  }
-
- private:
-  int steps_;
-  std::optional<FocusPoint> from_;
-  FocusPoint to_;
-};
-
-// Returns the number of frames whose focus was blurred.
-int RenderFrames(const SequenceOptions& options, const FrameSource& source,
-                 SequenceWriter& writer) {
-  const int count = options.target.count;
-  SourceFrame next = source(0);
-  const FocusPath path(options, SizeOf(next.picture));
-  const BokehSession session({.picture = SizeOf(next.picture),
-                              .depth = SizeOf(next.disparity),
-                              .renderer = options.renderer});
-  const ProgressBar bar(count);
-  int blurred = 0;
-  for (int i = 0; i < count; ++i) {
-    if (i > 0) next = source(i);
-    Nv21Frame frame = ToNv21(next.picture);
-    const Focus focus = {path.At(i, next.focus)};
-    if (!session.Render(frame, next.disparity, focus)) ++blurred;
-    writer.Add(frame);
-    bar.Show(i + 1);
-  }
-  return blurred;
-}
-
-void Run(SequenceOptions options) {
-  int& count = options.target.count;
-  if (options.is_demo && count == 0) count = kDemoFrames;
-  SequenceWriter writer(options.target);
-  const FrameSource source = options.is_demo ? DemoOf(count) : FilesOf(options);
-  const int blurred = RenderFrames(options, source, writer);
-  writer.Commit();
-  ReportBlurredFocus(blurred, count);
-}
-
 void AddSourceOptions(CommandLine app, SequenceOptions& options) {
-  Option images =
-      app.AddOption("--images", options.images,
-                    "The pictures, PNG or JPEG, of even width and height; one\n"
-                    "%d or %04d stands for the number")
+  SequenceFiles& files = options.files;
+  const Option images =
+      app.AddOption("--images", files.images,
+                    "The frames: a y4m video, 8-bit 4:2:0, or PNG or JPEG\n"
+                    "files, where one %d or %04d stands for the number; of\n"
+                    "even width and height")
           .TypeName("PATTERN");
-  Option disparities =
-      app.AddOption("--disparities", options.disparities,
+  const Option disparities =
+      app.AddOption("--disparities", files.disparities,
                     "Their disparities, 16-bit grey PNG: 0..1022, larger is\n"
-                    "nearer, 1023 is unknown")
-          .TypeName("PATTERN");
-  images.Needs(disparities);
-  disparities.Needs(images);
+                    "nearer, 1023 is unknown. Without a %d, one map for all")
+          .TypeName("PATTERN")
+          .Needs(images);
+  app.AddOption("--weights", files.weights,
+                "Instead of disparities, 8-bit grey PNG: 0 keeps a pixel\n"
+                "sharp, 255 blurs it fully")
+      .TypeName("PATTERN")
+      .Needs(images)
+      .Excludes(disparities);
   Option first =
-      app.AddOption("--first", options.target.first,
+      app.AddOption("--first", options.numbers.first,
                     "The first number, of files read and written; 0 by default")
           .TypeName("N")
           .Range(0, 1000000000);
@@ -164,9 +39,9 @@ void AddSourceOptions(CommandLine app, SequenceOptions& options) {
               "Instead of files, a built-in scene that an orange crosses")
       .Excludes(images)
       .Excludes(first);
-  app.AddOption("--count", options.target.count,
-                "Number of frames; with --demo " + std::to_string(kDemoFrames) +
-                    " by default")
+  app.AddOption("--count", options.numbers.count,
+                "Number of frames; by default all of a video, and " +
+                    std::to_string(kDemoFrames) + "\nwith --demo")
       .TypeName("N")
       .Range(1, 100000);
 }
@@ -187,13 +62,22 @@ Command AddSequenceCommand(CommandLine program) {
                 "Where the focus moves to over the frames")
       .TypeName("X,Y")
       .Needs(focus);
+  app.AddOption("--f-number", options->f_number,
+                "1 (strongest blur, the default) to 10 (hardly any)")
+      .TypeName("N");
+  app.AddOption("--map-from", options->map_from,
+                "Render from the refocus maps that this generator makes from\n"
+                "the disparities; see zuqel refocus-map --help")
+      .TypeName("NAME")
+      .Check(CheckGeneratorName);
   AddRendererOption(app, options->renderer);
-  AddFileOption(app, "-o,--output", options->target.path,
-                "A video if it ends with .y4m, else a pattern for numbered\n"
-                "PNG files")
+  AddFileOption(app, "-o,--output", options->output,
+                "A video if it ends with .y4m or is -, else a pattern for\n"
+                "numbered PNG files")
       .Required();
-  app.AddOption("--fps", options->target.frames_per_second,
-                "Frames per second of the video; 25 by default")
+  app.AddOption("--fps", options->frames_per_second,
+                "Frames per second of the video; by default those of a video\n"
+                "that is read, else 25")
       .TypeName("N")
       .Range(1, 1000);
   app.Footer(
@@ -201,8 +85,12 @@ Command AddSequenceCommand(CommandLine program) {
       "  zuqel sequence --demo -o moving.y4m\n"
       "  zuqel sequence --images in_%04d.png --disparities depth_%04d.png \\\n"
       "    --first 1 --count 100 --focus 640,480 --focus-to 200,480 \\\n"
-      "    -o out_%04d.png");
-  return {app, [options] { Run(*options); }};
+      "    -o out_%04d.png\n"
+      "  ffmpeg -i in.mp4 -f yuv4mpegpipe -pix_fmt yuv420p - |\n"
+      "    zuqel sequence --images - --disparities depth.png --focus 640,480 "
+      "\\\n"
+      "    -o - | ffmpeg -i - out.mp4");
+  return {app, [options] { RenderSequence(*options); }};
 }
 
 }  // namespace zuqel::tools

@@ -171,11 +171,7 @@ Picture ReadPicture(const std::string& path) {
 
 Picture ReadFramePicture(const std::string& path) {
   Picture picture = ReadPicture(path);
-  if (picture.width % 2 != 0 || picture.height % 2 != 0) {
-    Refuse(path, "is " + std::to_string(picture.width) + " x " +
-                     std::to_string(picture.height) +
-                     " pixels; an even width and height are needed");
-  }
+  RequireFrameSize(path, SizeOf(picture));
   return picture;
 }
 
@@ -188,6 +184,14 @@ void RequireReadableSize(const std::string& name, Size size) {
   Refuse(name, "is " + std::to_string(size.width) + " x " +
                    std::to_string(size.height) + " pixels; at most " + most +
                    " x " + most + " is supported");
+}
+
+void RequireFrameSize(const std::string& name, Size size) {
+  RequireReadableSize(name, size);
+  if (size.width % 2 == 0 && size.height % 2 == 0) return;
+  Refuse(name, "is " + std::to_string(size.width) + " x " +
+                   std::to_string(size.height) +
+                   " pixels; an even width and height are needed");
 }
 
 Picture DecodePngPicture(const std::string& name,

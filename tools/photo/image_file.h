@@ -17,6 +17,9 @@ namespace zuqel::tools {
 // `name` is what errors call the file.
 void RequireReadableSize(const std::string& name, Size size);
 
+// The same, for a camera frame: width and height must be even.
+void RequireFrameSize(const std::string& name, Size size);
+
 // By its first bytes.
 bool IsPngOrJpeg(std::span<const uint8_t> bytes);
 
@@ -24,7 +27,7 @@ bool IsPngOrJpeg(std::span<const uint8_t> bytes);
 // what is transparent is laid on white.
 Picture ReadPicture(const std::string& path);
 
-// The same, for a camera frame: width and height must be even.
+// The same, for a camera frame.
 Picture ReadFramePicture(const std::string& path);
 
 // The same as ReadPicture from a file in memory; `name` is what errors call it.

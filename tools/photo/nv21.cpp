@@ -69,6 +69,14 @@ Nv21Frame ToNv21(const Picture& picture) {
   return frame;
 }
 
+void ExpandRange(Nv21Frame& frame) {
+  // Twice 255 / 219 and 255 / 224, so that half a step can be added to round.
+  for (uint8_t& y : frame.luma) y = ToByte(((y - 16) * 510 + 219) / 438);
+  for (uint8_t& c : frame.chroma) {
+    c = ToByte(((c - 128) * 510 + 128 * 448 + 224) / 448);
+  }
+}
+
 void YuvToRgb(int luma, int u, int v, uint8_t* rgb) {
   u -= 128;
   v -= 128;

@@ -21,6 +21,10 @@ struct Nv21Frame {
 // Chroma is that of each 2x2 block's mean colour. Width and height are even.
 Nv21Frame ToNv21(const Picture& picture);
 
+// Stretches limited range, luma of 16..235 and chroma of 16..240, to full
+// range.
+void ExpandRange(Nv21Frame& frame);
+
 // Converts one pixel to red, green and blue (full-range BT.601).
 void YuvToRgb(int luma, int u, int v, uint8_t* rgb);
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "rendering/bokeh_session.h"
 #include "rendering/output_capture.h"
@@ -99,24 +100,37 @@ std::string CheckGeneratorName(const std::string& name) {
   return message;
 }
 
-RefocusMap MakeRefocusMap(const Generator& generator, Map<uint16_t> depth,
-                          const FramedFocus& focus, std::optional<Size> size) {
-  const Size map_size = size.value_or(SizeOf(depth));
+MapMaker::MapMaker(const Generator& generator) : generator_(generator) {
+  CheckStatus(zuQelRT_GenRefocusMap_init(), "zuQelRT_GenRefocusMap_init");
+}
+
+MapMaker::~MapMaker() {
+  zuQelRT_GenRefocusMap_Deinit();
+}
+
+RefocusMap MapMaker::Make(Map<uint16_t> depth, const FramedFocus& focus,
+                          Size size) const {
   const FocusPoint point = {focus.point.x * depth.width / focus.frame.width,
                             focus.point.y * depth.height / focus.frame.height};
-  const BokehSession session(
-      {.picture = SizeOf(depth), .depth = SizeOf(depth), .work = map_size});
-  const GeneratorResources resources;
-  RefocusMap map = {WeightMap(map_size.width, map_size.height), std::nullopt};
+  RefocusMap map = {WeightMap(size.width, size.height), std::nullopt};
   DisparityRange range;
   {
     const OutputCapture library_output;
-    CheckStatus(generator.make(map.weights.values.data(), depth.values.data(),
-                               point, range),
-                generator.call);
+    CheckStatus(generator_.make(map.weights.values.data(), depth.values.data(),
+                                point, range),
+                generator_.call);
   }
-  if (!generator.takes_distance) map.range = range;
+  if (!generator_.takes_distance) map.range = range;
   return map;
+}
+
+RefocusMap MakeRefocusMap(const Generator& generator, Map<uint16_t> depth,
+                          const FramedFocus& focus, std::optional<Size> size) {
+  const Size map_size = size.value_or(SizeOf(depth));
+  const BokehSession session(
+      {.picture = SizeOf(depth), .depth = SizeOf(depth), .work = map_size});
+  const MapMaker maker(generator);
+  return maker.Make(std::move(depth), focus, map_size);
 }
 
 Map<uint16_t> DepthFor(const Generator& generator,

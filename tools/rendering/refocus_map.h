@@ -47,9 +47,27 @@ struct FramedFocus {
   Size frame;
 };
 
-// Opens a session of its own, so none may be open. `depth` is what the
-// generator takes. The map has the depth's size, or `size` if the generator
-// takes one. Throws WorkError like BokehSession.
+// A generator and its resources in the session that is open. Members throw
+// WorkError.
+class MapMaker {
+ public:
+  explicit MapMaker(const Generator& generator);
+  ~MapMaker();
+  MapMaker(const MapMaker&) = delete;
+  MapMaker& operator=(const MapMaker&) = delete;
+
+  // `depth` is what the generator takes, of the session's depth size. The map
+  // has the session's work size, `size`.
+  [[nodiscard]] RefocusMap Make(Map<uint16_t> depth, const FramedFocus& focus,
+                                Size size) const;
+
+ private:
+  const Generator& generator_;
+};
+
+// The same in a session of its own, so none may be open. The map has the
+// depth's size, or `size` if the generator takes one. Throws WorkError like
+// BokehSession.
 RefocusMap MakeRefocusMap(const Generator& generator, Map<uint16_t> depth,
                           const FramedFocus& focus,
                           std::optional<Size> size = std::nullopt);

@@ -6,6 +6,12 @@
 
 namespace zuqel::tools {
 
+// Of the files of a series.
+struct FrameNumbers {
+  int first = 0;
+  int count = 0;  // 0: all that a video has
+};
+
 // A pattern has one %d, or one %0Nd for at least N digits, N in 1..9.
 class FileSeries {
  public:

@@ -8,15 +8,14 @@
 #include "photo/nv21.h"
 #include "photo/output_files.h"
 #include "series/file_series.h"
-#include "series/y4m_file.h"
+#include "series/y4m_writer.h"
 
 namespace zuqel::tools {
 
 struct SequenceTarget {
-  std::string path;  // a video if it ends with .y4m, else a file series
-  int first = 0;     // number of the first picture
-  int count = 0;     // of frames
-  std::optional<int> frames_per_second;  // of a video
+  std::string path;  // a video if it ends with .y4m or is "-", else a series
+  FrameNumbers numbers;                  // of the pictures
+  std::optional<int> frames_per_second;  // of a video; else those of its format
 };
 
 // Holds no frame in memory. The files appear in Commit, or not at all.
@@ -25,19 +24,22 @@ class SequenceWriter {
   // Throws as OutputFiles::Announce.
   explicit SequenceWriter(const SequenceTarget& target);
 
-  // The next frame; all have the same size.
-  void Add(const Nv21Frame& frame);
+  // The next frame; all have the same format.
+  void Add(const Nv21Frame& frame, const Y4mFormat& format);
 
   // After the last frame. Prints a line for each file.
   void Commit();
 
  private:
-  void AddToVideo(const Nv21Frame& frame);
+  void AddPicture(Nv21Frame frame, const Y4mFormat& format);
+  void BeginVideo(Y4mFormat format, Size size);
 
   SequenceTarget target_;
   OutputFiles outputs_;
   std::optional<FileSeries> pictures_;  // else a video
-  std::optional<Y4mFile> video_;        // from the first frame on
+  // From the first frame on.
+  OutputFiles::Written* video_file_ = nullptr;
+  std::optional<Y4mWriter> video_;
   int added_ = 0;
 };
 
