@@ -1,4 +1,4 @@
-// The difference between two frames.
+// The difference between two frames or pictures.
 #include "look/frame_difference.h"
 
 #include <algorithm>
@@ -39,15 +39,21 @@ std::array<PlaneDifference, 3> Compare(const Nv21Frame& a, const Nv21Frame& b) {
           ComparePlane("V", a.chroma, b.chroma, 0, 2)};
 }
 
+PlaneDifference Compare(const Picture& a, const Picture& b) {
+  return ComparePlane("RGB", a.rgb, b.rgb, 0, 1);
+}
+
 Picture ShowDifference(const Nv21Frame& a, const Nv21Frame& b) {
-  Picture shown = ToPicture(a);
-  const Picture other = ToPicture(b);
-  std::transform(shown.rgb.begin(), shown.rgb.end(), other.rgb.begin(),
-                 shown.rgb.begin(), [](int one, int two) {
+  return ShowDifference(ToPicture(a), ToPicture(b));
+}
+
+Picture ShowDifference(Picture a, const Picture& b) {
+  std::transform(a.rgb.begin(), a.rgb.end(), b.rgb.begin(), a.rgb.begin(),
+                 [](int one, int two) {
                    return static_cast<uint8_t>(
                        std::min(kDifferenceGain * std::abs(one - two), 255));
                  });
-  return shown;
+  return a;
 }
 
 }  // namespace zuqel::tools

@@ -114,7 +114,8 @@ void OutputFiles::Commit() {
     if (created_folder_) created_folder_->Keep();
   }
   for (const Written& written : written_) {
-    if (IsStandardStream(written.file.target())) continue;
+    if (IsStandardStream(written.file.target()) || written.size.empty())
+      continue;
     std::printf("wrote %s (%s)\n", written.file.target().c_str(),
                 written.size.c_str());
   }

@@ -50,7 +50,8 @@ class OutputFiles {
   void Write(const std::string& path, const Bytes& bytes);
 
   // Begins the file for the announced `path`, for the caller to write until
-  // Commit.
+  // Commit; `size` is what Commit prints about it, which is silent about a file
+  // without.
   Written& Begin(const std::string& path, const std::string& size);
 
   // Renames every written file to its target and prints a line for each.

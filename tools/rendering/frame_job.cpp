@@ -22,9 +22,10 @@ FrameMap MakeFrameMap(const PhotoInput& input, const DepthOptions& options,
   if (generator == nullptr) {
     result.disparity = std::move(noted.map);
   } else {
-    result.weights = MakeRefocusMap(*generator, std::move(noted.map),
-                                    {focus, SizeOf(input.picture)})
-                         .weights;
+    RefocusMap made = MakeRefocusMap(*generator, std::move(noted.map),
+                                     {focus, SizeOf(input.picture)});
+    result.weights = std::move(made.weights);
+    result.map_ms = made.time_ms;
   }
   return result;
 }

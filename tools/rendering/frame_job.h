@@ -19,7 +19,8 @@ namespace zuqel::tools {
 struct FrameMap {
   std::optional<DisparityMap> disparity;
   std::optional<WeightMap> weights;
-  std::string note;  // for PrintNote
+  std::string note;              // for PrintNote
+  std::optional<double> map_ms;  // the generator's call
 };
 
 // The photo's disparity or weights; with a `generator`, the weights that it

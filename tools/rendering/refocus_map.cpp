@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 #include <utility>
 
 #include "rendering/bokeh_session.h"
@@ -112,13 +113,18 @@ RefocusMap MapMaker::Make(Map<uint16_t> depth, const FramedFocus& focus,
                           Size size) const {
   const FocusPoint point = {focus.point.x * depth.width / focus.frame.width,
                             focus.point.y * depth.height / focus.frame.height};
-  RefocusMap map = {WeightMap(size.width, size.height), std::nullopt};
+  RefocusMap map;
+  map.weights = WeightMap(size.width, size.height);
   DisparityRange range;
   {
+    using Clock = std::chrono::steady_clock;
     const OutputCapture library_output;
+    const Clock::time_point start = Clock::now();
     CheckStatus(generator_.make(map.weights.values.data(), depth.values.data(),
                                 point, range),
                 generator_.call);
+    map.time_ms =
+        std::chrono::duration<double, std::milli>(Clock::now() - start).count();
   }
   if (!generator_.takes_distance) map.range = range;
   return map;

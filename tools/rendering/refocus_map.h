@@ -38,6 +38,7 @@ std::string CheckGeneratorName(const std::string& name);
 struct RefocusMap {
   WeightMap weights;
   std::optional<DisparityRange> range;  // not from distances
+  double time_ms = 0;                   // of the library's call
 };
 
 // A point in pixels of a frame with the same field of view as the depth; the

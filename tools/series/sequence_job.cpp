@@ -85,7 +85,8 @@ class FrameRenderer {
 
   // Renders in place. Returns true if the focus is sharp.
   bool Render(SourceFrame& source, const Focus& focus) const {
-    auto& [disparity, weights, note] = source.map;
+    std::optional<DisparityMap>& disparity = source.map.disparity;
+    std::optional<WeightMap>& weights = source.map.weights;
     if (maps_) {
       weights =
           maps_
