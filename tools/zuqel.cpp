@@ -81,6 +81,7 @@ int Run(int argc, char** argv) {
       zuqel::tools::AddDepthCommand(options),
       zuqel::tools::AddRefocusMapCommand(options),
       zuqel::tools::AddSequenceCommand(options),
+      zuqel::tools::AddReportCommand(options),
       zuqel::tools::AddDemoCommand(options),
       zuqel::tools::AddRawCommand(options),
       zuqel::tools::AddCalibrationCommand(options),

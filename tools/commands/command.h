@@ -18,6 +18,7 @@ Command AddRenderCommand(CommandLine program);
 Command AddDepthCommand(CommandLine program);
 Command AddRefocusMapCommand(CommandLine program);
 Command AddSequenceCommand(CommandLine program);
+Command AddReportCommand(CommandLine program);
 Command AddDemoCommand(CommandLine program);
 Command AddRawCommand(CommandLine program);
 Command AddCalibrationCommand(CommandLine program);

@@ -33,6 +33,11 @@ Option& Option::Required() {
   return *this;
 }
 
+Option& Option::OneEach() {
+  option_->allow_extra_args(false);
+  return *this;
+}
+
 Option& Option::Needs(Option other) {
   option_->needs(other.option_);
   return *this;

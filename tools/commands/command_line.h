@@ -24,6 +24,7 @@ class Option {
 
   Option& TypeName(const std::string& name);  // of the value, in the help
   Option& Required();
+  Option& OneEach();  // takes one value each time, not all that follow
   Option& Needs(Option other);
   Option& Excludes(Option other);
 

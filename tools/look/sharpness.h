@@ -8,8 +8,10 @@
 namespace zuqel::tools {
 
 // The mean of |4c - l - r - a - b| over pixels, in levels of luma (0..1020): c
-// is the pixel, l, r, a and b are those left, right, above and below of it. 0
-// on even surfaces and even slopes.
+// is the pixel, l, r, a and b are those left, right, above and below of it, at
+// a distance of a 240th of the picture's shorter side, at least one pixel. 0 on
+// even surfaces and even slopes. Direct neighbours would not do: the blurred
+// copy is small, so they hardly differ at any strength of blur.
 struct Sharpness {
   double at_focus = 0;
   double elsewhere = 0;
@@ -17,8 +19,8 @@ struct Sharpness {
 
 // The focus is a square around the point, with sides of an eighth of the
 // shorter side of the picture, cut off at the picture's edge. `picture` is the
-// size of what counts, from the top left of the frame. Pixels at its edge lack
-// a neighbour and do not count; 0 where none does.
+// size of what counts, from the top left of the frame. Pixels at its edge,
+// which lack a neighbour, do not count; 0 where none does.
 Sharpness MeasureSharpness(const Nv21Frame& frame, Size picture,
                            FocusPoint focus);
 

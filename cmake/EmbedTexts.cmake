@@ -1,7 +1,8 @@
-# Writes every shader file as a named string constant: pass_through.vert becomes
+# Writes every text file as a named string constant: pass_through.vert becomes
 # kPassThroughVert. A line #include "file" is replaced with that file from the
-# shader's folder. Run with -DOUTPUT=<header> -DSHADERS=<files, separated by |>.
-string(REPLACE "|" ";" SHADERS "${SHADERS}")
+# text's folder. Run with -DOUTPUT=<header> -DNAMESPACE=<of the constants>
+# -DTEXTS=<files, separated by |>.
+string(REPLACE "|" ";" TEXTS "${TEXTS}")
 
 function(read_with_includes file result)
   file(READ "${file}" source)
@@ -14,10 +15,10 @@ function(read_with_includes file result)
   set(${result} "${source}" PARENT_SCOPE)
 endfunction()
 
-set(text "// Made from the shader files by the build.\n#pragma once\n\n")
-string(APPEND text "namespace zuqel::shaders {\n")
-foreach(shader IN LISTS SHADERS)
-  get_filename_component(name "${shader}" NAME)
+set(text "// Made from text files by the build.\n#pragma once\n\n")
+string(APPEND text "namespace ${NAMESPACE} {\n")
+foreach(file IN LISTS TEXTS)
+  get_filename_component(name "${file}" NAME)
   string(REGEX MATCHALL "[a-z0-9]+" words "${name}")
   set(constant "k")
   foreach(word IN LISTS words)
@@ -26,8 +27,8 @@ foreach(shader IN LISTS SHADERS)
     string(TOUPPER "${initial}" initial)
     string(APPEND constant "${initial}${rest}")
   endforeach()
-  read_with_includes("${shader}" source)
-  string(APPEND text "inline constexpr char ${constant}[] = R\"glsl(${source})glsl\";\n")
+  read_with_includes("${file}" source)
+  string(APPEND text "inline constexpr char ${constant}[] = R\"text(${source})text\";\n")
 endforeach()
-string(APPEND text "}  // namespace zuqel::shaders\n")
+string(APPEND text "}  // namespace ${NAMESPACE}\n")
 file(WRITE "${OUTPUT}" "${text}")
