@@ -51,6 +51,7 @@ TEST_F(CommandLine, PrintsHelpAndVersion) {
       {"depth --help", "\n  zuqel depth photo.heic "},
       {"refocus-map --help", "\n  zuqel refocus-map --disparity "},
       {"sequence --help", "\n  zuqel sequence --demo -o "},
+      {"report --help", "\n  zuqel report -o report photo.heic "},
       {"demo --help", "\n  zuqel demo -o "},
       {"raw --help", "\n  zuqel raw GLOutput_"},
       {"info --help", "\n  zuqel info --device "},

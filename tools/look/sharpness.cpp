@@ -41,7 +41,7 @@ void AddRow(const uint8_t* row, Distance distance, int begin, int end,
 Sharpness MeasureSharpness(const Nv21Frame& frame, Size picture,
                            FocusPoint focus) {
   const int side = std::min(picture.width, picture.height);
-  const int reach = side / 16, step = std::max(side / 240, 1);
+  const int reach = side / 32, step = std::max(side / 240, 1);
   const Distance distance = {step, ptrdiff_t{step} * frame.width};
   const int end = std::max(picture.width - step, step);
   const int left = std::clamp(focus.x - reach, step, end);

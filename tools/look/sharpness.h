@@ -17,7 +17,7 @@ struct Sharpness {
   double elsewhere = 0;
 };
 
-// The focus is a square around the point, with sides of an eighth of the
+// The focus is a square around the point, with sides of a sixteenth of the
 // shorter side of the picture, cut off at the picture's edge. `picture` is the
 // size of what counts, from the top left of the frame. Pixels at its edge,
 // which lack a neighbour, do not count; 0 where none does.
