@@ -1,4 +1,5 @@
-// The readers of what photos hold besides the picture.
+// The readers of what photos hold besides the picture, and of what lies beside
+// scenes and reports.
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -10,6 +11,8 @@
 #include "photo/heif_turns.h"
 #include "photo/jpeg_depth.h"
 #include "photo/md5.h"
+#include "report/json_files.h"
+#include "report/text.h"
 #include "require.h"
 #include "tool_error.h"
 
@@ -61,11 +64,31 @@ void ReadHeif(const std::vector<uint8_t>& file) {
   if (photo.depth) RequireSize(*photo.depth);
 }
 
+void ReadMeta(const std::vector<uint8_t>& file) {
+  const tools::SceneMeta meta = tools::ParseSceneMeta(kName, file);
+  Require(meta.foci.size() <= tools::kMostFoci, "number of points");
+  for (const auto& [what, point] : meta.foci) {
+    Require(what == tools::ToUtf8(what), "a text of characters");
+    Require(point.x >= 0 && point.x < tools::kLargestSide && point.y >= 0 &&
+                point.y < tools::kLargestSide,
+            "a point of a picture");
+  }
+}
+
+void ReadReport(const std::vector<uint8_t>& file) {
+  const std::string text = tools::ToJson(tools::ParseReport(kName, file));
+  const std::vector<uint8_t> written(text.begin(), text.end());
+  Require(tools::ToJson(tools::ParseReport(kName, written)) == text,
+          "a report that comes back");
+}
+
 void Read(int kind, Input& input) {
   std::vector<uint8_t> file = input.Rest();
   if (kind == 3) ReadExif(file);
   if (kind == 4) ReadTurns(file);
   if (kind == 5) ReadHeif(file);
+  if (kind == 6) ReadMeta(file);
+  if (kind == 7) ReadReport(file);
   if (kind >= 3) return;
   tools::JpegSegments segments;
   if (kind == 0) {
@@ -91,7 +114,7 @@ void Read(int kind, Input& input) {
 
 void Run(Input& input) {
   try {
-    Read(input.Between(0, 5), input);
+    Read(input.Between(0, 7), input);
   } catch (const tools::InputError&) {
     return;  // which is what bad files are for
   }

@@ -9,6 +9,7 @@
 #include "photo/image_file.h"
 #include "photo_samples.h"
 #include "random.h"
+#include "report/json_files.h"
 
 namespace {
 
@@ -51,25 +52,37 @@ void WritePictures(const fs::path& folder) {
 
 void WritePhotos(const fs::path& folder) {
   enum : uint8_t { kFile, kPacket, kExtended, kExif, kTurns, kHeif };
+  constexpr uint8_t kMeta = 6, kReport = 7;
   const auto add = [&](const char* name, tools::Bytes bytes, uint8_t kind) {
     bytes.push_back(kind);
     tools::WriteBytes(folder / name, bytes);
   };
+  const auto add_text = [&](const char* name, const std::string& text,
+                            uint8_t kind) {
+    add(name, {text.begin(), text.end()}, kind);
+  };
+  add_text("meta", R"({"title": "t", "focus_points_64x48": [{"x": 1, "y": 2,
+           "what": "\u00fc"}]})",
+           kMeta);
+  tools::ReportEntry entry;
+  entry.f_number = 2.8;
+  entry.picture.stem = "stem";
+  add_text("report", tools::ToJson({entry, entry}), kReport);
   const auto add_packet = [&](const char* name, const std::string& packet) {
     const std::string file = tools::Text(tools::DynamicDepth("")),
                       both = packet + file;
-    add(name, {both.begin(), both.end()}, kPacket);
+    add_text(name, both, kPacket);
   };
   const std::string gdepth = tools::Packet(tools::GDepth("RangeLinear"));
   add_packet("gdepth", gdepth);
   add_packet("flat", tools::DynamicPacket(tools::kFlat));
   add_packet("elements", tools::DynamicPacket(tools::kElements));
   add("segments", tools::JpegWith(tools::ExtendedSegments()), kFile);
-  add("extended", {gdepth.begin(), gdepth.end()}, kExtended);
+  add_text("extended", gdepth, kExtended);
   // Big-endian, with an orientation of 6 alone.
   const std::string exif(
       "Exif\0\0MM\0*\0\0\0\x8\0\x1\x1\x12\0\3\0\0\0\1\0\6\0\0\0\0\0\0", 32);
-  add("exif", {exif.begin(), exif.end()}, kExif);
+  add_text("exif", exif, kExif);
   tools::HeifSample sample = {tools::NoisePicture(64, 64)};
   sample.turns = "r1m0";
   add("turns", tools::Heif(sample), kTurns);

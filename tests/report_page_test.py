@@ -141,13 +141,14 @@ def check_viewer(browser):
     sizes = """(() => { const after = document.getElementById('after'),
         stage = document.getElementById('stage');
         return [after.width, after.naturalWidth, stage.clientWidth,
-                stage.scrollWidth]; })()"""
-    width, natural, seen, scrolled = browser.run(sizes)
+                stage.scrollWidth, stage.scrollLeft]; })()"""
+    width, natural, seen, scrolled, _ = browser.run(sizes)
     expect(width <= seen == scrolled, "all of the picture is seen")
     browser.run("document.getElementById('full-size').click()")
     settle()
-    width, natural, seen, scrolled = browser.run(sizes)
+    width, natural, seen, scrolled, left = browser.run(sizes)
     expect(width == natural == scrolled > seen, "one to one")
+    expect(abs(left + seen / 2 - 420) < 2, f"around the focus: {left}, {seen}")
     title = "document.getElementById('viewer-title').textContent"
     first = browser.run(title)
     browser.run("document.getElementById('next').click()")
@@ -190,7 +191,7 @@ def main():
             changed = browser.run("""[...document.querySelectorAll('.change h3')].map(
                 e => e.textContent.split(', ').slice(2).join(' '))""")
             expect(changed == ["cpu", "frame f/1"], f"worst first: {changed}")
-            browser.open(str(folder / "one" / "index.html"), 900, 700)
+            browser.open(str(folder / "one" / "index.html"), 400, 700)
             check_viewer(browser)
             expect(not browser.messages, "\n".join(browser.messages))
     return 1 if failures else 0

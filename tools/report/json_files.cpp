@@ -59,11 +59,12 @@ class Node {
 
   [[nodiscard]] std::string Text() const {
     if (!json_->is_string()) Refuse("is not a text");
-    const auto& text = json_->get_ref<const std::string&>();
+    // Without control characters.
+    std::string text = ToUtf8(json_->get_ref<const std::string&>());
     if (text.size() > kLongestText) {
       Refuse("is longer than " + std::to_string(kLongestText) + " bytes");
     }
-    return ToUtf8(text);  // without control characters
+    return text;
   }
   // A place in a picture of the largest size.
   [[nodiscard]] int Coordinate() const {

@@ -68,11 +68,20 @@ Html Still(const KeptPicture& picture, const Shown& shown) {
   return Fill(page::kStillHtml, ShownValues(picture, shown));
 }
 
+// The middle of the pixel, in percent of the picture.
+void AddPlace(FocusPoint point, Size size, Values& values) {
+  values.insert(
+      values.end(),
+      {{"left", Escape(Decimal((100.0 * point.x + 50) / size.width, 2))},
+       {"top", Escape(Decimal((100.0 * point.y + 50) / size.height, 2))}});
+}
+
 // The viewer lays it over `before`.
-Html Shot(const KeptPicture& picture, const Shown& shown,
+Html Shot(const ReportEntry& entry, const Shown& shown,
           const KeptPicture& before, const char* before_name,
           const char* after_name) {
-  Values values = ShownValues(picture, shown);
+  Values values = ShownValues(entry.picture, shown);
+  AddPlace(entry.focus.point, entry.picture.size, values);
   values.insert(values.end(), {{"before", Escape(before.file())},
                                {"before_name", Escape(before_name)},
                                {"after_name", Escape(after_name)}});
@@ -86,7 +95,7 @@ Html EntryShot(const ReportEntry& entry, const KeptPicture& source) {
                  Figure(Percent(entry.sharpness.at_focus) + " at the focus")};
   shown.figures += Figure(Percent(entry.sharpness.elsewhere) + " elsewhere");
   if (entry.frame_ms) shown.figures += Figure(Milliseconds(*entry.frame_ms));
-  return Shot(entry.picture, shown, source, "source", "result");
+  return Shot(entry, shown, source, "source", "result");
 }
 
 Html MakerRow(const MakerResult& maker, const KeptPicture& source) {
@@ -107,7 +116,6 @@ Html MakerRow(const MakerResult& maker, const KeptPicture& source) {
 
 Html FocusPart(const FocusResult& focus, const KeptPicture& source) {
   const auto& [what, point] = focus.focus;
-  const auto [width, height] = source.size;
   const std::string place =
       std::to_string(point.x) + "," + std::to_string(point.y);
   Html makers;
@@ -115,12 +123,11 @@ Html FocusPart(const FocusResult& focus, const KeptPicture& source) {
     makers += MakerRow(maker, source);
   }
   Values values = PictureValues(source);
+  AddPlace(point, source.size, values);
   values.insert(
       values.end(),
       {{"name", Escape("Focus " + place + (what.empty() ? what : ": " + what))},
        {"alt", Escape("source, with the focus point " + place + " marked")},
-       {"left", Escape(Decimal((100.0 * point.x + 50) / width, 2))},
-       {"top", Escape(Decimal((100.0 * point.y + 50) / height, 2))},
        {"makers", makers}});
   return Fill(page::kFocusHtml, values);
 }
@@ -156,7 +163,7 @@ Html ChangePart(const Change& change) {
     html += Figure(Percent(sharpness.elsewhere) + " elsewhere");
     return html;
   };
-  Html shots = Shot(entry.picture, {name, "now", figures(entry.sharpness)},
+  Html shots = Shot(entry, {name, "now", figures(entry.sharpness)},
                     change.earlier, "earlier", "now");
   shots += Still(change.earlier, {name + ", earlier", "earlier",
                                   figures(change.earlier_sharpness)});

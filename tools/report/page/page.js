@@ -21,7 +21,8 @@
     pair.style.setProperty('--split', `${at - picture.left}px`);
   };
 
-  // One to one: a pixel of the picture is one of the screen.
+  // One to one, a pixel of the picture is one of the screen, and the focus is
+  // in the middle.
   const scale = () => {
     const width = after.naturalWidth, height = after.naturalHeight;
     if (width === 0 || !viewer.open) return;
@@ -73,6 +74,9 @@
   fullSize.addEventListener('click', () => {
     fullSize.setAttribute('aria-pressed', String(!isFullSize()));
     scale();
+    const { left, top } = shots[shown].dataset;
+    stage.scrollLeft = pair.offsetWidth * left / 100 - stage.clientWidth / 2;
+    stage.scrollTop = pair.offsetHeight * top / 100 - stage.clientHeight / 2;
   });
   find('previous').addEventListener('click', () => show(shown - 1));
   find('next').addEventListener('click', () => show(shown + 1));
