@@ -12,7 +12,8 @@ class Browser:
 
     def __init__(self, program):
         self.messages, self.events, self.last = [], [], 0
-        self.profile = tempfile.TemporaryDirectory()
+        self.profile = tempfile.TemporaryDirectory(
+            ignore_cleanup_errors=True)
         from_browser, browser_end = os.pipe()
         program_end, to_browser = os.pipe()
 
@@ -45,8 +46,14 @@ class Browser:
         return self
 
     def __exit__(self, *error):
-        self.process.kill()
-        self.process.wait()
+        # Closes itself when its pipes are, with all its processes.
+        self.writer.close()
+        self.reader.close()
+        try:
+            self.process.wait(timeout=20)
+        except subprocess.TimeoutExpired:
+            self.process.kill()
+            self.process.wait()
         self.profile.cleanup()
 
     def _receive(self):

@@ -163,10 +163,10 @@ Html ChangePart(const Change& change) {
     html += Figure(Percent(sharpness.elsewhere) + " elsewhere");
     return html;
   };
-  Html shots = Shot(entry, {name, "now", figures(entry.sharpness)},
-                    change.earlier, "earlier", "now");
-  shots += Still(change.earlier, {name + ", earlier", "earlier",
-                                  figures(change.earlier_sharpness)});
+  Html shots = Still(change.earlier, {name + ", earlier", "earlier",
+                                      figures(change.earlier_sharpness)});
+  shots += Shot(entry, {name, "now", figures(entry.sharpness)}, change.earlier,
+                "earlier", "now");
   shots += Still(
       change.difference,
       {name + ", difference", "difference",
