@@ -83,7 +83,7 @@ bool IsScene(const fs::path& folder) {
 // The last part of the path that is a name.
 std::string NameOf(fs::path path) {
   if (!path.has_filename()) path = path.parent_path();
-  const std::string name = path.filename();
+  std::string name = path.filename();
   if (name != "." && name != "..") return name;
   std::error_code ignored;
   return fs::canonical(path, ignored).filename();
