@@ -74,6 +74,7 @@ using WeightMap = Map<uint8_t>;
 
 // In pixels of a picture or map, from the top left.
 struct FocusPoint {
+  bool operator==(const FocusPoint&) const = default;
   int x = 0;
   int y = 0;
 };

@@ -55,12 +55,9 @@ void CheckSeveral(const RenderCommandOptions& options) {
   }
 }
 
-// A PNG file stays one, all else becomes JPEG.
 std::string NameInFolder(const std::string& folder, const std::string& photo) {
-  const fs::path name = fs::path(photo).filename();
-  const bool is_png = name.extension() == ".png" || name.extension() == ".PNG";
   return fs::path(folder) /
-         fs::path(name).replace_extension(is_png ? ".png" : ".jpg");
+         fs::path(photo).filename().replace_extension(ResultExtension(photo));
 }
 
 void RenderSeveral(const RenderCommandOptions& options) {

@@ -54,8 +54,8 @@ void MarkFocus(Picture& picture, FocusPoint point) {
   }
 }
 
-// Fully blurred pixels become shades of one colour; sharp pixels keep their
-// colours.
+}  // namespace
+
 Picture TintBlurred(const Picture& image, const WeightMap& map) {
   constexpr std::array<int, 3> kTint = {70, 90, 255};
   Picture tinted = image;
@@ -74,8 +74,6 @@ Picture TintBlurred(const Picture& image, const WeightMap& map) {
   }
   return tinted;
 }
-
-}  // namespace
 
 Picture MakePanel(const std::vector<Picture>& pictures) {
   const int width = pictures.front().width;

@@ -8,6 +8,10 @@
 
 namespace zuqel::tools {
 
+// The picture with what is blurred in shades of one colour; what is sharp keeps
+// its colours. The map is stretched to the picture.
+Picture TintBlurred(const Picture& picture, const WeightMap& map);
+
 // One row of tiles on white, each the size of the first picture; the others are
 // stretched to it. `pictures` is not empty.
 Picture MakePanel(const std::vector<Picture>& pictures);

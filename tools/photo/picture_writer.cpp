@@ -33,6 +33,10 @@ bool IsJpegName(const std::string& path) {
   return extension == ".jpg" || extension == ".jpeg";
 }
 
+std::string ResultExtension(const std::string& photo) {
+  return ExtensionOf(photo) == ".png" ? ".png" : ".jpg";
+}
+
 void CheckPictureName(const std::string& option, const std::string& path) {
   if (IsJpegName(path) || ExtensionOf(path) == ".png") return;
   if (IsStandardStream(path)) return;

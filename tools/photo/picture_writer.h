@@ -14,6 +14,10 @@ constexpr int kDefaultQuality = 95;
 
 bool IsJpegName(const std::string& path);
 
+// Of the result of a photo whose user names none: a PNG file stays one, all
+// else becomes JPEG.
+std::string ResultExtension(const std::string& photo);
+
 // InputError, which begins with `option`, if no picture is written to files of
 // this name.
 void CheckPictureName(const std::string& option, const std::string& path);

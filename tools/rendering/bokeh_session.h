@@ -14,6 +14,8 @@ enum class Renderer { kGpu, kCpu };
 
 // What a session is made for.
 struct SessionSetup {
+  bool operator==(const SessionSetup&) const = default;
+
   Size picture, depth;
   Size work = {320, 240};
   Renderer renderer = Renderer::kGpu;

@@ -94,8 +94,12 @@ void RenderPhoto(const RenderOptions& options, const std::string& photo,
   for (const std::string& path : {options.panel, options.compare}) {
     if (!path.empty()) outputs.Announce(path);
   }
+  RenderInput(options, ReadPhotoInput(photo, options.depth, options.weights),
+              output, outputs);
+}
 
-  PhotoInput input = ReadPhotoInput(photo, options.depth, options.weights);
+void RenderInput(const RenderOptions& options, PhotoInput input,
+                 const std::string& output, OutputFiles& outputs) {
   const Focus focus = {ChooseFocus(input, options.depth, options.focus),
                        options.f_number};
   const Generator* const generator =

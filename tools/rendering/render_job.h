@@ -8,6 +8,7 @@
 #include "photo/picture_writer.h"
 #include "rendering/bokeh_session.h"
 #include "rendering/depth_input.h"
+#include "rendering/photo_input.h"
 
 namespace zuqel::tools {
 
@@ -25,6 +26,11 @@ struct RenderOptions {
 
 // Checks that need no file. Throws InputError.
 void CheckRenderOptions(const RenderOptions& options);
+
+// The same from a photo that has been read, for an `output` that has been
+// announced; throws and prints as it does.
+void RenderInput(const RenderOptions& options, PhotoInput input,
+                 const std::string& output, OutputFiles& outputs);
 
 // Writes `output` and what else the options name. Opens a session of its own,
 // so none may be open. Throws InputError and WorkError.
