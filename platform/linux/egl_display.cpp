@@ -173,10 +173,14 @@ bool DefaultDisplayFailed() {
   return default_display_failed;
 }
 
-EGLBoolean Initialise(EGLDisplay display, EGLint* major, EGLint* minor) {
+void PrepareDriver() {
   // The software renderer's fast 8-bit filter rounds each channel separately,
   // which corrupts a 16-bit value packed in two channels.
   setenv("GALLIVM_PERF", "no_aos_sampling", 0);
+}
+
+EGLBoolean Initialise(EGLDisplay display, EGLint* major, EGLint* minor) {
+  PrepareDriver();
   return eglInitialize(display, major, minor);
 }
 

@@ -63,7 +63,12 @@ bool HasName(const char* list, std::string_view name);
 // True if FindDisplay could not open the display that the environment names.
 bool DefaultDisplayFailed();
 
-// As eglInitialize, with the software renderer set up for 16-bit depth.
+// Settings that the driver reads once, when it is first used. The library's own
+// first use is preceded by this; a program that draws with OpenGL before that
+// calls it earlier.
+void PrepareDriver();
+
+// As eglInitialize, after PrepareDriver.
 EGLBoolean Initialise(EGLDisplay display, EGLint* major, EGLint* minor);
 
 }  // namespace zuqel::driver
