@@ -83,6 +83,7 @@ int Run(int argc, char** argv) {
       zuqel::tools::AddSequenceCommand(options),
       zuqel::tools::AddReportCommand(options),
       zuqel::tools::AddDemoCommand(options),
+      zuqel::tools::AddViewCommand(options),
       zuqel::tools::AddRawCommand(options),
       zuqel::tools::AddCalibrationCommand(options),
       zuqel::tools::AddInfoCommand(options),

@@ -20,6 +20,7 @@ Command AddRefocusMapCommand(CommandLine program);
 Command AddSequenceCommand(CommandLine program);
 Command AddReportCommand(CommandLine program);
 Command AddDemoCommand(CommandLine program);
+Command AddViewCommand(CommandLine program);
 Command AddRawCommand(CommandLine program);
 Command AddCalibrationCommand(CommandLine program);
 Command AddInfoCommand(CommandLine program);
