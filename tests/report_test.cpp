@@ -179,17 +179,10 @@ TEST(Sharpness, TellsTheFocusFromTheRest) {
   EXPECT_EQ(MeasureSharpness(frame, {2, 2}, {0, 0}).elsewhere, 0);
 }
 
-TEST(Thumbnails, AreMeansOfWhatTheyStandFor) {
-  Picture picture(7, 3);
-  for (size_t i = 0; i < picture.rgb.size(); ++i) {
-    picture.rgb[i] = static_cast<uint8_t>(i);
-  }
-  const Picture small = MakeThumbnail(picture, 3);
-  ASSERT_EQ(SizeOf(small), (Size{3, 1}));
-  // Columns 0 and 1, 2 and 3, 4 to 6 of the rows 0 to 2.
-  EXPECT_EQ(small.rgb,
-            (std::vector<uint8_t>{23, 24, 25, 29, 30, 31, 36, 37, 38}));
-  EXPECT_EQ(MakeThumbnail(picture, 7).rgb, picture.rgb);
+TEST(Thumbnails, KeepProportions) {
+  EXPECT_EQ(ThumbnailSize({7, 3}, 3), (Size{3, 1}));
+  EXPECT_EQ(ThumbnailSize({3, 4000}, 300), (Size{1, 300}));
+  EXPECT_EQ(ThumbnailSize({7, 3}, 7), (Size{7, 3}));
 }
 
 TEST_F(CommandLine, ReportRefusesBadInput) {

@@ -12,9 +12,9 @@
 #include <utility>
 #include <vector>
 
+#include "look/shrink.h"
 #include "pin_driver.h"
 #include "rendering/bokeh_session.h"
-#include "view/shrink.h"
 #include "view/view_state.h"
 #include "view/view_text.h"
 #include "view/weight_probe.h"

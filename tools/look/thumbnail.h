@@ -10,7 +10,7 @@ namespace zuqel::tools {
 // `longest`; a smaller picture keeps its size.
 Size ThumbnailSize(Size picture, int longest);
 
-// Each pixel is the mean of those that it stands for.
+// Each pixel is the mean of the area that it covers.
 Picture MakeThumbnail(const Picture& picture, int longest);
 
 }  // namespace zuqel::tools

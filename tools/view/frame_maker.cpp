@@ -6,8 +6,8 @@
 
 #include "look/false_colour.h"
 #include "look/panel.h"
+#include "look/shrink.h"
 #include "photo/output_files.h"
-#include "view/shrink.h"
 #include "view/weight_probe.h"
 
 namespace zuqel::tools {

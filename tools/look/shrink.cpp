@@ -1,5 +1,5 @@
 // Makes pictures smaller, by area averaging.
-#include "view/shrink.h"
+#include "look/shrink.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,6 +1,6 @@
 // Makes pictures smaller.
-#ifndef ZUQEL_TOOLS_VIEW_SHRINK_H_
-#define ZUQEL_TOOLS_VIEW_SHRINK_H_
+#ifndef ZUQEL_TOOLS_LOOK_SHRINK_H_
+#define ZUQEL_TOOLS_LOOK_SHRINK_H_
 
 #include "image.h"
 
@@ -12,4 +12,4 @@ Picture Shrink(const Picture& picture, Size size);
 
 }  // namespace zuqel::tools
 
-#endif  // ZUQEL_TOOLS_VIEW_SHRINK_H_
+#endif  // ZUQEL_TOOLS_LOOK_SHRINK_H_
