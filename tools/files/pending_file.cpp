@@ -51,13 +51,23 @@ int CreateFile(const std::string& path, bool replaces) {
 }  // namespace
 
 PendingFile::PendingFile(std::string target) : target_(std::move(target)) {
-  const bool is_stream = IsStandardStream(target_);
-  const int file = is_stream ? OpenReservedOutput() : CreateTemporary();
-  stream_.reset(fdopen(file, "wb"));
-  if (stream_ == nullptr) Fail();
+  if (IsStandardStream(target_)) {
+    Own(OpenReservedOutput());
+  } else {
+    CreateTemporary();
+  }
 }
 
-int PendingFile::CreateTemporary() {
+void PendingFile::Own(int file) {
+  stream_.reset(fdopen(file, "wb"));
+  if (stream_ != nullptr) return;
+  const int error = errno;
+  close(file);
+  errno = error;
+  Fail();
+}
+
+void PendingFile::CreateTemporary() {
   constexpr int kAttempts = 8;  // at names that are free
   const auto folder = std::filesystem::path(target_).parent_path();
   const std::optional<mode_t> permissions = PermissionsOf(target_);
@@ -70,8 +80,8 @@ int PendingFile::CreateTemporary() {
     else if (errno != EEXIST || i == kAttempts)
       Fail();
   }
+  Own(file);
   if (permissions && fchmod(file, *permissions) != 0) Fail();
-  return file;
 }
 
 void PendingFile::Write(std::span<const uint8_t> bytes) const {

@@ -44,7 +44,8 @@ class PendingFile {
   [[noreturn]] void Fail(const std::string& reason = {}) const;
 
  private:
-  int CreateTemporary();
+  void CreateTemporary();
+  void Own(int file);  // an open one, to write to
 
   struct CloseStream {
     void operator()(std::FILE* stream) const {
