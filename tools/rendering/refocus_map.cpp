@@ -56,17 +56,6 @@ constexpr std::array kGenerators = {
     ZUQEL_REFOCUS_GENERATORS(ZUQEL_TOOLS_GENERATOR)};
 #undef ZUQEL_TOOLS_GENERATOR
 
-// The generators' resources within a session.
-class GeneratorResources {
- public:
-  GeneratorResources() {
-    CheckStatus(zuQelRT_GenRefocusMap_init(), "zuQelRT_GenRefocusMap_init");
-  }
-  ~GeneratorResources() { zuQelRT_GenRefocusMap_Deinit(); }
-  GeneratorResources(const GeneratorResources&) = delete;
-  GeneratorResources& operator=(const GeneratorResources&) = delete;
-};
-
 // In a unit that spans 16 bits; disparities below 4 saturate.
 DistanceMap ToDistances(const DisparityMap& disparity) {
   constexpr int kUnits = 262144;
