@@ -23,6 +23,7 @@
 
 #include "caller_frame.h"
 #include "library_allocations.h"
+#include "pin_driver.h"
 #include "resident_bytes.h"
 
 namespace zuqel {
@@ -89,6 +90,7 @@ void Sessions(int turns, bool is_cached, bool has_graphic_buffer) {
   std::vector<uint8_t> cache(ZUQEL_PROGRAM_CACHE_SIZE);
   for (int i = 0; i <= turns; ++i) {
     Start(info, is_cached ? cache.data() : nullptr);
+    if (i == 0) PinDriverLibraries();
     static_cast<void>(frame.Render({.from_depth = i % 2 == 0}));
     PrintEveryTenth(i, turns);
     zuQelRT_GLClose();

@@ -11,9 +11,11 @@
 namespace zuqel {
 
 // Pins every shared object that is loaded now. Call it when the first context
-// exists: a driver that is unloaded with its display takes the globals that
-// point to its blocks along, and the leak checker then sees blocks that nobody
-// can reach or name.
+// exists: a driver that is unloaded with its display takes the globals along
+// that point to its blocks. The leak checker then sees blocks that nobody can
+// reach or name, and the process grows with every session: Mesa's software
+// renderer leaves 10 MiB of address space behind, of which two pages are in
+// use.
 inline void PinDriverLibraries() {
   std::vector<std::string> names;
   dl_iterate_phdr(
