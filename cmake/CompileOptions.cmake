@@ -32,10 +32,6 @@ if(ZUQEL_SANITIZE)
   # GoogleTest too: libc++ marks the unused part of a vector, and all code that
   # changes the vector has to keep the marks.
   add_compile_options(${ZUQEL_SANITIZERS})
-  if(ZUQEL_FUZZ)
-    # Counts the edges that a run takes.
-    add_compile_options(-fsanitize=fuzzer-no-link)
-  endif()
   add_link_options(${ZUQEL_SANITIZERS} -Wl,-rpath,${runtime_folder})
 endif()
 
