@@ -46,7 +46,7 @@ class Rendering : public CommandLine {
 TEST_F(CommandLine, PrintsHelpAndVersion) {
   const Cases cases = {
       {"--help", "COMMAND --help"},
-      {"--version", "zuqel 0.54.07\n"},
+      {"--version", "zuqel " ZUQEL_VERSION "\n"},
       {"render --help", "\n  zuqel render photo.heic "},
       {"depth --help", "\n  zuqel depth photo.heic "},
       {"refocus-map --help", "\n  zuqel refocus-map --disparity "},
@@ -249,7 +249,7 @@ class RawCommand : public CommandLine {
   }
 
   // Dumps whose names give size and kind.
-  const std::string end_ = "_v0.54.07_0007_1_-2.raw";
+  const std::string end_ = "_v1.2_0007_1_-2.raw";
   const std::string output_ = "GLOutput_34x5" + end_;
   const std::string luma_ = "GLBokeh_34x5" + end_;
   // The output has four bytes for each of its 170 pixels, a plane one.

@@ -70,9 +70,11 @@ TEST_F(FrameDumpTest, NamesTellFrameAndFocus) {
   DumpFrame({bytes.data(), 0, 0, 0, "RM"}, {UINT32_MAX, INT32_MIN, INT32_MAX});
   DumpFrame({nullptr, 4, 1, 1, "RM"}, {});
   EXPECT_EQ(log_.Take(), Lines{"pointer is NULL in FrameDump"});
-  EXPECT_EQ(NewFiles(),
-            (Files{{"GLOutput_640x480_v0.54.07_0007_1_0.raw", bytes},
-                   {"GLRM_0x0_v0.54.07_-001_-2147483648_2147483647.raw", {}}}));
+  EXPECT_EQ(
+      NewFiles(),
+      (Files{{"GLOutput_640x480_v" ZUQEL_VERSION "_0007_1_0.raw", bytes},
+             {"GLRM_0x0_v" ZUQEL_VERSION "_-001_-2147483648_2147483647.raw",
+              {}}}));
 }
 
 TEST_F(FrameDumpTest, FollowsNoLinkAndWaitsForNoPipe) {
@@ -80,8 +82,8 @@ TEST_F(FrameDumpTest, FollowsNoLinkAndWaitsForNoPipe) {
   const fs::path victim = directory_ / "victim";
   std::ofstream(victim) << "kept";
   const auto dump = [&](int focus_x) {
-    return directory_ /
-           ("GLRM_1x1_v0.54.07_0000_" + std::to_string(focus_x) + "_0.raw");
+    return directory_ / ("GLRM_1x1_v" ZUQEL_VERSION "_0000_" +
+                         std::to_string(focus_x) + "_0.raw");
   };
   fs::create_symlink(victim, dump(0));
   fs::create_symlink(directory_ / "new", dump(1));
@@ -105,15 +107,17 @@ TEST_F(FrameDumpTest, FilesHoldTheFrame) {
   TheSession().frames.counters.dump_number = 9998;
   EXPECT_EQ(frame.Render(), ZUQEL_SUCCESS);
   // The viewport of the first frame's beginning is the context's own.
-  EXPECT_EQ(NewFiles(),
-            (Files{{"GLBokeh_64x48_v0.54.07_9998_3_4.raw", luma},
-                   {"GLOutput_32x24_v0.54.07_9998_3_4.raw", Output({32, 24})},
-                   {"GLRM_320x240_v0.54.07_9998_3_4.raw", frame.weights}}));
-  EXPECT_EQ(TestFrame().Render(/*from_depth=*/true), ZUQEL_SUCCESS);
   EXPECT_EQ(
       NewFiles(),
-      (Files{{"GLBokeh_64x48_v0.54.07_9999_3_4.raw", luma},
-             {"GLOutput_64x48_v0.54.07_9999_3_4.raw", Output({64, 48})}}));
+      (Files{
+          {"GLBokeh_64x48_v" ZUQEL_VERSION "_9998_3_4.raw", luma},
+          {"GLOutput_32x24_v" ZUQEL_VERSION "_9998_3_4.raw", Output({32, 24})},
+          {"GLRM_320x240_v" ZUQEL_VERSION "_9998_3_4.raw", frame.weights}}));
+  EXPECT_EQ(TestFrame().Render(/*from_depth=*/true), ZUQEL_SUCCESS);
+  EXPECT_EQ(NewFiles(),
+            (Files{{"GLBokeh_64x48_v" ZUQEL_VERSION "_9999_3_4.raw", luma},
+                   {"GLOutput_64x48_v" ZUQEL_VERSION "_9999_3_4.raw",
+                    Output({64, 48})}}));
 }
 
 TEST_F(FrameDumpTest, SwitchAndDirectoryAreReadAtEveryDump) {

@@ -49,7 +49,8 @@ TEST_F(SessionTest, VersionIsWritten) {
   EXPECT_EQ(zuQel_GLVersionInfo_Get(nullptr, 255), 0x2003U);
   EXPECT_EQ(zuQel_GLVersionInfo_Get(nullptr, 256), 0x2004U);
   EXPECT_EQ(zuQel_GLVersionInfo_Get(buffer.data(), 256), 0U);
-  EXPECT_EQ(buffer, std::string("0.54.07\0", 8) + std::string(248, '#'));
+  const std::string version(ZUQEL_VERSION "\0", sizeof(ZUQEL_VERSION));
+  EXPECT_EQ(buffer, version + std::string(256 - version.size(), '#'));
 }
 
 // The session values that parameters can change.

@@ -165,7 +165,7 @@ Command AddRawCommand(CommandLine program) {
       .Required();
   app.Footer(
       "Example:\n"
-      "  zuqel raw GLOutput_1280x960_v0.54.07_0007_640_480.raw -o output.png");
+      "  zuqel raw GLOutput_*_0007_*.raw -o output.png");
   return {app, [options] { Run(*options); }};
 }
 
