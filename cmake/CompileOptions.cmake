@@ -1,14 +1,15 @@
 # The target `zuqel_options` carries the compiler settings of the whole project.
 add_library(zuqel_options INTERFACE)
 
-target_compile_options(
-  zuqel_options
-  INTERFACE -Wall
-            -Wextra
-            -Wpedantic
-            -Wconversion
-            # The same bits on every processor: no fused multiply-add.
-            -ffp-contract=off)
+if(PROJECT_IS_TOP_LEVEL)
+  target_compile_options(zuqel_options INTERFACE -Wall -Wextra -Wpedantic
+                                                 -Wconversion)
+else()
+  # In another project, whose warnings and kind of arithmetic are not for here.
+  target_compile_options(zuqel_options INTERFACE -w -fno-fast-math)
+endif()
+# The same bits on every processor: no fused multiply-add.
+target_compile_options(zuqel_options INTERFACE -ffp-contract=off)
 
 # Puts the path of one of Clang's runtime libraries into the variable.
 function(zuqel_find_clang_runtime variable name)
