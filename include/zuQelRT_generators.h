@@ -1,19 +1,24 @@
-/* The refocus-map generators, one row each.
- *
- * ROW(id, name, call, y_type, input, map_size, summary):
- *   id        identifier of the generator
- *   name      as people write it
- *   call      the exported function, declared in zuQelRT_GL.h
- *   y_type    type of its argument `y`
- *   input     DISPARITY or DISTANCE: what the 16-bit map holds. On disparity a
- *             call also reports minimum, maximum and focus
- *   map_size  WORK or DEPTH: the size of the map that it makes, WorkWidth x
- *             WorkHeight or DepthWidth x DepthHeight
- *   summary   what it does, for a list of generators
+/**
+ * @file
+ * The refocus-map generators as a table, for programs that offer a choice.
  */
 #ifndef ZUQELRT_GENERATORS_H_
 #define ZUQELRT_GENERATORS_H_
 
+/** Expands to ROW(id, name, call, y_type, input, map_size, summary) for each
+ * generator.
+ *
+ * - id: identifier of the generator
+ * - name: as people write it
+ * - call: the exported function, declared in zuQelRT_GL.h
+ * - y_type: type of its argument `y`
+ * - input: DISPARITY or DISTANCE, what the 16-bit map holds. On disparity a
+ * call also reports minimum, maximum and focus
+ * - map_size: WORK or DEPTH, the size of the map that it makes, WorkWidth x
+ *   WorkHeight or DepthWidth x DepthHeight
+ * - summary: what it does, for a list of generators
+ *
+ * @param ROW a macro of these seven arguments. */
 #define ZUQEL_REFOCUS_GENERATORS(ROW)                                      \
   ROW(Gpu, "gpu", zuQelRT_GenRefocusMap, int32_t, DISPARITY, WORK,         \
       "weights by the distance from the focus, on the GPU")                \
