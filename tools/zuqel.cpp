@@ -72,6 +72,7 @@ int Run(int argc, char** argv) {
       " pixels. In the place of an input file, - is standard input;\n"
       "in that of an output, standard output: PNG, or y4m from sequence. Then\n"
       "messages go to standard error.\n"
+      "\n"
       "Exit code: 0, 2 for bad arguments or inputs, 1 for anything else, such "
       "as\nan output that cannot be written.\n"
       "\n"

@@ -131,10 +131,9 @@ Command AddInspect(CommandLine group) {
   app.AddOption("--layout", options->layout,
                 "Camera layout, 1 (the default) to 4, which picks the\n"
                 "half of a kind-4 container")
-      .TypeName("N")
       .Range(1, 4);
   app.Footer(
-      "Example:\n"
+      "Examples:\n"
       "  zuqel calibration inspect sealed.bin --key key.hex");
   return {app, [options] { Inspect(*options); }};
 }
@@ -150,7 +149,7 @@ Command AddSeal(CommandLine group) {
   AddFileOption(app, "-o,--output", options->output, "The encrypted container")
       .Required();
   app.Footer(
-      "Example:\n"
+      "Examples:\n"
       "  zuqel calibration seal plain.bin --key key.hex -o sealed.bin");
   return {app, [options] { Seal(*options); }};
 }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -20,6 +21,49 @@ std::string Explain(const CLI::App& program, const CLI::ParseError& error) {
   if (unknown.empty()) return error.what();
   return "unknown option or command: " + unknown.front();
 }
+
+// Help that also reads well as a manual page, and that completion takes its
+// words from: "-o, --output FILE (required)". What an option needs or excludes
+// is in its text.
+class HelpFormatter : public CLI::Formatter {
+ public:
+  HelpFormatter() {
+    label("SUBCOMMAND", "COMMAND");
+    label("Positionals", "Arguments");
+  }
+
+  std::string make_option_name(const CLI::Option* option,
+                               bool is_positional) const override {
+    std::string names = Formatter::make_option_name(option, is_positional);
+    const size_t comma = names.find(',');
+    if (comma != std::string::npos) names.insert(comma + 1, " ");
+    return names;
+  }
+
+  // An argument that is an option too is explained once.
+  std::string make_option(const CLI::Option* option,
+                          bool is_positional) const override {
+    if (is_positional || !option->get_positional()) {
+      return Formatter::make_option(option, is_positional);
+    }
+    std::ostringstream text;
+    CLI::detail::format_help(
+        text, make_option_name(option, false) + " " + option->get_type_name(),
+        "The same as " + option->get_name(true), column_width_);
+    return text.str();
+  }
+
+  std::string make_option_opts(const CLI::Option* option) const override {
+    if (option->get_type_size() == 0) return {};
+    std::string text;
+    if (!option->get_type_name().empty()) text = " " + option->get_type_name();
+    if (option->get_expected_max() == CLI::detail::expected_max_vector_size) {
+      text += " ...";
+    }
+    if (option->get_required()) text += " (required)";
+    return text;
+  }
+};
 
 }  // namespace
 
@@ -49,13 +93,13 @@ Option& Option::Excludes(Option other) {
 }
 
 Option& Option::Range(int smallest, int largest) {
-  option_->check(CLI::Range(smallest, largest));
-  return *this;
+  option_->check(CLI::Range(smallest, largest).description(""));
+  return TypeName(std::to_string(smallest) + ".." + std::to_string(largest));
 }
 
 Option& Option::OneOf(const std::vector<std::string>& values) {
-  option_->check(CLI::IsMember(values));
-  return *this;
+  option_->check(CLI::IsMember(values).description(""));
+  return TypeName(CLI::detail::join(values, "|"));
 }
 
 Option& Option::Check(std::function<std::string(const std::string&)> check) {
@@ -65,7 +109,7 @@ Option& Option::Check(std::function<std::string(const std::string&)> check) {
 
 CommandLine CommandLine::AddCommand(const std::string& name,
                                     const std::string& summary) {
-  return CommandLine(app_->add_subcommand(name, summary));
+  return CommandLine(app_->add_subcommand(name, summary)->group("Commands"));
 }
 
 void CommandLine::RequireCommand() {
@@ -129,6 +173,7 @@ Program::Program(const std::string& name, const std::string& summary,
                  const std::function<std::string()>& version)
     : app_(std::make_shared<CLI::App>(summary)) {
   app_->name(name);
+  app_->formatter(std::make_shared<HelpFormatter>());
   app_->set_version_flag("--version", version);
   app_->fallthrough();
 }

@@ -22,13 +22,16 @@ class Option {
  public:
   explicit Option(CLI::Option* option) : option_(option) {}
 
-  Option& TypeName(const std::string& name);  // of the value, in the help
+  // Of the value, in the help. What is to be written as it stands is in small
+  // letters: "X,Y|auto".
+  Option& TypeName(const std::string& name);
   Option& Required();
   Option& OneEach();  // takes one value each time, not all that follow
   Option& Needs(Option other);
   Option& Excludes(Option other);
 
-  // What the value has to be. `check` returns what is wrong, if anything is.
+  // What the value has to be; the first two name its type accordingly. `check`
+  // returns what is wrong, if anything is.
   Option& Range(int smallest, int largest);
   Option& OneOf(const std::vector<std::string>& values);
   Option& Check(std::function<std::string(const std::string&)> check);

@@ -117,7 +117,7 @@ Command AddDemoCommand(CommandLine program) {
       "for each focus and f-number, a panel of the strongest, and one of the\n"
       "refocus map that the GPU makes (refocus_map.png).\n"
       "\n"
-      "Example:\n"
+      "Examples:\n"
       "  zuqel demo -o demo\n"
       "  zuqel render demo/scene.png --disparity demo/disparity.png "
       "\\\n"

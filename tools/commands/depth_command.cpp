@@ -105,7 +105,7 @@ Command AddDepthCommand(CommandLine program) {
   app.Footer(
       "Prints what is inside: the kind, the size, the range and its unit.\n"
       "\n"
-      "Example:\n"
+      "Examples:\n"
       "  zuqel depth photo.heic -o depth.png --false-colour");
   return {app, [options] { Run(*options); }};
 }

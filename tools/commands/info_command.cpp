@@ -26,7 +26,7 @@ Command AddInfoCommand(CommandLine program) {
       "Exit code 1 where OpenGL ES does not work; what is known is printed\n"
       "all the same.\n"
       "\n"
-      "Example:\n"
+      "Examples:\n"
       "  zuqel info --device 0");
   return {app, [as_json] { Run(*as_json); }};
 }

@@ -152,7 +152,7 @@ Command AddRawCommand(CommandLine program) {
   app.AddOption("--kind", options->kind,
                 "luma and weights, one byte per pixel, become 8-bit grey;\n"
                 "output, four bytes per pixel, becomes a colour picture")
-      .TypeName("KIND")
+      .TypeName("luma|weights|output")
       .Check([](const std::string& name) {
         return KindNamed(name) == nullptr
                    ? name + " is not luma, weights or output"
@@ -164,7 +164,7 @@ Command AddRawCommand(CommandLine program) {
   AddFileOption(app, "-o,--output", options->output, "The picture, PNG")
       .Required();
   app.Footer(
-      "Example:\n"
+      "Examples:\n"
       "  zuqel raw GLOutput_*_0007_*.raw -o output.png");
   return {app, [options] { Run(*options); }};
 }

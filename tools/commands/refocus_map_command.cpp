@@ -121,7 +121,7 @@ std::string GeneratorList() {
     name.resize(std::max(kNameColumns, name.size() + 1), ' ');
     list += "  " + name + generator.summary + "\n";
   }
-  return list + "Generators that take --size: " + sized + "\n";
+  return list + "\nGenerators that take --size: " + sized + ".\n";
 }
 
 }  // namespace
@@ -138,7 +138,7 @@ Command AddRefocusMapCommand(CommandLine program) {
       .Required();
   app.AddOption("--generator", options->generator,
                 "How the map is made; see the list below")
-      .TypeName("NAME")
+      .TypeName(GeneratorNames("|"))
       .Check(CheckGeneratorName)
       .Required();
   app.AddOption("--size", options->size,
@@ -162,7 +162,7 @@ Command AddRefocusMapCommand(CommandLine program) {
       "at\n"
       "either end, and the disparity in focus.\n"
       "\n"
-      "Example:\n"
+      "Examples:\n"
       "  zuqel refocus-map --disparity disparity.png --image photo.jpg \\\n"
       "    --focus 640,480 --generator gpu -o map.png --panel panel.png");
   return {app, [options] { Run(*options); }};

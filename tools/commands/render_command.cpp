@@ -127,7 +127,7 @@ void AddRendering(CommandLine app, RenderOptions& options) {
   app.AddOption("--map-from", options.map_from,
                 "Render from the refocus map that this generator makes from\n"
                 "the depth; see zuqel refocus-map --help")
-      .TypeName("NAME")
+      .TypeName(GeneratorNames("|"))
       .Check(CheckGeneratorName);
   AddRendererOption(app, options.renderer);
   app.AddFlag("--focus-dot", options.focus_dot,
@@ -143,14 +143,12 @@ void AddOutputs(CommandLine app, RenderCommandOptions& options) {
   AddQualityOption(app, each.quality);
   app.AddOption("--jobs", options.jobs,
                 "Render so many photos at a time, each in a process")
-      .TypeName("N")
       .Range(1, 64);
   AddFileOption(app, "--panel", each.panel,
                 "Also write input, map in false colour and result side by\n"
                 "side, PNG or JPEG");
   app.AddOption("--repeat", each.repeat,
                 "Render this many frames and print the frame time")
-      .TypeName("N")
       .Range(1, 100000);
   AddFileOption(app, "--compare", each.compare,
                 "Also render with the other renderer, print how much the\n"

@@ -33,7 +33,6 @@ void AddSourceOptions(CommandLine app, SequenceOptions& options) {
   Option first =
       app.AddOption("--first", options.numbers.first,
                     "The first number, of files read and written; 0 by default")
-          .TypeName("N")
           .Range(0, 1000000000);
   app.AddFlag("--demo", options.is_demo,
               "Instead of files, a built-in scene that an orange crosses")
@@ -42,7 +41,6 @@ void AddSourceOptions(CommandLine app, SequenceOptions& options) {
   app.AddOption("--count", options.numbers.count,
                 "Number of frames; by default all of a video, and " +
                     std::to_string(kDemoFrames) + "\nwith --demo")
-      .TypeName("N")
       .Range(1, 100000);
 }
 
@@ -68,7 +66,7 @@ Command AddSequenceCommand(CommandLine program) {
   app.AddOption("--map-from", options->map_from,
                 "Render from the refocus maps that this generator makes from\n"
                 "the disparities; see zuqel refocus-map --help")
-      .TypeName("NAME")
+      .TypeName(GeneratorNames("|"))
       .Check(CheckGeneratorName);
   AddRendererOption(app, options->renderer);
   AddFileOption(app, "-o,--output", options->output,
@@ -78,7 +76,6 @@ Command AddSequenceCommand(CommandLine program) {
   app.AddOption("--fps", options->frames_per_second,
                 "Frames per second of the video; by default those of a video\n"
                 "that is read, else 25")
-      .TypeName("N")
       .Range(1, 1000);
   app.Footer(
       "Examples:\n"

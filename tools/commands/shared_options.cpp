@@ -21,7 +21,6 @@ void AddRendererOption(CommandLine app, Renderer& renderer) {
              " by default). The CPU renderer takes a\n"
              "disparity, has a fixed strength of blur and smooths its mask\n"
              "over the frames; it blurs the background even when in focus")
-      .TypeName("NAME")
       .OneOf({"gpu", "cpu"});
 }
 
@@ -29,7 +28,6 @@ void AddQualityOption(CommandLine app, int& quality) {
   app.AddOption("--quality", quality,
                 "Of JPEG outputs, 1 to 100 (" + std::to_string(quality) +
                     " by default)")
-      .TypeName("N")
       .Range(1, 100);
 }
 

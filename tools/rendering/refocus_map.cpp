@@ -81,13 +81,17 @@ const Generator* GeneratorNamed(const std::string& name) {
   return found == kGenerators.end() ? nullptr : found;
 }
 
+std::string GeneratorNames(const std::string& separator) {
+  std::string names;
+  for (const Generator& generator : kGenerators) {
+    names += (names.empty() ? "" : separator) + generator.name;
+  }
+  return names;
+}
+
 std::string CheckGeneratorName(const std::string& name) {
   if (GeneratorNamed(name) != nullptr) return {};
-  std::string message = name + " is not one of";
-  for (const Generator& generator : kGenerators) {
-    message += std::string(" ") + generator.name;
-  }
-  return message;
+  return name + " is not one of " + GeneratorNames(" ");
 }
 
 MapMaker::MapMaker(const Generator& generator) : generator_(generator) {

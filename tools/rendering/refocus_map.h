@@ -32,6 +32,9 @@ std::span<const Generator> Generators();
 // Null if no generator has this name.
 const Generator* GeneratorNamed(const std::string& name);
 
+// Of all generators.
+std::string GeneratorNames(const std::string& separator);
+
 // What is wrong with an option's value; empty if nothing is.
 std::string CheckGeneratorName(const std::string& name);
 
