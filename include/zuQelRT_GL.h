@@ -108,14 +108,14 @@ extern "C" {
 /** What a session is made for; copied by initialisation. Sizes are in pixels;
  * a negative size counts as 0. */
 typedef struct GLInitInfo {
-  int32_t PreviewWidth;  /**< of the camera image of each frame call */
-  int32_t PreviewHeight; /**< of the same */
-  int32_t DepthWidth;    /**< of the disparity map */
-  int32_t DepthHeight;   /**< of the same */
-  int32_t WorkWidth;     /**< of the weight map and the passes that make it */
-  int32_t WorkHeight;    /**< of the same */
-  int32_t OutputWidth;   /**< of the output; the preview's with `offmode` */
-  int32_t OutputHeight;  /**< of the same */
+  int32_t PreviewWidth;  /**< width of each frame's image */
+  int32_t PreviewHeight; /**< height of it */
+  int32_t DepthWidth;    /**< width of the disparity map */
+  int32_t DepthHeight;   /**< height of it */
+  int32_t WorkWidth;     /**< width of the weight map and its passes */
+  int32_t WorkHeight;    /**< height of them */
+  int32_t OutputWidth;   /**< width of the output; the preview's off screen */
+  int32_t OutputHeight;  /**< height of it */
   int32_t PortraitMode;  /**< non-zero turns the output by a quarter */
   /** Non-zero: off screen. The library makes a context when the thread has
    * none, and writes each result back into the caller's planes. 0: the caller's
@@ -150,12 +150,12 @@ typedef struct FocusRect {
  * `iHeight` are all non-zero. */
 typedef struct DebugPicture {
   const uint8_t* pData; /**< RGBA, rows of iWidth x 4 bytes, first row first */
-  int32_t iWidth;       /**< of the picture, in pixels */
-  int32_t iHeight;      /**< of the same */
+  int32_t iWidth;       /**< width of the picture, in pixels */
+  int32_t iHeight;      /**< height of it */
   int32_t iX;           /**< left of its region, in output pixels */
   int32_t iY;           /**< bottom of it, from the bottom of the output */
-  int32_t iDrawWidth;   /**< of its region; the picture is stretched to it */
-  int32_t iDrawHeight;  /**< of the same */
+  int32_t iDrawWidth;   /**< width that the picture is stretched to */
+  int32_t iDrawHeight;  /**< height of the same */
 } DebugPicture;
 
 /** Sets the arrangement of the camera module for the next initialisation.
