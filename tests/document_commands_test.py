@@ -113,10 +113,11 @@ def main():
                 text = re.sub(pattern, shorter, text)
             folder = shutil.copytree(samples, pathlib.Path(name) / place.replace(
                 "/", "_"))
-            for dump, width, height in re.findall(r"(\S*GLOutput_(\d+)x(\d+)\S+)",
-                                                  text):
-                (folder / dump).parent.mkdir(exist_ok=True)
-                (folder / dump).write_bytes(bytes(int(width) * int(height) * 4))
+            for pattern in re.findall(r"\S*GLOutput_\S+", text):
+                dump = folder / pattern.replace("*", "64x48_v1", 1).replace("*", "9_9")
+                width, height = re.search(r"_(\d+)x(\d+)", dump.name).groups()
+                dump.parent.mkdir(exist_ok=True)
+                dump.write_bytes(bytes(int(width) * int(height) * 4))
             done = subprocess.run(["bash", "-euo", "pipefail", "-c", text], cwd=folder,
                                   env=environment, stdout=subprocess.PIPE,
                                   stderr=subprocess.STDOUT)
