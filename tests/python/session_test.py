@@ -1,0 +1,266 @@
+"""A session from its start to its end, and what it refuses."""
+
+import gc
+import logging
+import os
+import re
+import subprocess
+import sys
+import threading
+from pathlib import Path
+
+import numpy as np
+import pytest
+import zuqel
+from conftest import DEPTH, HEIGHT, WIDTH, WORK
+from zuqel import _library
+
+ROOT = Path(__file__).parents[2]
+GREY = np.full((HEIGHT, WIDTH, 3), 128, np.uint8)
+FLAT = np.full(DEPTH[::-1], 500, np.uint16)
+WEIGHTS = np.full(WORK[::-1], 100, np.uint8)
+
+
+def open_session(**options):
+    return zuqel.Session((WIDTH, HEIGHT), DEPTH, **options)
+
+
+def in_own_process(code, **settings):
+    """Runs it; what it writes is returned."""
+    head = ("import sys, numpy as np, zuqel\n"
+            "grey = np.full((64, 64, 3), 128, np.uint8)\n"
+            "flat = np.full((48, 64), 500, np.uint16)\n")
+    done = subprocess.run([sys.executable, "-c", head + code], text=True,
+                          env=os.environ | settings, stdout=subprocess.PIPE,
+                          stderr=subprocess.STDOUT, timeout=60)
+    assert done.returncode == 0, done.stdout
+    return done.stdout
+
+
+def test_tables_are_those_of_the_headers():
+    header = (ROOT / "include/zuQelRT_GL.h").read_text()
+    codes = dict(re.findall(r"#define (ZUQEL_\w+) (0x[0-9A-F]{4})u", header))
+    assert {code.name: code for code in zuqel.Status} == {
+        name: int(value, 16) for name, value in codes.items()}
+    text = (ROOT / "include/zuQelRT_generators.h").read_text()
+    text = re.sub(r"\\\n", "", text).split("(ROW)", 1)[1]
+    rows = re.findall(r'ROW\(\w+, "([^"]+)",\s*(\w+),\s*\w+,\s*(\w+),\s*(\w+),'
+                      r'\s*"([^"]+)"\)', text)
+    assert len(rows) == text.count("ROW(") > 0
+    assert [tuple(row) for row in zuqel.GENERATORS.values()] == [
+        (name, call, takes.lower(), size.lower(), summary)
+        for name, call, takes, size, summary in rows]
+
+
+# What is wrong with otherwise good arguments of frame(), and what is said.
+GOOD = {"rgb": GREY, "disparity": FLAT, "focus": (5, 5)}
+BAD_FRAMES = [
+    ({"rgb": GREY[:-1]}, ValueError,
+     "rgb: is 120x161x3; wanted is a NumPy array, uint8, 121x161x3"),
+    ({"rgb": GREY.astype(float)}, TypeError, "rgb: is float64; wanted is"),
+    ({"rgb": GREY.tolist()}, TypeError, "rgb: is list; wanted is"),
+    ({"rgb": None}, TypeError, "give one of luma_vu and rgb"),
+    ({"rgb": None, "luma_vu": (GREY, GREY)}, ValueError, "NV21 has even sizes"),
+    ({"disparity": FLAT.T}, ValueError,
+     "disparity: is 64x48; wanted is a NumPy array, uint16, 48x64"),
+    ({"disparity": FLAT.astype(">u2")}, TypeError, "disparity: is >u2;"),
+    ({"disparity": FLAT * 3}, ValueError, "disparity: has values up to 1500; "
+     "wanted are disparities of at most 1023"),
+    ({"disparity": None}, TypeError, "give one of disparity and weights"),
+    ({"weights": GREY}, TypeError, "give one of disparity and weights"),
+    ({"disparity": None, "weights": GREY[..., 0]}, ValueError,
+     "weights: is 121x161; wanted is a NumPy array, uint8, 240x320"),
+    ({"focus": (161, 0)}, ValueError,
+     "focus: (161, 0) is outside of the frame, 161x121"),
+    ({"focus": (0, -1)}, ValueError, "focus: (0, -1) is outside of"),
+    ({"focus": (1.5, 2)}, TypeError, "focus: is (1.5, 2); wanted are whole"),
+    ({"focus": 7}, TypeError, "focus: is 7; wanted are whole numbers, (x, y)"),
+    ({"f_number": float("nan")}, ValueError, "f_number: is nan; wanted is"),
+    ({"f_number": "f/2"}, TypeError, "f_number: is 'f/2'; wanted is a number"),
+    ({"rect": (0, 0, 1)}, TypeError, "rect: is (0, 0, 1); wanted are whole"),
+    ({"rect": (0, 0, 1, 1 << 31)}, ValueError, "rect: is (0, 0, 1, 2147483648)"),
+]
+
+
+def test_refuses_before_it_calls():
+    with open_session() as session:
+        for wrong, error, text in BAD_FRAMES:
+            with pytest.raises(error, match=re.escape(text)):
+                session.frame(**GOOD | wrong)
+        for error, text, call in (
+            (ValueError, "'gnu' is not one of gpu, disparity-base, dis",
+             lambda: session.refocus_map(FLAT, (1, 1), "gnu")),
+            (ValueError, "focus: (64, 0) is outside of the map, 64x48",
+             lambda: session.refocus_map(FLAT, (64, 0))),
+            (ValueError, "depth: has values up to 1500",
+             lambda: session.refocus_map(FLAT * 3, (1, 1))),
+            (TypeError, "depth: is int64",
+             lambda: session.refocus_map(FLAT.astype(int), (1, 1), "distance")),
+            (ValueError, "disparity: has values up to 1500",
+             lambda: session.cpu_frame(rgb=GREY, disparity=FLAT * 3,
+                                       focus=(1, 1))),
+            (ValueError, "the session is off screen; take frame()",
+             lambda: session.draw(**GOOD)),
+            (zuqel.SessionRunning, "one per process", open_session),
+            (ValueError, "rgb: is 3x2; NV21 has even sizes",
+             lambda: zuqel.to_nv21(GREY[:2, :3])),
+            (ValueError, "luma: is 161x121; NV21 has even sizes",
+             lambda: zuqel.to_rgb(GREY[..., 0], GREY[:60, :80, :2]))):
+            with pytest.raises(error, match=re.escape(text)):
+                call()
+        session.frame(**GOOD)  # goes on
+    with open_session(work_size=(64, 48)) as session:
+        with pytest.raises(ValueError, match="work_size of 320x240, not 64x48"):
+            session.frame(**GOOD)
+    with zuqel.Session((64, 64)) as session:
+        with pytest.raises(ValueError, match="opened without a depth_size"):
+            session.refocus_map(FLAT, (1, 1))
+
+
+@pytest.mark.parametrize("options, error, text", [
+    ({"frame_size": (0, 4)}, ValueError, "frame_size: is 0x4; wanted is 1x1 "),
+    ({"depth_size": (4, 8193)}, ValueError, "depth_size: is 4x8193; wanted"),
+    ({"work_size": (4.0, 4)}, TypeError, "work_size: is (4.0, 4); wanted are"),
+    ({"calibration": [1]}, TypeError, "calibration: is list; wanted is bytes"),
+    ({"calibration": bytes(5)}, zuqel.StatusError,
+     "zuQelRT_GLInitV1 returned ZUQEL_CALIB_BAD_LENGTH (0x6002)"),
+    ({"key_block": bytes(32)}, zuqel.StatusError, "ZUQEL_CALIB_"),
+])
+def test_refused_sessions_leave_room_for_another(options, error, text):
+    with pytest.raises(error, match=re.escape(text)):
+        zuqel.Session(**{"frame_size": (64, 64)} | options)
+    open_session().close()
+
+
+def test_always_ends():
+    with pytest.raises(KeyError), open_session() as session:
+        raise KeyError
+    with pytest.raises(zuqel.SessionClosed):
+        session.frame(**GOOD)
+    with pytest.raises(zuqel.SessionClosed), session:
+        pass
+    session.close()
+    session = open_session()
+    del session  # collected
+    gc.collect()
+    with open_session() as session:
+        pass
+    # One that is open at exit, and one that was forked.
+    assert in_own_process(
+        "import os\n"
+        "session = zuqel.Session((64, 64), (64, 48))\n"
+        "session.refocus_map(flat, (1, 1))\n"
+        "if os.fork() == 0:\n"
+        "    try: session.frame(rgb=grey, disparity=flat, focus=(1, 1))\n"
+        "    except zuqel.SessionClosed as error: print(error, flush=True)\n"
+        "    sys.exit()\n"
+        "assert os.wait()[1] == 0\n") == "the session is another process's\n"
+
+
+def test_threads_take_turns():
+    with open_session() as session:
+        expected = [session.frame(**GOOD | {"focus": (x, 9)}) for x in range(4)]
+        results = [None] * 4
+
+        def work(i):
+            results[i] = session.frame(**GOOD | {"focus": (i, 9)})
+        threads = [threading.Thread(target=work, args=(i,)) for i in range(4)]
+        for thread in threads:
+            thread.start()
+        for thread in threads:
+            thread.join()
+    np.testing.assert_array_equal(results, expected)
+
+
+def test_log_goes_to_logging(caplog, capfd):
+    with caplog.at_level(logging.DEBUG, "zuqel"), open_session() as session:
+        session.cpu_frame(rgb=GREY, disparity=FLAT, focus=(80, 60))
+        tilted = FLAT + np.arange(64, dtype=np.uint16)
+        session.cpu_frame(rgb=GREY, disparity=tilted, focus=(5, 60))
+    rows = [(r.name, r.levelno, r.getMessage()) for r in caplog.records]
+    for line in "eglInitialize successfully", "Focus at BG!", "zuQelRT_GLClose -":
+        assert ("zuqel", logging.DEBUG, line) in rows
+    assert ["cpu_frame: the background is in focus" in text for _, level, text
+            in rows if level >= logging.WARNING] == [True]
+    assert capfd.readouterr() == ("", "")
+
+
+def test_memory_stays_flat():
+    if "asan" in os.environ.get("LD_PRELOAD", ""):
+        pytest.skip("freed memory is kept back")
+    turns = 20 if os.environ.get("ZUQEL_GL_DRIVER") == "softpipe" else 200
+
+    def resident():
+        pages = Path("/proc/self/statm").read_text().split()[1]
+        return int(pages) * os.sysconf("SC_PAGE_SIZE")
+
+    with open_session() as session:
+        def render(count):
+            for i in range(count // 4):
+                session.frame(**GOOD)
+                session.frame(**GOOD | {"disparity": None, "weights": WEIGHTS})
+                session.cpu_frame(**GOOD)
+                session.refocus_map(FLAT, (i % 64, 7))
+        render(40)
+        before = resident()
+        render(turns)
+        assert resident() - before < 1 << 20
+
+
+def test_without_opengl_only_the_cpu_renders():
+    assert in_own_process(
+        "with zuqel.Session((64, 64), (64, 48)) as session:\n"
+        "    for call in (lambda: session.frame(rgb=grey, disparity=flat,\n"
+        "                                       focus=(1, 1)),\n"
+        "                 lambda: session.refocus_map(flat, (1, 1), 'gpu')):\n"
+        "        try: call()\n"
+        "        except zuqel.NoOpenGL as error: print(error)\n"
+        "    session.refocus_map(flat, (1, 1), 'disparity-base-cpu')\n"
+        "    print(session.cpu_frame(rgb=grey, disparity=flat, focus=(1, 1))"
+        ".shape)\n",
+        __EGL_VENDOR_LIBRARY_FILENAMES="/none", LD_LIBRARY_PATH=""
+    ).count("no OpenGL ES 2.0 to render with: egl") == 2
+
+
+def test_library_and_program_are_found(tmp_path, monkeypatch):
+    # As they are installed, moved, and with nothing said about them.
+    build = Path(os.environ["ZUQEL_LIBRARY"]).parents[1]
+    subprocess.run(["cmake", "--install", build, "--component", "python",
+                    "--prefix", tmp_path / "usr"], check=True,
+                   stdout=subprocess.DEVNULL)
+    libraries = tmp_path / f"usr/lib/{os.uname().machine}-linux-gnu"
+    libraries.mkdir()
+    for file in (build / "lib").glob("lib*.so"):
+        (libraries / file.name).write_bytes(file.read_bytes())
+    (tmp_path / "usr/bin").mkdir()
+    (tmp_path / "usr/bin/zuqel").symlink_to(os.environ["ZUQEL_PROGRAM"])
+    moved = (tmp_path / "usr").rename(tmp_path / "a prefix")
+    package = next(moved.rglob("zuqel/py.typed")).parent
+    assert sorted(file.name for file in package.iterdir()) == sorted(
+        file.name for file in (ROOT / "python/zuqel").iterdir()
+        if file.name != "__pycache__")
+    printed = in_own_process(
+        "print(zuqel.__version__, zuqel.find_program(), flush=True)\n"
+        "print(next(l for l in open('/proc/self/maps') if 'RT_GL.so' in l))",
+        PYTHONPATH=str(package.parent), ZUQEL_LIBRARY="", ZUQEL_PROGRAM="")
+    version, *_ = printed.split()
+    assert re.search(rf"VERSION {re.escape(version)}\b",
+                     (ROOT / "CMakeLists.txt").read_text())
+    assert f"{moved}/bin/zuqel" in printed and f"{moved}/lib/" in printed
+
+    other = build / "lib/libzuqel_linux_device.so"
+    for path, text in (("/none/lib.so", "/none/lib.so cannot be loaded: "),
+                       (str(other), "is not the library, or is another")):
+        monkeypatch.setenv("ZUQEL_LIBRARY", path)
+        with pytest.raises(zuqel.LibraryNotFound, match=text):
+            _library.load()
+    monkeypatch.setenv("ZUQEL_PROGRAM", "/none/zuqel")
+    with pytest.raises(zuqel.ProgramNotFound, match="ZUQEL_PROGRAM is /none/z"):
+        zuqel.find_program()
+    monkeypatch.delenv("ZUQEL_PROGRAM")
+    monkeypatch.setenv("ZUQEL_LIBRARY", str(build / "lib/any.so"))
+    assert zuqel.find_program() == os.path.abspath(f"{build}/bin/zuqel")
+    monkeypatch.setenv("ZUQEL_LIBRARY", "/none/lib.so")
+    monkeypatch.setenv("PATH", "/none")
+    with pytest.raises(zuqel.ProgramNotFound, match="neither beside .* nor in"):
+        zuqel.find_program()
