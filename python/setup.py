@@ -5,6 +5,6 @@ from pathlib import Path
 
 from setuptools import setup
 
-project = Path(__file__).parent.parent / "CMakeLists.txt"
+project = Path(__file__).resolve().parents[1] / "CMakeLists.txt"
 setup(version=re.search(r"\nproject\(\S+ VERSION ([0-9.]+)",
                         project.read_text())[1])

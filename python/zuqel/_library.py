@@ -61,7 +61,7 @@ class Library:
         self._calls = {name: handle[name] for name in _CALLS}
         for name, function in self._calls.items():
             function.argtypes, function.restype = _CALLS[name], _UINT
-        _log.take_from(handle)
+        self.log = _log.Tap(handle)
 
     def call(self, name: str, *arguments: Any) -> None:
         """Raises StatusError unless the call succeeds. Without the GIL, as
@@ -99,9 +99,9 @@ def _load(path: str) -> Library:
         return Library(path)
     except OSError as error:
         raise LibraryNotFound(
-            f"{path} cannot be loaded: {error}. The library is the one that "
-            "ZUQEL_LIBRARY names, or else the one installed with this "
-            f"package, or else the loader's {NAME}") from error
+            f"the library cannot be loaded: {error}; it is the one that "
+            "ZUQEL_LIBRARY names, or the one installed with this package, or "
+            "the loader's") from error
     except AttributeError as error:
         raise LibraryNotFound(
             f"{path} is not the library, or is another version of it: "

@@ -2,6 +2,7 @@
 
 import threading
 from collections.abc import Callable
+from contextlib import nullcontext
 
 from . import _log
 from ._library import InitInfo, Library
@@ -44,7 +45,7 @@ class Lifetime:
             self._has_begun = True
 
         try:
-            lines = self.run(begin)
+            lines = self.run(begin, needs_log=True)
         except BaseException:
             self.end()
             raise
@@ -60,14 +61,17 @@ class Lifetime:
         if self._failure is not None:
             raise NoOpenGL("no OpenGL ES 2.0 to render with: " + self._failure)
 
-    def run(self, function: Callable[[Library], None]) -> _log.Lines:
-        """Runs it on the session's thread, and hands over what it logs."""
+    def run(self, function: Callable[[Library], None], prints: bool = False,
+            needs_log: bool = False) -> _log.Lines:
+        """Runs it on the session's thread, and hands over what it logs, and
+        what it prints if it does. Returns the same."""
         lines: _log.Lines = []
 
         def run() -> None:
             _log.taken_lines()  # of nobody's call
+            self._library.log.turn(needs_log or _log.is_read())
             try:
-                with _log.printed_lines():
+                with _log.printed_lines() if prints else nullcontext():
                     function(self._library)
             finally:
                 lines.extend(_log.taken_lines())

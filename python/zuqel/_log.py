@@ -1,7 +1,7 @@
 """The library's log and what it prints, handed to `logging`.
 
 The library's lines are collected while a call runs, and handed over when it has
-ended: then handlers may take their time, and use the library themselves.
+ended: then handlers may take their time, and use the session themselves.
 """
 
 import atexit
@@ -16,7 +16,7 @@ logger = logging.getLogger("zuqel")
 
 # All that the library itself logs, at the priority of errors.
 _TRACE_TAG = b"System.out"
-_SILENT = 8
+_ALL, _NONE = 1, 8  # the least priority that comes through
 _LEVELS = {5: logging.WARNING, 6: logging.ERROR, 7: logging.CRITICAL}
 
 Lines = list[tuple[int, str]]  # levels and texts
@@ -49,18 +49,33 @@ def _add_message(message: "ctypes._Pointer[_Message]") -> None:
 _sink = ctypes.CFUNCTYPE(None, ctypes.POINTER(_Message))(_add_message)
 
 
-def take_from(library: ctypes.CDLL) -> None:
-    """Takes the log of the library until the interpreter ends."""
-    set_logger = library["__android_log_set_logger"]
-    set_logger.argtypes, set_logger.restype = (ctypes.c_void_p,), None
-    set_logger(ctypes.cast(_sink, ctypes.c_void_p))
-    # What is logged later still must not reach an interpreter that is gone.
-    atexit.register(library["__android_log_set_minimum_priority"], _SILENT)
+class Tap:
+    """Takes the log of the library, until the interpreter ends."""
+
+    def __init__(self, library: ctypes.CDLL) -> None:
+        self._set_least_priority = library["__android_log_set_minimum_priority"]
+        self._is_open = True
+        set_logger = library["__android_log_set_logger"]
+        set_logger.argtypes, set_logger.restype = (ctypes.c_void_p,), None
+        set_logger(ctypes.cast(_sink, ctypes.c_void_p))
+        # What is logged later must not reach an interpreter that is gone.
+        atexit.register(self.turn, False)
+
+    def turn(self, is_open: bool) -> None:
+        """Each line that comes through waits for the GIL, so none does where
+        nobody reads it."""
+        if is_open != self._is_open:
+            self._set_least_priority(_ALL if is_open else _NONE)
+            self._is_open = is_open
 
 
 def taken_lines() -> Lines:
     """The lines since the last time."""
     return [_lines.popleft() for _ in range(len(_lines))]
+
+
+def is_read() -> bool:
+    return logger.isEnabledFor(logging.DEBUG)
 
 
 def hand_over(lines: Lines) -> None:
@@ -86,7 +101,8 @@ class _Printed:
     def take(self) -> bytes:
         self._flush(self.stream)
         text = os.pread(self._file, 1 << 20, 0)
-        os.ftruncate(self._file, 0)
+        if text:
+            os.ftruncate(self._file, 0)
         return text
 
 

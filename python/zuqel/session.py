@@ -196,7 +196,7 @@ class Session:
             library.call(call, weights.ctypes.data, copy.ctypes.data, x, y,
                          *found)
 
-        lifetime.run(make)
+        lifetime.run(make, prints=True)
         return weights
 
     @overload
@@ -231,7 +231,8 @@ class Session:
         x, y = _checks.taken_point("focus", focus, self.frame_size, "frame")
         lines = lifetime.run(lambda library: library.call(
             "zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU",
-            luma.ctypes.data, vu.ctypes.data, map_copy.ctypes.data, x, y))
+            luma.ctypes.data, vu.ctypes.data, map_copy.ctypes.data, x, y),
+            prints=True)
         if "Focus at BG!" in (text for _, text in lines):
             _log.logger.warning("cpu_frame: the background is in focus and is "
                                 "blurred anyway; frame() keeps it sharp")

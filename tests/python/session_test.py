@@ -1,5 +1,6 @@
 """A session from its start to its end, and what it refuses."""
 
+import ctypes
 import gc
 import logging
 import os
@@ -145,7 +146,17 @@ def test_always_ends():
     gc.collect()
     with open_session() as session:
         pass
-    # One that is open at exit, and one that was forked.
+    # Interrupted, open at exit, and forked.
+    assert in_own_process(
+        "import os, signal, threading\n"
+        "signal.signal(signal.SIGINT, signal.default_int_handler)\n"
+        "kill = os.getpid(), signal.SIGINT\n"
+        "threading.Timer(0.2, os.kill, kill).start()\n"
+        "try:\n"
+        "    with zuqel.Session((64, 64), (64, 48)) as session:\n"
+        "        while True:\n"
+        "            session.frame(rgb=grey, disparity=flat, focus=(1, 1))\n"
+        "except KeyboardInterrupt: zuqel.Session((64, 64)).close()\n") == ""
     assert in_own_process(
         "import os\n"
         "session = zuqel.Session((64, 64), (64, 48))\n"
@@ -183,6 +194,65 @@ def test_log_goes_to_logging(caplog, capfd):
     assert ["cpu_frame: the background is in focus" in text for _, level, text
             in rows if level >= logging.WARNING] == [True]
     assert capfd.readouterr() == ("", "")
+
+
+@pytest.fixture
+def framebuffer():
+    """A context of the caller's, current; a function reads its pixels."""
+    size = 1280, 960
+    egl, gl = ctypes.CDLL("libEGL.so.1"), ctypes.CDLL("libGLESv2.so.2")
+    names = ("eglGetPlatformDisplay", "eglCreatePbufferSurface",
+             "eglCreateContext", "eglInitialize", "eglChooseConfig",
+             "eglMakeCurrent")
+    get, surface_of, context_of, start, choose, make_current = (
+        ctypes.CFUNCTYPE(ctypes.c_void_p, *[ctypes.c_void_p] * count)(
+            (name, egl)) for name, count in zip(names, (3, 3, 4, 3, 5, 4)))
+
+    def attributes(*values):
+        return (ctypes.c_int32 * (len(values) + 1))(*values, 0x3038)  # EGL_NONE
+    surfaceless, pbuffer, es2 = 0x31DD, (0x3033, 1), (0x3040, 4)
+    display, config, count = get(surfaceless, None, None), ctypes.c_void_p(), \
+        ctypes.c_int32()
+    assert start(display, None, None)
+    assert choose(display, attributes(*pbuffer, *es2, 0x3021, 8),
+                  ctypes.addressof(config), 1, ctypes.addressof(count))
+    surface = surface_of(display, config,
+                         attributes(0x3057, size[0], 0x3056, size[1]))
+    context = context_of(display, config, None, attributes(0x3098, 2))
+    assert make_current(display, surface, surface, context)
+
+    def read():
+        pixels = np.empty((size[1], size[0], 4), np.uint8)
+        gl.glReadPixels(0, 0, *size, 0x1908, 0x1401,
+                        ctypes.c_void_p(pixels.ctypes.data))
+        return pixels[::-1, :, :3]
+    yield read
+    make_current(display, None, None, None)
+
+
+def test_on_screen(framebuffer):
+    rows, columns = np.indices((960, 1280))
+    picture = np.stack([rows // 4, columns // 6, 255 - columns // 6], -1)
+    good = GOOD | {"rgb": picture.astype(np.uint8)}
+    with zuqel.Session((1280, 960), DEPTH, off_screen=False) as session:
+        session.draw(**good)
+        drawn = framebuffer()
+        with pytest.raises(ValueError, match="on screen; take draw()"):
+            session.frame(**good)
+        errors = []
+
+        def elsewhere():
+            for call in session.close, lambda: session.draw(**good):
+                try:
+                    call()
+                except zuqel.WrongThread as error:
+                    errors.append(error)
+        thread = threading.Thread(target=elsewhere)
+        thread.start()
+        thread.join()
+        assert len(errors) == 2
+    # Slightly enlarged, and upright.
+    assert abs(drawn.astype(int) - picture).mean() < 3
 
 
 def test_memory_stays_flat():
@@ -249,7 +319,7 @@ def test_library_and_program_are_found(tmp_path, monkeypatch):
     assert f"{moved}/bin/zuqel" in printed and f"{moved}/lib/" in printed
 
     other = build / "lib/libzuqel_linux_device.so"
-    for path, text in (("/none/lib.so", "/none/lib.so cannot be loaded: "),
+    for path, text in (("/none/lib.so", "cannot be loaded: /none/lib.so: "),
                        (str(other), "is not the library, or is another")):
         monkeypatch.setenv("ZUQEL_LIBRARY", path)
         with pytest.raises(zuqel.LibraryNotFound, match=text):
