@@ -9,10 +9,20 @@ from types import SimpleNamespace
 
 import numpy as np
 import pytest
+import zuqel
 from PIL import Image
 
 WIDTH, HEIGHT = 161, 121  # odd: the program pads, and cuts the result
 DEPTH, WORK = (64, 48), (320, 240)
+
+# Good arguments of frame().
+GREY = np.full((HEIGHT, WIDTH, 3), 128, np.uint8)
+FLAT = np.full(DEPTH[::-1], 500, np.uint16)
+GOOD = {"rgb": GREY, "disparity": FLAT, "focus": (5, 5)}
+
+
+def open_session(**options):
+    return zuqel.Session((WIDTH, HEIGHT), DEPTH, **options)
 
 
 def png(array):
