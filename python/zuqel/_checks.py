@@ -89,8 +89,10 @@ def taken_array(name: str, array: NDArray[Any], dtype: type[Any],
 def copied_array(name: str, array: NDArray[Any], dtype: type[Any],
                  shape: tuple[int, ...]) -> NDArray[Any]:
     """A contiguous copy, for the library to read and write."""
-    return np.array(taken_array(name, array, dtype, shape), dtype, copy=True,
+    copy = np.array(taken_array(name, array, dtype, shape), dtype, copy=True,
                     order="C", subok=False)
+    # Another thread may have given the array another shape meanwhile.
+    return taken_array(name, copy, dtype, shape)
 
 
 def copied_disparity(name: str, array: NDArray[np.uint16],

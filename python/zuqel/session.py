@@ -29,7 +29,8 @@ class Session:
     """A session of the library, of which a process has one at a time.
 
         with Session((1280, 960), depth_size=(320, 240)) as session:
-            result = session.frame(rgb=rgb, disparity=disparity, focus=(640, 480))
+            result = session.frame(rgb=rgb, disparity=disparity,
+                                   focus=(640, 480))
 
     It is open from here on; `with`, or close(), ends it, and what is open when
     it is collected or the interpreter ends is closed then.
@@ -66,11 +67,12 @@ class Session:
                  work_size: Size = WORK_SIZE, calibration: bytes | None = None,
                  key_block: bytes | None = None, off_screen: bool = True,
                  output_size: Size | None = None) -> None:
-        self.frame_size = _checks.taken_size("frame_size", frame_size)
-        self.depth_size = (None if depth_size is None else
-                           _checks.taken_size("depth_size", depth_size))
-        self.work_size = _checks.taken_size("work_size", work_size)
-        self.off_screen = bool(off_screen)
+        # Read-only: the library reads and writes as much as they say.
+        self._frame_size = _checks.taken_size("frame_size", frame_size)
+        self._depth_size = (None if depth_size is None else
+                            _checks.taken_size("depth_size", depth_size))
+        self._work_size = _checks.taken_size("work_size", work_size)
+        self._off_screen = bool(off_screen)
         output = _checks.taken_size(
             "output_size", frame_size if output_size is None else output_size)
         _checks.taken_bytes("calibration", calibration)
@@ -79,14 +81,27 @@ class Session:
             calibration = _NO_CALIBRATION
 
         # The library draws even sizes only.
-        width, height = (side + side % 2 for side in self.frame_size)
-        self._padding = width - self.frame_size[0], height - self.frame_size[1]
-        depth = self.depth_size or (0, 0)
+        width, height = (side + side % 2 for side in self._frame_size)
+        self._padding = (width - self._frame_size[0],
+                         height - self._frame_size[1])
+        depth = self._depth_size or (0, 0)
         info = _library.InitInfo(
-            width, height, *depth, *self.work_size, *output, 0,
-            int(self.off_screen), _library.SRCFORMAT_NV21, 0)
+            width, height, *depth, *self._work_size, *output, 0,
+            int(self._off_screen), _library.SRCFORMAT_NV21, 0)
         self._lifetime = Lifetime(_library.load(), info, calibration, key_block)
         self._end = weakref.finalize(self, self._lifetime.end)
+
+    @property
+    def frame_size(self) -> Size:
+        return self._frame_size
+
+    @property
+    def depth_size(self) -> Size | None:
+        return self._depth_size
+
+    @property
+    def work_size(self) -> Size:
+        return self._work_size
 
     def close(self) -> None:
         """Ends the session; harmless when it has ended."""
@@ -140,7 +155,7 @@ class Session:
         Raises TypeError, ValueError, StatusError, and NoOpenGL where there is
         none; ValueError too if the session is on screen.
         """
-        if not self.off_screen:
+        if not self._off_screen:
             raise ValueError("frame: the session is on screen; take draw()")
         planes = self._render(luma_vu, rgb, disparity, weights, focus, f_number,
                               rect)
@@ -153,7 +168,7 @@ class Session:
         """Renders a frame into the default framebuffer of the current context,
         with a viewport of 1280x960, whatever the sizes. Arguments and errors
         are frame()'s; the session has to be on screen."""
-        if self.off_screen:
+        if self._off_screen:
             raise ValueError("draw: the session is off screen; take frame()")
         self._render(luma_vu, rgb, disparity, weights, focus, f_number, rect)
 
@@ -176,7 +191,7 @@ class Session:
             raise ValueError(f"generator: {generator!r} is not one of "
                              f"{', '.join(GENERATORS)}")
         lifetime = self._check_open()
-        size = self._depth_size("depth")
+        size = self._map_size("depth")
         if row.takes == "disparity":
             copy = _checks.copied_disparity("depth", depth, size)
         else:
@@ -185,7 +200,7 @@ class Session:
         on_gpu = row.map_size == "work"
         if on_gpu:
             lifetime.require_gl()
-        width, height = self.work_size if on_gpu else size
+        width, height = self._work_size if on_gpu else size
         weights = np.zeros((height, width), np.uint8)
         call = row.call
         # Minimum, maximum and focus, which are not asked for.
@@ -226,9 +241,9 @@ class Session:
         """
         lifetime = self._check_open()
         luma, vu = self._planes(luma_vu, rgb)
-        size = self._depth_size("disparity")
+        size = self._map_size("disparity")
         map_copy = _checks.copied_disparity("disparity", disparity, size)
-        x, y = _checks.taken_point("focus", focus, self.frame_size, "frame")
+        x, y = _checks.taken_point("focus", focus, self._frame_size, "frame")
         lines = lifetime.run(lambda library: library.call(
             "zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU",
             luma.ctypes.data, vu.ctypes.data, map_copy.ctypes.data, x, y),
@@ -244,23 +259,27 @@ class Session:
         self._lifetime.check()
         return self._lifetime
 
-    def _depth_size(self, name: str) -> Size:
-        if self.depth_size is None:
+    def _map_size(self, name: str) -> Size:
+        if self._depth_size is None:
             raise ValueError(f"{name}: the session was opened without a "
                              "depth_size")
-        return self.depth_size
+        return self._depth_size
 
     def _planes(self, luma_vu: Planes | None, rgb: Bytes | None) -> Planes:
         """Copies, of an even size."""
         if (luma_vu is None) == (rgb is None):
             raise TypeError("give one of luma_vu and rgb")
-        width, height = self.frame_size
+        width, height = self._frame_size
         if rgb is not None:
             _checks.taken_array("rgb", rgb, np.uint8, (height, width, 3))
-            if any(self._padding):
-                right, below = self._padding
+            right, below = self._padding
+            if right or below:
                 rgb = np.pad(rgb, ((0, below), (0, right), (0, 0)), "edge")
-            return to_nv21(rgb)
+            luma, vu = to_nv21(rgb)
+            # Another thread may have given rgb another shape meanwhile.
+            _checks.taken_array("rgb", luma, np.uint8,
+                                (height + below, width + right))
+            return luma, vu
         if any(self._padding):
             raise ValueError(f"luma_vu: frames are {width}x{height}; NV21 has "
                              "even sizes, so give rgb")
@@ -275,7 +294,7 @@ class Session:
         """In the form that the frame had."""
         if rgb is None:
             return planes
-        width, height = self.frame_size
+        width, height = self._frame_size
         return np.ascontiguousarray(to_rgb(*planes)[:height, :width])
 
     def _render(self, luma_vu: Planes | None, rgb: Bytes | None,
@@ -289,16 +308,16 @@ class Session:
         if disparity is not None:
             call = "zuQelRT_GLStartV1HWDepth"
             made_from = _checks.copied_disparity(
-                "disparity", disparity, self._depth_size("disparity"))
-            if self.work_size != WORK_SIZE:
+                "disparity", disparity, self._map_size("disparity"))
+            if self._work_size != WORK_SIZE:
                 raise ValueError("disparity: needs a session with a work_size "
-                                 "of 320x240, not {}x{}".format(*self.work_size))
+                                 "of 320x240, not %dx%d" % self._work_size)
         else:
             call = "zuQelRT_GLStartV1"
             assert weights is not None
             made_from = _checks.copied_array("weights", weights, np.uint8,
-                                             self.work_size[::-1])
-        x, y = _checks.taken_point("focus", focus, self.frame_size, "frame")
+                                             self._work_size[::-1])
+        x, y = _checks.taken_point("focus", focus, self._frame_size, "frame")
         corners = _checks.taken_rect("rect", _NO_RECT if rect is None else rect)
         number = _checks.taken_number("f_number", f_number)
         lifetime.require_gl()

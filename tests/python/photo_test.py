@@ -25,8 +25,8 @@ def test_read_photo(scene, zuqel_made):
             photo.is_before_blur) == ("GDepth, RangeInverse", False, "1/m", 1,
                                       True)
     # 0 is the nearest, at 0.5 m.
-    assert photo.range == pytest.approx((2 - 1.75 * scene.photo_depth.max() / 255,
-                                         2), rel=1e-4)
+    farthest = 2 - 1.75 * scene.photo_depth.max() / 255
+    assert photo.range == pytest.approx((farthest, 2), rel=1e-4)
     for name, text in (("even.png", "even.png: has no depth inside"),
                        ("none.jpg", "none.jpg: ")):
         with pytest.raises(zuqel.PhotoError, match=text):
@@ -39,8 +39,8 @@ def run_script(code, folder, **settings):
 
 
 def test_readme_shows_a_first_frame(scene, zuqel_made, tmp_path):
-    block, = re.findall(r"```python\n(.*?)```", (ROOT / "README.md").read_text(),
-                        re.S)
+    readme = (ROOT / "README.md").read_text()
+    block, = re.findall(r"```python\n(.*?)```", readme, re.S)
     os.link(scene.folder / "photo.jpg", tmp_path / "photo.jpg")
     run_script(block, tmp_path)
     focus = ",".join(re.search(r"focus=\((\d+), (\d+)\)", block).groups())

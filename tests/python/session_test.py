@@ -88,7 +88,8 @@ def test_log_goes_to_logging(caplog, capfd):
         tilted = FLAT + np.arange(64, dtype=np.uint16)
         session.cpu_frame(rgb=GREY, disparity=tilted, focus=(5, 60))
     rows = [(r.name, r.levelno, r.getMessage()) for r in caplog.records]
-    for line in "eglInitialize successfully", "Focus at BG!", "zuQelRT_GLClose -":
+    for line in ("eglInitialize successfully", "Focus at BG!",
+                 "zuQelRT_GLClose -"):
         assert ("zuqel", logging.DEBUG, line) in rows
     assert ["cpu_frame: the background is in focus" in text for _, level, text
             in rows if level >= logging.WARNING] == [True]
