@@ -10,6 +10,8 @@ The library is the one that the environment's ZUQEL_LIBRARY names, or else the
 one in the prefix that this package is installed in, or else the loader's.
 """
 
+from typing import TYPE_CHECKING
+
 from ._library import find_program, load
 from .errors import (Error, LibraryNotFound, NoOpenGL, PhotoError,
                      ProgramNotFound, SessionClosed, SessionRunning, Status,
@@ -26,9 +28,11 @@ __all__ = [
     "read_photo", "to_nv21", "to_rgb"
 ]
 
-
-def __getattr__(name: str) -> str:
-    """`__version__` is the library's."""
-    if name == "__version__":
-        return load().version()
-    raise AttributeError(f"module {__name__!r} has no attribute {name!r}")
+if TYPE_CHECKING:
+    __version__: str
+else:
+    def __getattr__(name):
+        """`__version__` is the library's."""
+        if name == "__version__":
+            return load().version()
+        raise AttributeError(f"module {__name__!r} has no attribute {name!r}")
