@@ -179,6 +179,20 @@ def test_memory_stays_flat():
         assert resident() - before < 1 << 20
 
 
+def test_rectangle_says_where_the_focus_is_marked(tmp_path):
+    properties = tmp_path / "properties"
+    properties.write_text("persist.zu.LVGLbokeh.FocusDot=1\n")
+    assert in_own_process(
+        "weights = np.zeros((240, 320), np.uint8)\n"
+        "with zuqel.Session((64, 64)) as session:\n"
+        "    here, there, marked = (session.frame(rgb=grey, weights=weights,\n"
+        "        focus=focus, rect=rect) for focus, rect in (\n"
+        "            ((9, 9), None), ((40, 32), None),\n"
+        "            ((9, 9), (24, 16, 56, 48))))\n"
+        "print((here != there).any(), (marked == there).all())",
+        ZUQEL_PROPERTIES=str(properties)) == "True True\n"
+
+
 def test_without_opengl_only_the_cpu_renders():
     assert in_own_process(
         "with zuqel.Session((64, 64), (64, 48)) as session:\n"
