@@ -58,13 +58,19 @@ class Tap:
         set_logger = library["__android_log_set_logger"]
         set_logger.argtypes, set_logger.restype = (ctypes.c_void_p,), None
         set_logger(ctypes.cast(_sink, ctypes.c_void_p))
-        # What is logged later must not reach an interpreter that is gone.
-        atexit.register(self.turn, False)
+        self._is_at_end = False
+        atexit.register(self._end)
+
+    def _end(self) -> None:
+        """What is logged later must not reach an interpreter that is gone,
+        not even from a session that is closed after this."""
+        self.turn(False)
+        self._is_at_end = True
 
     def turn(self, is_open: bool) -> None:
         """Each line that comes through waits for the GIL, so none does where
         nobody reads it."""
-        if is_open != self._is_open:
+        if is_open != self._is_open and not self._is_at_end:
             self._set_least_priority(_ALL if is_open else _NONE)
             self._is_open = is_open
 
@@ -88,14 +94,16 @@ class _Printed:
     thread may have begun to print to it."""
 
     def __init__(self, process: ctypes.CDLL) -> None:
-        self.process_id = os.getpid()  # a fork would share the file
+        self.process = os.getpid()  # a fork would share the file
         self._file = os.memfd_create("zuqel_printed")
         fdopen = process["fdopen"]
         fdopen.argtypes = (ctypes.c_int, ctypes.c_char_p)
         fdopen.restype = ctypes.c_void_p
         self._flush = process["fflush"]
         self._flush.argtypes = (ctypes.c_void_p,)
-        self.stream: int = fdopen(self._file, b"a")
+        self.stream: int | None = fdopen(self._file, b"a")
+        if self.stream is None:
+            raise MemoryError("no stream for what the library prints")
         self.standard_output = ctypes.c_void_p.in_dll(process, "stdout")
 
     def take(self) -> bytes:
@@ -118,7 +126,7 @@ def printed_lines() -> Iterator[None]:
     lines stay in the standard output.
     """
     global _printed
-    if _printed is None or _printed.process_id != os.getpid():
+    if _printed is None or _printed.process != os.getpid():
         process = ctypes.CDLL(None)
         if not hasattr(process, "gnu_get_libc_version"):
             yield

@@ -58,7 +58,8 @@ def test_always_ends():
         "            session.frame(rgb=grey, disparity=flat, focus=(1, 1))\n"
         "except KeyboardInterrupt: zuqel.Session((64, 64)).close()\n") == ""
     assert in_own_process(
-        "import os\n"
+        "import logging, os\n"
+        "logging.getLogger('zuqel').setLevel(logging.DEBUG)\n"
         "session = zuqel.Session((64, 64), (64, 48))\n"
         "session.refocus_map(flat, (1, 1))\n"
         "if os.fork() == 0:\n"
