@@ -4,18 +4,13 @@
 #   development  headers, CMake package, pkg-config file
 #   program      zuqel, its manual pages and completion
 #   python       the Python package
-# A device has its own libraries and its own build system: it gets the library
+# A device has its own libraries and its own build systems: for it, the library
 # and the headers only.
-include(GNUInstallDirs)
-
-if(NOT ZUQEL_ON_LINUX)
-  install(
-    TARGETS zuQelRT_GL
-    LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT library
-    FILE_SET HEADERS DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
-             COMPONENT development)
+if(ZUQEL_DEVICE_TREE)
+  include(cmake/device/DeviceTree.cmake)
   return()
 endif()
+include(GNUInstallDirs)
 
 # Whatever the prefix, each library finds the next from where it is itself. The
 # stand-ins are nobody else's, so they lie in a folder of their own.
