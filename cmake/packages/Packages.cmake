@@ -41,6 +41,8 @@ set(CPACK_COMPONENTS_ALL "")
 zuqel_package(
   library libzuqelrt-gl SECTION libs MULTI_ARCH same
   DESCRIPTION "synthetic shallow depth of field - shared library\n${about}")
+# What draws where there is no GPU; libraries only recommend it.
+set(CPACK_DEBIAN_LIBRARY_PACKAGE_DEPENDS libgl1-mesa-dri)
 zuqel_package(
   development libzuqelrt-gl-dev SECTION libdevel MULTI_ARCH same NEEDS library
   DESCRIPTION "synthetic shallow depth of field - development files
@@ -51,6 +53,18 @@ zuqel_package(
 It renders portrait photos, and pictures and videos with maps of disparity,
 depth or blur weights: into files, into pipes, or in a window. It also shows
 the depth that a photo brings along, and compares renderings in reports.")
+get_cmake_property(installed COMPONENTS)
+if(python IN_LIST installed)
+  zuqel_package(
+    python python3-zuqel SECTION python NEEDS library
+    DESCRIPTION "synthetic shallow depth of field from Python
+The library takes and gives NumPy arrays: frames with disparity or weights,
+and refocus maps. Photos are read with their depth by the program zuqel, where
+that and Pillow are installed.")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_ARCHITECTURE all)
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_DEPENDS "python3 (>= 3.11), python3-numpy")
+  set(CPACK_DEBIAN_PYTHON_PACKAGE_RECOMMENDS "python3-pil, zuqel")
+endif()
 
 # What a program that is linked with the library depends on. A library without a
 # version in its name can only be given by its symbols.
