@@ -5,7 +5,6 @@
 #include <array>
 #include <vector>
 
-#include "driver_turns.h"
 #include "fresh_session.h"
 #include "library_allocations.h"
 #include "scoped_property.h"
@@ -77,12 +76,9 @@ void UseEveryCall(const GLInitInfo& info) {
 
 TEST(MemoryHeld, NothingIsLeftAfterCloseAndDeinitialisation) {
   std::vector<uint8_t> cache(kProgramCacheBytes);
-  int turn = 0;
   for (const HeldCase& row : kCases) {
     const GLInitInfo info = InfoOf(row);
-    ++turn;  // alternates between the orders on a slow driver
     for (const bool closed_first : {true, false}) {
-      if (!TakesTurn(turn + (closed_first ? 1 : 0), 2)) continue;
       SCOPED_TRACE(testing::Message()
                    << row.name << ", closed first " << closed_first);
       EXPECT_EQ(row.cached ? InitCachedSession(info, cache.data())
