@@ -76,16 +76,18 @@ class Library:
         return text.value.decode()
 
 
-def _prefixes() -> list[Path]:
-    """What this package may be installed in, the nearest first."""
-    parents = Path(__file__).resolve().parents
-    return [folder.parent for folder in parents
+def _prefixes(file: Path) -> list[Path]:
+    """What the file may be installed in, the nearest first."""
+    return [folder.parent for folder in file.parents
             if folder.name in ("lib", "lib64")]
+
+
+_PACKAGE = Path(__file__).resolve()
 
 
 def _library_beside_package() -> str | None:
     multiarch = sysconfig.get_config_var("MULTIARCH") or ""
-    for prefix in _prefixes():
+    for prefix in _prefixes(_PACKAGE):
         for folder in ("lib", f"lib/{multiarch}", "lib64"):
             file = prefix / folder / NAME
             if file.exists():
@@ -121,12 +123,12 @@ def find_program() -> str:
         places = [Path(named)]
     else:
         library = os.environ.get("ZUQEL_LIBRARY")
-        prefixes = [folder.parent for folder in
-                    Path(os.path.abspath(library)).parents
-                    if folder.name in ("lib", "lib64")] if library else []
+        prefixes = _prefixes(_PACKAGE)
+        if library:
+            prefixes = _prefixes(Path(os.path.abspath(library))) + prefixes
         search = os.environ.get("PATH", os.defpath).split(os.pathsep)
-        places = [prefix / "bin" / "zuqel" for prefix in prefixes + _prefixes()
-                  ] + [Path(folder) / "zuqel" for folder in search]
+        places = [prefix / "bin" / "zuqel" for prefix in prefixes]
+        places += [Path(folder) / "zuqel" for folder in search]
     for place in places:
         if place.is_file() and os.access(place, os.X_OK):
             return str(place.absolute())
