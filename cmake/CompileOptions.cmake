@@ -35,12 +35,3 @@ if(ZUQEL_SANITIZE)
   add_compile_options(${ZUQEL_SANITIZERS})
   add_link_options(${ZUQEL_SANITIZERS} -Wl,-rpath,${runtime_folder})
 endif()
-
-# The baseline unless asked otherwise, so that a build runs on machines other
-# than the one that made it.
-if(CMAKE_SYSTEM_PROCESSOR STREQUAL "x86_64")
-  option(ZUQEL_X86_64_V3 "Require x86-64-v3 (AVX2), for faster CPU kernels" OFF)
-  if(ZUQEL_X86_64_V3)
-    target_compile_options(zuqel_options INTERFACE -march=x86-64-v3)
-  endif()
-endif()

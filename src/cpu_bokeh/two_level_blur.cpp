@@ -1,19 +1,12 @@
 // Blurs at full and at reduced size, and blends by a mask.
 #include "cpu_bokeh/two_level_blur.h"
 
-#include <cstddef>
-
+#include "base/kernel_set.h"
+#include "cpu_bokeh/blend_kernels.h"
 #include "cpu_bokeh/box_blur.h"
 
 namespace zuqel {
 namespace {
-
-// floor(value / 255) for products of two bytes: 257 / 65536 is 1 / 255 less one
-// part in 65536, for which the added 1 makes up.
-inline uint8_t DivideBy255(uint16_t value) {
-  const auto next = static_cast<uint16_t>(value + 1U);
-  return static_cast<uint8_t>(next * 257U >> 16);
-}
 
 ImageSize ReducedSize(ImageSize size, int32_t scale) {
   return {size.width / scale, size.height / scale};
@@ -45,15 +38,8 @@ bool TwoLevelBlur(Plane<const uint8_t> in, int32_t scale, int32_t strength,
 
 void BlendByMask(Plane<const uint8_t> strong, Plane<const uint8_t> mild,
                  Plane<const uint8_t> mask, Plane<uint8_t> sharp) {
-  const size_t count = sharp.size();
-  for (size_t i = 0; i < count; ++i) {
-    const uint8_t weight = mask.data[i];
-    const uint8_t sharp_pixel = sharp.data[i], mild_pixel = mild.data[i];
-    // At 255 the other pixel has no weight, so either will do.
-    const uint8_t other = weight == 0 ? sharp_pixel : mild_pixel;
-    const int more = weight * (strong.data[i] - other);
-    sharp.data[i] = DivideBy255(static_cast<uint16_t>(255 * other + more));
-  }
+  Kernels<BlendKernels>().by_mask(strong.data, mild.data, mask.data,
+                                  sharp.size(), sharp.data);
 }
 
 }  // namespace zuqel
