@@ -4,11 +4,12 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "base/kernel_set.h"
 #include "bokeh_frame.h"
+#include "cpu_bokeh/blend_kernels.h"
 #include "cpu_bokeh/box_blur.h"
 #include "cpu_bokeh/expansion.h"
 #include "cpu_bokeh/resize/resize_plane.h"
-#include "cpu_bokeh/two_level_blur.h"
 #include "plane_image.h"
 #include "resize_rows.h"
 #include "time_rounds.h"
@@ -43,7 +44,9 @@ void Blend(benchmark::State& state) {
   const Image<uint8_t> mild = strong, mask = strong;
   Image<uint8_t> sharp = strong;
   TimeRounds(state, 5 * strong.values.size(), [&] {
-    BlendByMask(strong.View(), mild.View(), mask.View(), sharp.View());
+    Kernels<BlendKernels>().by_mask(strong.values.data(), mild.values.data(),
+                                    mask.values.data(), sharp.values.size(),
+                                    sharp.values.data());
   });
 }
 

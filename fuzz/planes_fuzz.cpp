@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <array>
 
+#include "cpu_bokeh/blur_and_blend.h"
 #include "cpu_bokeh/box_blur.h"
 #include "cpu_bokeh/resize/resize_plane.h"
-#include "cpu_bokeh/two_level_blur.h"
 #include "input.h"
 #include "reference_planes.h"
 #include "require.h"
@@ -16,12 +16,15 @@ using Plane8 = Image<uint8_t>;
 
 constexpr std::array kFactors = {1, 2, 3, 4, 6, 8, 9, 12};
 
-// Nothing in common, or the exact factors that have weights of their own.
+// Nothing in common, or exact factors, of which some have kernels, of both axes
+// or of the width alone.
 std::array<Size, 2> AnySizes(Input& input) {
   if (input.Flag()) return {input.SizeUpTo(40, 20), input.SizeUpTo(40, 20)};
   const Size small = input.SizeUpTo(9, 5);
   const auto factor = input.OneOf(kFactors);
-  const Size large = {small.width * factor, small.height * factor};
+  const int32_t height =
+      input.Flag() ? small.height * factor : input.Between(0, 40);
+  const Size large = {small.width * factor, height};
   if (input.Flag()) return {large, small};
   return {small, large};
 }
@@ -73,39 +76,27 @@ void CheckBlur(Input& input) {
   RequireSame(out, expected, is_gaussian ? "Gaussian blur" : "box blur");
 }
 
-void CheckTwoLevels(Input& input) {
-  const int32_t scale = input.Between(1, 4), strength = input.Between(-2, 12);
-  const Plane8 in = input.Draw<uint8_t>(input.SizeUpTo(40, 16), 255);
-  Plane8 out = {in.width, in.height};
-  BlurScratch scratch;
-  Require(TwoLevelBlur(in.View(), scale, strength, scratch, out.View()),
-          "memory for blurring");
-  const Plane8 reduced =
-      reference::ResizePlane(in, in.width / scale, in.height / scale);
-  RequireSame(out,
-              reference::ResizePlane(BoxGaussian(reduced, strength), in.width,
-                                     in.height),
-              "blur at a fraction of the size");
-}
-
+// Masks with large parts of 0 and 255, which are left out.
 void CheckBlend(Input& input) {
-  const Size size = input.SizeUpTo(70, 5);
-  std::array<Plane8, 4> planes;
-  for (Plane8& plane : planes) plane = input.Draw<uint8_t>(size, 255);
-  auto& [strong, mild, mask, sharp] = planes;
-  Plane8 expected = sharp;
-  for (size_t i = 0; i < mask.values.size(); ++i) {
-    const int weight = mask.values[i];
-    const int rest = weight == 0 ? sharp.values[i] : mild.values[i];
-    expected.values[i] = static_cast<uint8_t>(
-        (weight * strong.values[i] + (255 - weight) * rest) / 255);
+  const Size size = input.SizeUpTo(300, 24), map = input.SizeUpTo(40, 12);
+  const Plane8 sharp = input.Draw<uint8_t>(size, 255);
+  Plane8 mask = input.Draw<uint8_t>(map, 255);
+  const auto low = input.Between(0, 255), high = input.Between(0, 255);
+  for (uint8_t& weight : mask.values) {
+    weight = weight < low ? 0 : weight > high ? 255 : weight;
   }
-  BlendByMask(strong.View(), mild.View(), mask.View(), sharp.View());
-  RequireSame(sharp, expected, "blend");
+  BlendScratch scratch;
+  Require(scratch.Reserve(size, map), "memory for blending");
+  Plane8 out = sharp;
+  BlurAndBlend(std::as_const(mask).View(), size.height, scratch, out.View());
+  RequireSame(out,
+              reference::BlurAndBlend(
+                  sharp, reference::ResizePlane(mask, size.width, size.height)),
+              "blend");
 }
 
 constexpr std::array kChecks = {CheckResize<uint8_t>, CheckResize<uint16_t>,
-                                CheckBlur, CheckTwoLevels, CheckBlend};
+                                CheckBlur, CheckBlend};
 
 }  // namespace
 

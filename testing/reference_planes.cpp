@@ -153,4 +153,19 @@ Image<uint8_t> BoxBlur(const Image<uint8_t>& in, int32_t radius) {
              Boxed(in.height, radius), mean, false);
 }
 
+Image<uint8_t> BlurAndBlend(const Image<uint8_t>& sharp,
+                            const Image<uint8_t>& weights) {
+  const int32_t width = sharp.width, height = sharp.height;
+  const Image<uint8_t> half = ResizePlane(sharp, width / 2, height / 2);
+  const Image<uint8_t> strong = ResizePlane(BoxBlur(half, 1), width, height);
+  Image<uint8_t> out = BoxBlur(sharp, 1);
+  for (size_t i = 0; i < out.values.size(); ++i) {
+    const int32_t weight = weights.values[i];
+    const int32_t rest = weight == 0 ? sharp.values[i] : out.values[i];
+    const int32_t sum = weight * strong.values[i] + (255 - weight) * rest;
+    out.values[i] = static_cast<uint8_t>(sum / 255);
+  }
+  return out;
+}
+
 }  // namespace zuqel::reference

@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "api/session.h"
+#include "cpu_bokeh/blurred_plane.h"
 #include "cpu_bokeh/box_blur.h"
 #include "cpu_bokeh/resize/resize_plane.h"
 #include "depth/component_cleanup.h"
@@ -194,6 +195,8 @@ TEST(BoxBlur, ApproximatesAGaussianByThree) {
     EXPECT_TRUE(IsSame(Blurred(image, BoxGaussianBlur, strength), expected))
         << "strength " << strength;
   }
+  EXPECT_EQ(GaussianBoxRadii(BlurredPlane::kStrength),
+            (std::array{0, 0, BlurredPlane::kBoxRadius}));
   // More of the smaller boxes than an integer holds.
   EXPECT_EQ(GaussianBoxRadii(1600000000)[2], 533333332);
 }
@@ -204,14 +207,16 @@ struct ExpansionRow {
 };
 
 // Odd ones, maps smaller and larger than the frame, of one row, column or pixel
-// and of none; likewise frames.
+// and of none; likewise frames. The widest have several segments of a row, and
+// more than 64 of the shortest.
 constexpr auto kExpansionRows = std::to_array<ExpansionRow>({
-    {64, 48, 16, 12}, {48, 16, 12, 65}, {16, 12, 65, 47}, {12, 65, 47, 33},
-    {65, 47, 33, 21}, {33, 20, 16, 10}, {20, 33, 10, 16}, {21, 20, 30, 40},
-    {30, 40, 30, 40}, {30, 40, 40, 14}, {40, 14, 40, 28}, {14, 40, 28, 1},
-    {40, 28, 1, 9},   {28, 1, 9, 4},    {1, 9, 4, 3},     {3, 2, 200, 24},
-    {200, 24, 9, 4},  {200, 24, 10, 0}, {24, 10, 0, 7},   {10, 0, 7, 6},
-    {0, 7, 6, 1},     {7, 6, 1, 1},     {1, 1, 1, 1},
+    {64, 48, 16, 12}, {48, 16, 12, 65},  {16, 12, 65, 47}, {12, 65, 47, 33},
+    {65, 47, 33, 21}, {33, 20, 16, 10},  {20, 33, 10, 16}, {21, 20, 30, 40},
+    {30, 40, 30, 40}, {30, 40, 40, 14},  {40, 14, 40, 28}, {14, 40, 28, 1},
+    {40, 28, 1, 9},   {28, 1, 9, 4},     {1, 9, 4, 3},     {3, 2, 200, 24},
+    {200, 24, 9, 4},  {200, 24, 10, 0},  {24, 10, 0, 7},   {10, 0, 7, 6},
+    {0, 7, 6, 1},     {7, 6, 1, 1},      {1, 1, 1, 1},     {400, 44, 100, 11},
+    {390, 34, 65, 8}, {6290, 6, 130, 4},
 });
 
 // A caller's planes, and what is to become of them.
@@ -254,20 +259,6 @@ struct ReferenceExpansion {
           byte == 0 ? chroma.values.back() : uint8_t{0};
     }
     return region;
-  }
-
-  [[nodiscard]] Plane8 Blended(const Plane8& sharp) const {
-    const Plane8 half = reference::ResizePlane(sharp, width / 2, height / 2);
-    const Plane8 strong =
-        reference::ResizePlane(reference::BoxBlur(half, 1), width, height);
-    Plane8 out = reference::BoxBlur(sharp, 1);
-    for (size_t i = 0; i < out.values.size(); ++i) {
-      const int32_t weight = weights.values[i];
-      const int32_t mild = weight == 0 ? sharp.values[i] : out.values[i];
-      const int32_t sum = weight * strong.values[i] + (255 - weight) * mild;
-      out.values[i] = static_cast<uint8_t>(sum / 255);
-    }
-    return out;
   }
 
   // The focus component's inverse without specks, feathered.
@@ -316,8 +307,9 @@ struct ReferenceExpansion {
     Plane8 mask = FocusMask(x, y, u, v);
     SmoothOverCalls(mask.values);
     weights = reference::ResizePlane(mask, width, height);
-    luma = Blended(luma);
-    const Plane8 new_u = Blended(u), new_v = Blended(v);
+    luma = reference::BlurAndBlend(luma, weights);
+    const Plane8 new_u = reference::BlurAndBlend(u, weights);
+    const Plane8 new_v = reference::BlurAndBlend(v, weights);
     const size_t wide = static_cast<size_t>(width), end = chroma.values.size();
     for (size_t i = 0; i < luma.values.size(); ++i) {
       const size_t column = i % wide / 2, row = i / wide / 2 * wide;

@@ -3,6 +3,7 @@
 #include "cpu_bokeh/box_blur.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstddef>
@@ -10,23 +11,11 @@
 #include <numeric>
 #include <optional>
 
+#include "base/kernel_set.h"
+#include "cpu_bokeh/box_kernels.h"
+
 namespace zuqel {
 namespace {
-
-// floor(sum / 3) for sums of three bytes: the multiplier is 2^16 / 3, rounded
-// up, and 765 times its error of 2/3 is below 2^16 / 3.
-inline uint16_t Third(uint32_t a, uint32_t b, uint32_t c) {
-  const auto sum = static_cast<uint16_t>(a + b + c);
-  return static_cast<uint16_t>(sum * 21846U >> 16);
-}
-
-template <typename In, typename Out>
-void ThirdOfRows(const In* a, const In* b, const In* c, size_t count,
-                 Out* out) {
-  for (size_t x = 0; x < count; ++x) {
-    out[x] = static_cast<Out>(Third(a[x], b[x], c[x]));
-  }
-}
 
 // Exact division of sums of `size` bytes by `size`, by its reciprocal: with a
 // multiplier of 2^shift / size, rounded up, the quotient is right as long as
@@ -59,6 +48,9 @@ class BoxDivision {
   bool fits_32_bits_;
 };
 
+// Three rows are in use at a time.
+constexpr int32_t kRingRowsBy1 = 4;
+
 // Mean over each pixel's neighbours in a row. `padded` has room for the row and
 // its end pixels, repeated outside.
 void BlurRow(const uint8_t* in, int32_t width, int32_t radius,
@@ -72,15 +64,6 @@ void BlurRow(const uint8_t* in, int32_t width, int32_t radius,
     out[x] = division(sum);
     sum += uint32_t{padded[x + size]} - padded[x];
   }
-}
-
-void BlurRowBy1(const uint8_t* in, int32_t width, uint16_t* out) {
-  const int32_t last = width - 1;
-  if (width > 2) {
-    ThirdOfRows(in, in + 1, in + 2, static_cast<size_t>(width) - 2, out + 1);
-  }
-  out[0] = Third(in[0], in[0], in[std::min(1, last)]);
-  out[last] = Third(in[std::max(last - 1, 0)], in[last], in[last]);
 }
 
 // Horizontally blurred rows by number, made when asked for; each stays until as
@@ -100,13 +83,8 @@ class BlurredRows {
   const uint16_t* operator()(int32_t y) {
     y = std::clamp(y, 0, in_.height - 1);
     for (; made_ <= y; ++made_) {
-      uint16_t* row = ring_.row(made_ % ring_.height);
-      if (radius_ == 1) {
-        BlurRowBy1(in_.row(made_), in_.width, row);
-      } else {
-        BlurRow(in_.row(made_), in_.width, radius_, division_, padded_row_,
-                row);
-      }
+      BlurRow(in_.row(made_), in_.width, radius_, division_, padded_row_,
+              ring_.row(made_ % ring_.height));
     }
     return ring_.row(y % ring_.height);
   }
@@ -120,14 +98,6 @@ class BlurredRows {
   Plane<uint16_t> ring_;
   int32_t made_ = 0;
 };
-
-void BlurColumnsBy1(BlurredRows& rows, Plane<uint8_t> out) {
-  const auto width = static_cast<size_t>(out.width);
-  for (int32_t y = 0; y < out.height; ++y) {
-    const uint16_t* below = rows(y + 1);
-    ThirdOfRows(rows(y - 1), rows(y), below, width, out.row(y));
-  }
-}
 
 void BlurColumns(BlurredRows& rows, int32_t radius, uint32_t* sums,
                  Plane<uint8_t> out) {
@@ -149,6 +119,33 @@ void BlurColumns(BlurredRows& rows, int32_t radius, uint32_t* sums,
     for (size_t x = 0; x < width; ++x) {
       sums[x] += uint32_t{entering[x]} - leaving[x];
     }
+  }
+}
+
+// The box of radius 1, in bytes all through. `ring` has room for four rows.
+void BlurBy1(Plane<const uint8_t> in, uint8_t* ring, Plane<uint8_t> out) {
+  const BoxKernels& box = Kernels<BoxKernels>();
+  const auto width = static_cast<size_t>(in.width);
+  const auto along = [&](int32_t y) {
+    return ring + static_cast<size_t>(y % kRingRowsBy1) * width;
+  };
+  const auto blur_row = [&](int32_t y) {
+    const uint8_t* row = in.row(y);
+    const size_t last = width - 1;
+    const std::array<uint8_t, 3> start = {row[0], row[0],
+                                          row[std::min<size_t>(1, last)]};
+    const std::array<uint8_t, 3> end = {row[last - std::min<size_t>(1, last)],
+                                        row[last], row[last]};
+    if (width > 2) box.along(row, width - 2, along(y) + 1);
+    box.along(start.data(), 1, along(y));
+    box.along(end.data(), 1, along(y) + last);
+  };
+  blur_row(0);
+  for (int32_t y = 0; y < in.height; ++y) {
+    const int32_t below = std::min(y + 1, in.height - 1);
+    if (below > y) blur_row(below);
+    box.down(along(std::max(y - 1, 0)), along(y), along(below), width,
+             out.row(y));
   }
 }
 
@@ -187,16 +184,16 @@ bool BoxBlur(Plane<const uint8_t> in, int32_t radius, Buffer& scratch,
   }
   radius = std::min(radius, kLargestBoxRadius);
   const ScratchLayout layout(in.extent(), radius);
+  if (radius == 1) {
+    BlurBy1(in, scratch.bytes(), out);
+    return true;
+  }
   uint8_t* const ring_bytes = scratch.bytes() + *layout.sum_bytes;
   auto* sums = reinterpret_cast<uint32_t*>(scratch.bytes());
   auto* ring = reinterpret_cast<uint16_t*>(ring_bytes);
   BlurredRows rows(in, radius, ring_bytes + *layout.ring_bytes, ring,
                    layout.ring_rows);
-  if (radius == 1) {
-    BlurColumnsBy1(rows, out);
-  } else {
-    BlurColumns(rows, radius, sums, out);
-  }
+  BlurColumns(rows, radius, sums, out);
   return true;
 }
 

@@ -5,23 +5,11 @@
 #include <cstddef>
 #include <cstring>
 
+#include "base/kernel_set.h"
+#include "cpu_bokeh/chroma_kernels.h"
+
 namespace zuqel {
 namespace {
-
-// Adjacent pairs that lie inside.
-void SplitPairs(const uint8_t* vu, size_t count, uint8_t* u, uint8_t* v) {
-  for (size_t i = 0; i < count; ++i) {
-    v[i] = vu[2 * i];
-    u[i] = vu[2 * i + 1];
-  }
-}
-
-void JoinPairs(const uint8_t* u, const uint8_t* v, size_t count, uint8_t* vu) {
-  for (size_t i = 0; i < count; ++i) {
-    vu[2 * i] = v[i];
-    vu[2 * i + 1] = u[i];
-  }
-}
 
 // Fills the region after the packed rows. Without any it is zeroed, since it
 // still holds another frame.
@@ -45,12 +33,13 @@ void SplitChroma(std::span<const uint8_t> vu, const ChromaRegions& regions) {
   const auto width = static_cast<size_t>(regions.u.width);
   const auto rows = static_cast<size_t>(regions.u.height / 2);
   const size_t half = width / 2;
+  const auto split = Kernels<ChromaKernels>().split;
   if (width % 2 == 0) {
-    SplitPairs(vu.data(), half * rows, regions.u.data, regions.v.data);
+    split(vu.data(), half * rows, regions.u.data, regions.v.data);
   } else {
     for (size_t y = 0; y < rows; ++y) {
-      SplitPairs(vu.data() + y * width, half, regions.u.data + y * half,
-                 regions.v.data + y * half);
+      split(vu.data() + y * width, half, regions.u.data + y * half,
+            regions.v.data + y * half);
     }
   }
   RepeatLastRow(half, rows, regions.u);
@@ -72,7 +61,8 @@ void JoinChroma(const ChromaRegions& regions, std::span<uint8_t> vu) {
   const auto width = static_cast<size_t>(regions.u.width);
   const auto height = static_cast<size_t>(regions.u.height);
   if (width % 2 == 0) {
-    JoinPairs(regions.u.data, regions.v.data, vu.size() / 2, vu.data());
+    Kernels<ChromaKernels>().join(regions.u.data, regions.v.data, vu.size() / 2,
+                                  vu.data());
     return;
   }
   for (size_t y = 0; 2 * y < height; ++y) {
@@ -83,6 +73,35 @@ void JoinChroma(const ChromaRegions& regions, std::span<uint8_t> vu) {
       if (to + 1 < vu.size()) vu[to + 1] = regions.u.data[from];
     }
   }
+}
+
+int32_t ChromaRowCount(ImageSize frame) {
+  return (frame.height / 2 + 1) / 2;
+}
+
+void SplitChromaRow(std::span<const uint8_t> vu, ImageSize frame, int32_t y,
+                    uint8_t* u, uint8_t* v) {
+  const auto width = static_cast<size_t>(frame.width);
+  const auto rows = static_cast<size_t>(frame.height / 2);
+  if (rows == 0) {
+    std::fill_n(u, width, uint8_t{0});
+    std::fill_n(v, width, uint8_t{0});
+    return;
+  }
+  const auto split = Kernels<ChromaKernels>().split;
+  const size_t half = width / 2;
+  for (size_t i = 0; i < 2; ++i) {
+    const size_t row = std::min(2 * static_cast<size_t>(y) + i, rows - 1);
+    split(vu.data() + row * width, half, u + i * half, v + i * half);
+  }
+}
+
+void JoinChromaRow(const uint8_t* u, const uint8_t* v, ImageSize frame,
+                   int32_t y, std::span<uint8_t> vu) {
+  const auto width = static_cast<size_t>(frame.width);
+  const size_t begin = 2 * width * static_cast<size_t>(y);
+  const size_t pairs = std::min(2 * width, vu.size() - begin) / 2;
+  Kernels<ChromaKernels>().join(u, v, pairs, vu.data() + begin);
 }
 
 }  // namespace zuqel

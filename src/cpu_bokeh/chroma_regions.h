@@ -30,6 +30,15 @@ int32_t RowsInUse(int32_t width, int32_t height);
 // Interleaves the pairs again; bytes that would lie outside are dropped.
 void JoinChroma(const ChromaRegions& regions, std::span<uint8_t> vu);
 
+// The same a row of the regions at a time, for frames of an even width: a row
+// is two rows of chroma, or the last one twice.
+void SplitChromaRow(std::span<const uint8_t> vu, ImageSize frame, int32_t y,
+                    uint8_t* u, uint8_t* v);
+void JoinChromaRow(const uint8_t* u, const uint8_t* v, ImageSize frame,
+                   int32_t y, std::span<uint8_t> vu);
+// The rows that are not the last row of chroma again and again.
+int32_t ChromaRowCount(ImageSize frame);
+
 }  // namespace zuqel
 
 #endif  // ZUQEL_CPU_BOKEH_CHROMA_REGIONS_H_

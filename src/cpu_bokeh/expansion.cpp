@@ -17,9 +17,6 @@ namespace {
 constexpr uint16_t kDisparityBits = 1023;
 constexpr int32_t kTrimPercent = 1;
 constexpr int32_t kFeatherRadius = 1;
-constexpr int32_t kStrongScale = 2;
-constexpr int32_t kMildScale = 1;
-constexpr int32_t kStrength = 2;
 
 // The focus point in pixels of the map.
 MaskPoint MapFocus(const ExpansionFrame& frame) {
@@ -58,17 +55,18 @@ class Expansion {
   [[nodiscard]] bool Reserve() {
     const ImageSize frame = frame_.luma.extent();
     const ImageSize map = frame_.disparity.extent();
-    for (Buffer* buffer :
-         {&buffers_.u_region, &buffers_.v_region, &buffers_.preview_mask,
-          &buffers_.strong_blur, &buffers_.mild_blur}) {
-      if (!buffer->Reserve(ByteCount(frame, 1))) return false;
+    for (Buffer* buffer : {&buffers_.u_region, &buffers_.v_region}) {
+      if (is_odd() && !buffer->Reserve(ByteCount(frame, 1))) return false;
     }
     for (Buffer* buffer : {&buffers_.focus_mask, &buffers_.work_mask}) {
       if (!buffer->Reserve(ByteCount(map, 1))) return false;
     }
     if (!buffers_.reduced_frame.Reserve(ByteCount(map, 3)) ||
+        !buffers_.reduction.Reserve(frame, map) ||
         !ReserveRegionGrowing(map, buffers_.growth) ||
-        !buffers_.cleanup.Reserve(map) || !ReserveBlurs()) {
+        !buffers_.cleanup.Reserve(map) ||
+        !ReserveBoxBlur(map, kFeatherRadius, buffers_.feather) ||
+        !buffers_.blend.Reserve(frame, map)) {
       return false;
     }
     // The history last: the masks in it are kept when anything else fails.
@@ -80,35 +78,23 @@ class Expansion {
   bool Run() {
     ZUQEL_LOG("pindle PreviewWidth w = %d, h = %d", frame_.luma.width,
               frame_.luma.height);
-    SplitChroma(frame_.chroma, Chroma());
-    if (!ReduceFrame()) return false;
+    if (is_odd()) SplitChroma(frame_.chroma, Chroma());
+    ReduceFrame();
     ZUQEL_LOG("pindle Depth w = %d, h = %d", frame_.disparity.width,
               frame_.disparity.height);
-    if (!MakeMask(ReadDisparity()) || !BlurAndBlend(frame_.luma, true)) {
-      return false;
+    if (!MakeMask(ReadDisparity())) return false;
+    for (const int32_t expansionBlurScale : {2, 1}) {
+      ZUQEL_LOG("pindle uwScaleW = %d, uwScaleH = %d ",
+                frame_.luma.width / expansionBlurScale,
+                frame_.luma.height / expansionBlurScale);
     }
-    // Nothing reads past the last chroma sample.
-    for (const Plane<uint8_t> region : {Chroma().u, Chroma().v}) {
-      if (!BlurAndBlend(UpToLastSample(region), false)) return false;
-    }
-    JoinChroma(Chroma(), frame_.chroma);
+    BlurAndBlendFrame();
     return true;
   }
 
  private:
-  [[nodiscard]] bool ReserveBlurs() {
-    const ImageSize frame = frame_.luma.extent();
-    const ImageSize map = frame_.disparity.extent();
-    BlurScratch& blur = buffers_.blur;
-    for (const ImageSize size : {frame, UpToLastSample(Chroma().u).extent()}) {
-      for (const int32_t scale : {kStrongScale, kMildScale}) {
-        if (!ReserveTwoLevelBlur(size, scale, kStrength, blur)) return false;
-      }
-    }
-    return ReserveBoxBlur(map, kFeatherRadius, blur.box) &&
-           ReserveResize<uint8_t>(frame, map, blur.resize) &&
-           ReserveResize<uint8_t>(map, frame, blur.resize);
-  }
+  // Chroma that cannot be taken as rows of its regions where it lies.
+  [[nodiscard]] bool is_odd() const { return frame_.luma.width % 2 != 0; }
   [[nodiscard]] ChromaRegions Chroma() const {
     return {AsPlane(buffers_.u_region, frame_.luma),
             AsPlane(buffers_.v_region, frame_.luma)};
@@ -119,17 +105,20 @@ class Expansion {
   }
 
   // The frame at the size of the map, its three planes one after the other.
-  bool ReduceFrame() {
-    const auto [u, v] = Chroma();
-    Plane<uint8_t> reduced = AsPlane(buffers_.reduced_frame, frame_.disparity);
-    for (const Plane<uint8_t> plane : {frame_.luma, u, v}) {
-      if (!ResizePlane(Plane<const uint8_t>(plane), buffers_.blur.resize,
-                       reduced)) {
-        return false;
-      }
-      reduced.data += reduced.size();
+  void ReduceFrame() {
+    const Plane<uint8_t> luma =
+        AsPlane(buffers_.reduced_frame, frame_.disparity);
+    Plane<uint8_t> u = luma, v = luma;
+    u.data += luma.size();
+    v.data += 2 * luma.size();
+    FrameReduction& reduction = buffers_.reduction;
+    reduction.ReducePlane(frame_.luma, luma);
+    if (is_odd()) {
+      reduction.ReducePlane(Chroma().u, u);
+      reduction.ReducePlane(Chroma().v, v);
+    } else {
+      reduction.ReduceChroma(frame_.chroma, frame_.luma.extent(), u, v);
     }
-    return true;
   }
 
   // Cleans the map; gives its range and the disparity in focus.
@@ -151,9 +140,9 @@ class Expansion {
     return {uwMaxDisp, uwMinDisp, FocusDisp};
   }
 
-  // The focus component without its holes, feathered, smoothed over calls and
-  // enlarged. The grown region is 255, so the inversion makes it 0 where it is
-  // in focus.
+  // The focus component without its holes, feathered and smoothed over calls,
+  // in the work mask. The grown region is 255, so the inversion makes it 0
+  // where it is in focus.
   bool MakeMask(const FocusRange& range) {
     const Plane<uint8_t> mask = AsPlane(buffers_.focus_mask, frame_.disparity);
     const Plane<uint8_t> work = AsPlane(buffers_.work_mask, frame_.disparity);
@@ -172,41 +161,27 @@ class Expansion {
     }
     const Plane<uint8_t>& smoothed = work;
     if (!RemoveSpecks(work, FocusComponentArea, buffers_.cleanup, mask) ||
-        !BoxBlur(mask, kFeatherRadius, buffers_.blur.box, smoothed)) {
+        !BoxBlur(mask, kFeatherRadius, buffers_.feather, smoothed)) {
       return false;
     }
     SmoothOverFrames(frame_counter_, buffers_.mask_history, smoothed);
-    return ResizePlane(Plane<const uint8_t>(smoothed), buffers_.blur.resize,
-                       AsPlane(buffers_.preview_mask, frame_.luma));
-  }
-
-  bool BlurAndBlend(Plane<uint8_t> plane, bool is_logged) {
-    const Plane<uint8_t> strong = AsPlane(buffers_.strong_blur, plane);
-    const Plane<uint8_t> mild = AsPlane(buffers_.mild_blur, plane);
-    const auto blur = [&](int32_t expansionBlurScale, Plane<uint8_t> out) {
-      const bool blurred = TwoLevelBlur(plane, expansionBlurScale, kStrength,
-                                        buffers_.blur, out);
-      if (blurred && is_logged) {
-        ZUQEL_LOG("pindle uwScaleW = %d, uwScaleH = %d ",
-                  plane.width / expansionBlurScale,
-                  plane.height / expansionBlurScale);
-      }
-      return blurred;
-    };
-    if (!blur(kStrongScale, strong) || !blur(kMildScale, mild)) return false;
-    BlendByMask(strong, mild, AsPlane(buffers_.preview_mask, plane), plane);
     return true;
   }
 
-  // The rows of a region that affect the result, and as many more as the blurs
-  // reach. Part of a region gives the same result as the whole only where the
-  // strong blur halves both sides exactly.
-  static Plane<uint8_t> UpToLastSample(Plane<uint8_t> region) {
-    constexpr int32_t kReach = 8;
-    if (region.width % 2 != 0 || region.height % 2 != 0) return region;
-    const int32_t rows = RowsInUse(region.width, region.height);
-    const int32_t even = (rows + kReach) / 2 * 2;
-    return {region.data, region.width, std::min(even, region.height)};
+  void BlurAndBlendFrame() {
+    const Plane<const uint8_t> mask =
+        AsPlane(buffers_.work_mask, frame_.disparity);
+    const ImageSize size = frame_.luma.extent();
+    BlendScratch& scratch = buffers_.blend;
+    BlurAndBlend(mask, size.height, scratch, frame_.luma);
+    if (!is_odd()) {
+      BlurAndBlendChroma(mask, size, scratch, frame_.chroma);
+      return;
+    }
+    for (const Plane<uint8_t> region : {Chroma().u, Chroma().v}) {
+      BlurAndBlend(mask, RowsInUse(size.width, size.height), scratch, region);
+    }
+    JoinChroma(Chroma(), frame_.chroma);
   }
 
   ExpansionFrame frame_;

@@ -8,7 +8,8 @@
 
 #include "base/buffer.h"
 #include "base/plane.h"
-#include "cpu_bokeh/two_level_blur.h"
+#include "cpu_bokeh/blur_and_blend.h"
+#include "cpu_bokeh/frame_reduction.h"
 #include "depth/component_cleanup.h"
 
 namespace zuqel {
@@ -19,17 +20,17 @@ struct ExpansionBuffers {
   // modulo 3. A slot that is too small is replaced by zeros.
   std::array<Buffer, 3> mask_history;
 
-  Buffer u_region;
-  Buffer v_region;
   Buffer reduced_frame;
   Buffer focus_mask;
   Buffer work_mask;
-  Buffer preview_mask;
-  Buffer strong_blur;
-  Buffer mild_blur;
   Buffer growth;
   CleanupScratch cleanup;
-  BlurScratch blur;
+  Buffer feather;
+  FrameReduction reduction;
+  BlendScratch blend;
+  // Chroma of frames whose width is odd.
+  Buffer u_region;
+  Buffer v_region;
 };
 
 struct ExpansionFrame {

@@ -1,0 +1,54 @@
+// Finds out where a mask is uniform, and enlarges the rest.
+#include "cpu_bokeh/blend_mask.h"
+
+namespace zuqel {
+
+bool BlendMask::Reserve(ImageSize map, ImageSize frame) {
+  return rows_.Reserve(map, frame) &&
+         of_map_.Reserve(ByteCount(1, map.height, sizeof(Uniform))) &&
+         row_.Reserve(ByteCount(frame.width, 1, 1));
+}
+
+void BlendMask::Begin(Plane<const uint8_t> map, ImageSize frame) {
+  map_ = map;
+  frame_ = frame;
+  segments_ = Segments(frame.width);
+  Rewind();
+  for (int32_t y = 0; y < map.height; ++y) of_map()[y] = {0, 0};
+  for (int32_t i = 0; i < segments_.count(); ++i) {
+    const auto [first, last] =
+        rows_.SourceColumns(segments_.begin(i), segments_.end(i));
+    for (int32_t y = 0; y < map.height; ++y) {
+      uint8_t any = 0, all = 255;
+      for (int32_t x = first; x <= last; ++x) {
+        any |= map.row(y)[x];
+        all &= map.row(y)[x];
+      }
+      of_map()[y].zero |= uint64_t{any == 0} << i;
+      of_map()[y].full |= uint64_t{all == 255} << i;
+    }
+  }
+}
+
+BlendMask::Uniform BlendMask::UniformSegments(int32_t y) const {
+  Uniform both = {segments_.all(), segments_.all()};
+  const auto [first, last] = rows_.SourceRows(y);
+  for (int32_t row = first; row <= last; ++row) {
+    both.zero &= of_map()[row].zero;
+    both.full &= of_map()[row].full;
+  }
+  return both;
+}
+
+const uint8_t* BlendMask::Row(int32_t y, uint64_t bits) {
+  if (y == made_) return row_.bytes();
+  made_ = y;
+  const auto rows = [&](int32_t n) { return map_.row(n); };
+  rows_.CombineRow(y, rows);
+  segments_.ForEachRun(bits, [&](int32_t begin, int32_t end) {
+    rows_.FinishRow(begin, end, row_.bytes());
+  });
+  return row_.bytes();
+}
+
+}  // namespace zuqel
