@@ -86,7 +86,8 @@ void CheckBlend(Input& input) {
     weight = weight < low ? 0 : weight > high ? 255 : weight;
   }
   BlendScratch scratch;
-  Require(scratch.Reserve(size, map), "memory for blending");
+  Require(scratch.Reserve({size.width, size.height}, {map.width, map.height}),
+          "memory for blending");
   Plane8 out = sharp;
   BlurAndBlend(std::as_const(mask).View(), size.height, scratch, out.View());
   RequireSame(out,
