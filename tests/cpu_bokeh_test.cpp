@@ -14,6 +14,7 @@
 #include <vector>
 
 #include "api/session.h"
+#include "cpu_bokeh/blur_and_blend.h"
 #include "cpu_bokeh/blurred_plane.h"
 #include "cpu_bokeh/box_blur.h"
 #include "cpu_bokeh/resize/resize_plane.h"
@@ -199,6 +200,39 @@ TEST(BoxBlur, ApproximatesAGaussianByThree) {
             (std::array{0, 0, BlurredPlane::kBoxRadius}));
   // More of the smaller boxes than an integer holds.
   EXPECT_EQ(GaussianBoxRadii(1600000000)[2], 533333332);
+}
+
+// Masks of 0, 255 and anything between, in rows that all have one of them and
+// in rows that change.
+TEST(BlurAndBlend, EqualsBothBlursMadeWhole) {
+  Random random(9);
+  BlendScratch scratch;
+  for (int32_t trial = 0; trial < 600; ++trial) {
+    const auto below = [&](uint32_t end) {
+      return static_cast<int32_t>(1 + random.Below(end));
+    };
+    const bool is_wide = trial % 4 == 0;
+    const ImageSize size = {below(is_wide ? 500 : 9), below(is_wide ? 20 : 9)};
+    Plane8 mask = {below(is_wide ? 40 : 4), below(9)};
+    mask.Visit([&](int32_t x, int32_t, uint8_t& weight) {
+      static constexpr std::array<uint8_t, 2> kUniform = {0, 255};
+      static uint8_t current = 0;
+      if (x == 0 || random.Below(9) == 0) {
+        current = kUniform.at(random.Below(2));
+        if (random.Below(3) == 0) current = static_cast<uint8_t>(random.Bits());
+      }
+      weight = current;
+    });
+    const Plane8 sharp =
+        NoiseImage<uint8_t>(size.width, size.height, random.Bits());
+    const GuardedImage<uint8_t> guarded_mask(mask), out(sharp);
+    ASSERT_TRUE(scratch.Reserve(size, {mask.width, mask.height}));
+    BlurAndBlend(guarded_mask.View(), size.height, scratch, out.View());
+    const Plane8 weights =
+        reference::ResizePlane(mask, size.width, size.height);
+    ASSERT_TRUE(IsSame(out.Copy(), reference::BlurAndBlend(sharp, weights)))
+        << "mask " << mask.width << " x " << mask.height;
+  }
 }
 
 // Of a frame and of a map. Each is the seed of what it draws.

@@ -51,6 +51,8 @@ class BlurredPlane {
     const auto [zero, full] = mask.UniformSegments(y);
     const uint64_t mixed = segments_.all() & ~(zero | full);
     if ((full | mixed) == 0) return;
+    // Later rows need this one as it was, even if this one does not.
+    static_cast<void>(sharp(y));
     MakeStrong(y, sharp);
     segments_.ForEachRun(full, [&](int32_t begin, int32_t end) {
       FinishStrong(begin, end, out);
