@@ -3,19 +3,14 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
+#include <cstring>
 
 namespace zuqel {
 namespace {
-
-constexpr int32_t kNotReached = INT32_MIN;
-
-// 1024 ln 0.75 and 1024 ln 1.03: a pixel's likelihood times 1.03 times its
-// parent's, at most 1, has to reach 0.75.
-constexpr double kLowestLikelihood = -294.58644219062364;
-constexpr double kParentBonus = 30.268213495341495;
 
 // Tolerance by the position between the focus and the limit of growing, in 20
 // steps.
@@ -25,8 +20,11 @@ constexpr std::array<double, 21> kToleranceWeights = {
 constexpr int32_t kToleranceSteps = 20;
 constexpr int32_t kFullGrowLimit = 40;
 
-constexpr int32_t kWidestBrightness = 255 * 255;
-constexpr int32_t kWidestColour = 510 * 510;
+// What a pixel may cost, in 1/1024: its likelihood times 1.03 times its
+// parent's, at most 1, has to reach 0.75. 1024 ln 0.75 is -294.6 and 1024 ln
+// 1.03 is 30.3, both truncated with the sums they enter.
+constexpr int32_t kHighestCost = 294;
+constexpr int32_t kCostWithoutPenalty = 31;
 
 // Truncated toward zero; saturated, and 0 for NaN.
 int32_t ToInteger(double value) {
@@ -34,10 +32,24 @@ int32_t ToInteger(double value) {
   return static_cast<int32_t>(std::clamp<double>(value, INT32_MIN, INT32_MAX));
 }
 
-// Squared tolerances of one pixel.
+// Division by a constant as a product: floor(square * 128 / tolerance).
+struct Divider {
+  uint64_t factor = 0;
+  int shift = 0;
+};
+
+Divider DividerBy(uint32_t tolerance) {
+  const int shift = 22 + std::bit_width(tolerance);
+  return {((uint64_t{128} << shift) / tolerance) + 1, shift};
+}
+
+int32_t Quotient(uint32_t square, const Divider& divider) {
+  return static_cast<int32_t>(square * divider.factor >> divider.shift);
+}
+
 struct Tolerance {
-  int32_t colour;
-  int32_t brightness;
+  Divider colour;
+  Divider brightness;
 };
 
 Tolerance ToleranceOf(int32_t score) {
@@ -48,29 +60,49 @@ Tolerance ToleranceOf(int32_t score) {
   const double weight =
       kToleranceWeights[static_cast<size_t>(below)] * (1 - share) +
       kToleranceWeights[static_cast<size_t>(std::ceil(position))] * share;
-  const int32_t brightness = ToInteger(weight * 255 + 0.5);
-  const int32_t colour = ToInteger(weight * 510 + 0.5);
-  return {colour * colour, brightness * brightness};
+  const auto brightness = static_cast<uint32_t>(weight * 255 + 0.5);
+  const auto colour = static_cast<uint32_t>(weight * 510 + 0.5);
+  return {DividerBy(colour * colour), DividerBy(brightness * brightness)};
 }
 
 // Squared tolerance of disparity differences, in 1/65536 of a disparity.
-int32_t DepthTolerance(double focus, const GrowthLimits& limits) {
-  const double reach = 0.01 * (limits.background * limits.grow_limit);
+int32_t DepthTolerance(const GrowthLimits& limits, double background) {
+  const double reach = 0.01 * (background * limits.grow_limit);
+  const double focus = limits.focus;
   const double tolerance =
       (65536 / (focus - reach) - 65536 / (focus + reach)) * 0.7;
   return ToInteger(tolerance * tolerance);
 }
 
-// The cost of a difference: its square in units of the tolerance. The product
-// has 32 bits.
-int32_t Cost(uint32_t difference, int32_t squared_tolerance) {
-  const auto scaled =
-      static_cast<int32_t>(difference * difference * uint32_t{1024});
-  return -((scaled / squared_tolerance) >> 3);
-}
-
 uint32_t Distance(int32_t a, int32_t b) {
   return static_cast<uint32_t>(std::abs(a - b));
+}
+
+uint64_t LoadEight(const uint8_t* bytes) {
+  uint64_t eight = 0;
+  std::memcpy(&eight, bytes, sizeof(eight));
+  return eight;
+}
+
+constexpr uint64_t kEachByte = 0x0101010101010101;
+
+// What is known of a pixel.
+constexpr uint8_t kOpen = 1;     // may be reached
+constexpr uint8_t kSeed = 2;
+constexpr uint8_t kReached = 64;  // from a seed
+constexpr uint8_t kAtTop = 4;
+constexpr uint8_t kAtLeft = 8;
+constexpr uint8_t kAtRight = 16;
+constexpr uint8_t kAtBottom = 32;
+constexpr uint8_t kAtBorder = kAtTop | kAtLeft | kAtRight | kAtBottom;
+
+struct Entry {
+  uint32_t index;
+  int32_t budget;
+};
+
+size_t Slack(ImageSize size) {
+  return (static_cast<size_t>(size.width) + 8 + 7) / 8 * 8;
 }
 
 class Growth {
@@ -80,145 +112,176 @@ class Growth {
       : disparity_(disparity),
         image_(image),
         limits_(limits),
-        focus_(std::max(limits.focus, 1)),
+        background_(limits.focus - limits.min),
         min_(std::max(limits.min, 1)),
         max_(std::max(limits.max, 1)),
-        grow_limit_(std::min(limits.grow_limit, kFullGrowLimit)),
-        costs_(reinterpret_cast<int32_t*>(scratch.bytes())),
-        stack_(reinterpret_cast<uint32_t*>(scratch.bytes()) + disparity.size()),
-        scores_(scratch.bytes() + disparity.size() * 8) {
+        width_(static_cast<uint32_t>(disparity.width)),
+        stack_(reinterpret_cast<Entry*>(scratch.bytes())),
+        states_(scratch.bytes() + disparity.size() * 8 +
+                Slack(disparity.extent())),
+        scores_(states_ + disparity.size() + Slack(disparity.extent())) {
     for (int32_t s = 0; s <= kFullGrowLimit; ++s) {
       tolerances_[static_cast<size_t>(s)] = ToleranceOf(s);
     }
-    depth_tolerance_ = DepthTolerance(focus_, limits);
-  }
-
-  // Scores every pixel and pushes the seeds in raster order.
-  void Seed() {
-    const double per_percent = 1.0 / limits_.background;
-    for (size_t i = 0; i < disparity_.size(); ++i) {
-      const int32_t behind = focus_ - disparity_.data[i];
-      const int32_t score =
-          behind > 0 ? ToInteger(behind * 100 * per_percent + 0.5) : 0;
-      scores_[i] = static_cast<uint8_t>(std::clamp(score, 0, 100));
-      const bool is_seed = scores_[i] <= limits_.seed_limit;
-      costs_[i] = is_seed ? 0 : kNotReached;
-      if (is_seed) stack_[stack_size_++] = static_cast<uint32_t>(i);
+    depth_tolerance_ = DepthTolerance(limits, background_);
+    if (depth_tolerance_ != 0) {
+      depth_divider_ = DividerBy(static_cast<uint32_t>(depth_tolerance_));
     }
   }
 
-  void Grow() {
-    if (depth_tolerance_ == 0) return;
-    while (stack_size_ > 0) {
-      const uint32_t index = stack_[--stack_size_];
-      const auto width = static_cast<uint32_t>(disparity_.width);
-      const auto x = static_cast<int32_t>(index % width);
-      const auto y = static_cast<int32_t>(index / width);
-      const int32_t threshold = Threshold(costs_[index]);
-      TryNeighbour(x, y, 0, -1, threshold);
-      TryNeighbour(x, y, -1, 0, threshold);
-      TryNeighbour(x, y, 1, 0, threshold);
-      TryNeighbour(x, y, 0, 1, threshold);
-    }
-  }
-
-  void WriteMask(Plane<uint8_t> mask) const {
+  void Run(Plane<uint8_t> mask) {
+    Classify();
+    if (depth_tolerance_ != 0) Grow();
     for (size_t i = 0; i < mask.size(); ++i) {
-      mask.data[i] = costs_[i] != kNotReached ? 255 : 0;
+      mask.data[i] = (states_[i] & (kSeed | kReached)) != 0 ? 255 : 0;
     }
   }
 
  private:
-  static int32_t Threshold(int32_t parent_cost) {
-    const double bonus = std::trunc(std::min(parent_cost + kParentBonus, 0.0));
-    return ToInteger(kLowestLikelihood - bonus);
+  [[nodiscard]] int32_t ScoreOf(int32_t disparity) const {
+    const int32_t behind = limits_.focus - disparity;
+    if (behind <= 0) return 0;
+    const double per_percent = 1.0 / background_;
+    return std::clamp(ToInteger(behind * 100 * per_percent + 0.5), 0, 100);
   }
 
-  [[nodiscard]] size_t IndexOf(int32_t x, int32_t y) const {
-    return static_cast<size_t>(x) +
-           static_cast<size_t>(y) * static_cast<size_t>(disparity_.width);
+  // Scores fall with the disparity: the first one with at most that score.
+  [[nodiscard]] int32_t FirstUpTo(int32_t score) const {
+    int32_t low = 0, high = limits_.focus;
+    while (low < high) {
+      const int32_t middle = (low + high) / 2;
+      if (ScoreOf(middle) <= score) {
+        high = middle;
+      } else {
+        low = middle + 1;
+      }
+    }
+    return low;
+  }
+
+  void Classify() {
+    const int32_t grow_limit = std::min(limits_.grow_limit, kFullGrowLimit);
+    const auto seed_from = static_cast<uint16_t>(FirstUpTo(limits_.seed_limit));
+    const auto open_from = static_cast<uint16_t>(FirstUpTo(grow_limit));
+    for (int32_t d = open_from; d < seed_from; ++d) {
+      scores_[d] = static_cast<uint8_t>(ScoreOf(d));
+    }
+    const size_t size = disparity_.size();
+    std::memset(states_ - Slack(disparity_.extent()), 0,
+                Slack(disparity_.extent()));
+    std::memset(states_ + size, 0, Slack(disparity_.extent()));
+    for (size_t i = 0; i < size; ++i) {
+      const uint16_t d = disparity_.data[i];
+      const uint8_t state = d >= open_from ? kOpen : 0;
+      states_[i] = d >= seed_from ? kSeed : state;
+    }
+    if (size == 0) return;
+    uint8_t* last = states_ + size - width_;
+    for (uint32_t x = 0; x < width_; ++x) states_[x] |= kAtTop;
+    for (uint32_t x = 0; x < width_; ++x) last[x] |= kAtBottom;
+    for (uint8_t* row = states_; row <= last; row += width_) {
+      row[0] |= kAtLeft;
+      row[width_ - 1] |= kAtRight;
+    }
+  }
+
+  void Grow() {
+    const size_t size = disparity_.size();
+    for (size_t end = (size + 7) / 8 * 8; end > 0; end -= 8) {
+      const uint8_t* eight = states_ + end - 8;
+      uint64_t active = LoadEight(eight - 1) | LoadEight(eight + 1) |
+                        LoadEight(eight - width_) | LoadEight(eight + width_);
+      active &= LoadEight(eight) / kSeed & kEachByte;
+      while (active != 0) {
+        const int bit = 63 - std::countl_zero(active);
+        active ^= uint64_t{1} << bit;
+        GrowFrom(static_cast<uint32_t>(end - 8) +
+                 static_cast<uint32_t>(bit / 8));
+      }
+    }
+  }
+
+  void GrowFrom(uint32_t seed) {
+    Entry* top = stack_;
+    *top++ = {seed, kHighestCost};
+    while (top != stack_) {
+      const Entry entry = *--top;
+      const uint32_t p = entry.index;
+      const uint32_t at = states_[p] & kAtBorder;
+      const auto try_to = [&](uint32_t q, uint32_t r, uint8_t border,
+                              uint8_t mirror_border) {
+        if ((at & border) != 0 || (states_[q] & kOpen) == 0) return;
+        const int32_t cost = CostOf(p, q, (at & mirror_border) != 0 ? p : r);
+        if (cost > entry.budget) return;
+        states_[q] ^= kOpen | kReached;
+        *top++ = {q, kHighestCost + std::min(kCostWithoutPenalty - cost, 0)};
+      };
+      try_to(p - width_, p + width_, kAtTop, kAtBottom);
+      try_to(p - 1, p + 1, kAtLeft, kAtRight);
+      try_to(p + 1, p - 1, kAtRight, kAtLeft);
+      try_to(p + width_, p - width_, kAtBottom, kAtTop);
+    }
+  }
+
+  // Cost of going from p, with mirror neighbour r, to q.
+  [[nodiscard]] int32_t CostOf(uint32_t p, uint32_t q, uint32_t r) const {
+    const int32_t dq = disparity_.data[q];
+    const Tolerance& tolerance = tolerances_[scores_[dq]];
+    const uint32_t colour = PlaneDifference(image_.plane1, p, q, r) +
+                            PlaneDifference(image_.plane2, p, q, r);
+    const uint32_t brightness = PlaneDifference(image_.plane0, p, q, r);
+    return DepthCost(p, q, r) + Quotient(colour * colour, tolerance.colour) +
+           Quotient(brightness * brightness, tolerance.brightness);
   }
 
   [[nodiscard]] int32_t ClampedDisparity(size_t index) const {
     return std::max(std::min<int32_t>(disparity_.data[index], max_), min_);
   }
 
-  void TryNeighbour(int32_t x, int32_t y, int32_t dx, int32_t dy,
-                    int32_t threshold) {
-    const int32_t qx = x + dx;
-    const int32_t qy = y + dy;
-    if (qx < 0 || qy < 0 || qx >= disparity_.width || qy >= disparity_.height) {
-      return;
-    }
-    const size_t q = IndexOf(qx, qy);
-    if (costs_[q] != kNotReached || scores_[q] > grow_limit_) return;
-    const size_t p = IndexOf(x, y);
-    const size_t r = IndexOf(std::clamp(x - dx, 0, disparity_.width - 1),
-                             std::clamp(y - dy, 0, disparity_.height - 1));
-    const int32_t cost = CostOf(p, q, r, threshold);
-    if (cost == kNotReached) return;
-    costs_[q] = cost;
-    stack_[stack_size_++] = static_cast<uint32_t>(q);
-  }
-
-  // Cost of going from p, with mirror neighbour r, to q; kNotReached when it is
-  // below the threshold.
-  [[nodiscard]] int32_t CostOf(size_t p, size_t q, size_t r,
-                               int32_t threshold) const {
-    const int32_t dq = ClampedDisparity(q);
-    const Tolerance tolerance =
-        dq >= focus_ ? Tolerance{kWidestColour, kWidestBrightness}
-                     : tolerances_[scores_[q]];
-    if (tolerance.colour == 0 || tolerance.brightness == 0) return kNotReached;
-
-    int32_t cost = Cost(DepthDifference(p, q, r), depth_tolerance_);
-    if (cost < threshold) return kNotReached;
-    cost += Cost(PlaneDifference(image_.plane1, p, q, r) +
-                     PlaneDifference(image_.plane2, p, q, r),
-                 tolerance.colour);
-    if (cost < threshold) return kNotReached;
-    cost += Cost(PlaneDifference(image_.plane0, p, q, r), tolerance.brightness);
-    return cost < threshold ? kNotReached : cost;
-  }
-
   // Disparities are 1 or more here, and below 65536.
-  [[nodiscard]] uint32_t DepthDifference(size_t p, size_t q, size_t r) const {
+  [[nodiscard]] int32_t DepthCost(uint32_t p, uint32_t q, uint32_t r) const {
     const int32_t dp = ClampedDisparity(p);
-    const int32_t dq = ClampedDisparity(q);
-    const int32_t dr = ClampedDisparity(r);
     const auto step = [dp](int32_t other) {
-      const auto scaled =
-          static_cast<int32_t>(Distance(dp, other) * uint32_t{65536});
-      return static_cast<uint32_t>(scaled / dp / other);
+      const uint32_t scaled = Distance(dp, other) * uint32_t{65536};
+      return scaled / (static_cast<uint32_t>(dp) * static_cast<uint32_t>(other));
     };
-    return step(dq) + step(dr);
+    const uint32_t difference =
+        step(ClampedDisparity(q)) + step(ClampedDisparity(r));
+    if (difference < 1448) {
+      return Quotient(difference * difference, depth_divider_);
+    }
+    // The product has 32 bits.
+    const auto scaled =
+        static_cast<int32_t>(difference * difference * uint32_t{1024});
+    return (scaled / depth_tolerance_) >> 3;
   }
 
-  static uint32_t PlaneDifference(const uint8_t* plane, size_t p, size_t q,
-                                  size_t r) {
+  static uint32_t PlaneDifference(const uint8_t* plane, uint32_t p, uint32_t q,
+                                  uint32_t r) {
     return Distance(plane[q], plane[p]) + Distance(plane[r], plane[p]);
   }
 
   Plane<const uint16_t> disparity_;
   ThreePlanes image_;
   GrowthLimits limits_;
-  int32_t focus_;
+  int32_t background_;
   int32_t min_;
   int32_t max_;
-  int32_t grow_limit_;  // beyond the full limit there is no tolerance
+  uint32_t width_;
   int32_t depth_tolerance_ = 0;
+  Divider depth_divider_;
   std::array<Tolerance, kFullGrowLimit + 1> tolerances_ = {};
-  int32_t* costs_;
-  uint32_t* stack_;  // a pixel is pushed once
-  size_t stack_size_ = 0;
-  uint8_t* scores_;
+  Entry* stack_;  // a pixel is pushed once
+  uint8_t* states_;
+  uint8_t* scores_;  // by disparity
 };
 
 }  // namespace
 
 bool ReserveRegionGrowing(ImageSize size, Buffer& scratch) {
-  // A cost, an entry of the stack and a score for each pixel.
-  return scratch.Reserve(ByteCount(size, 4 + 4 + 1));
+  const auto pixels = ByteCount(size, 4 + 4 + 1);
+  if (!pixels) return false;
+  return scratch.Reserve(*pixels + 2 * Slack(size) + (UINT16_MAX + 1));
 }
 
 bool GrowFocusRegion(Plane<const uint16_t> disparity, const ThreePlanes& image,
@@ -230,10 +293,7 @@ bool GrowFocusRegion(Plane<const uint16_t> disparity, const ThreePlanes& image,
     return true;
   }
   if (!ReserveRegionGrowing(disparity.extent(), scratch)) return false;
-  Growth growth(disparity, image, limits, scratch);
-  growth.Seed();
-  growth.Grow();
-  growth.WriteMask(mask);
+  Growth(disparity, image, limits, scratch).Run(mask);
   return true;
 }
 
