@@ -2,12 +2,14 @@
 #include "depth/focus_mask.h"
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 
+#include "base/kernel_set.h"
 #include "base/log.h"
+#include "depth/map_kernels.h"
 
 namespace zuqel {
 namespace {
@@ -21,41 +23,43 @@ int32_t Percent(int32_t range, int32_t percent) {
   return range * percent / 100;
 }
 
-// 255 - 255 * part / whole in 8 bits; a whole of 0 gives 255.
-uint8_t Complement(int32_t part, int32_t whole) {
-  const int32_t quotient = whole == 0 ? 0 : part * 255 / whole;
-  return static_cast<uint8_t>(~quotient);
-}
-
-// The mask byte depends on the clamped value alone: it is computed once for
-// each value of the range and looked up for each pixel.
-template <typename MaskByte>
-void MapValues(Plane<const uint16_t> values, const FocusRange& range,
-               MaskByte mask_byte, Plane<uint8_t> mask) {
-  std::array<uint8_t, UINT16_MAX + 1> table;
-  for (int32_t v = range.min; v <= std::max(range.min, range.max); ++v) {
-    table[static_cast<size_t>(v)] = mask_byte(v);
-  }
-  for (size_t i = 0; i < values.size(); ++i) {
-    mask.data[i] = table[ClampToRange(values.data[i], range)];
-  }
-}
-
 void FillWithZeros(Plane<uint8_t> mask) {
   if (mask.size() > 0) std::memset(mask.data, 0, mask.size());
 }
 
-// Sharp up to the focus, blurred from the middle of the range on.
-void MaskOnBackground(Plane<const uint16_t> disparity, const FocusRange& range,
-                      int32_t focus, int32_t middle, Plane<uint8_t> mask) {
-  MapValues(
-      disparity, range,
-      [=](int32_t d) -> uint8_t {
-        if (d <= focus) return 0;
-        if (d >= middle) return 255;
-        return Complement(d - focus, middle - focus);
-      },
-      mask);
+// The side of the focus on which values are out of focus.
+enum class Side : uint8_t { kAbove, kBelow };
+
+// No value of a range lies beyond it, so that none has to be clamped to it: all
+// beyond the ramp are blurred. In an empty range every value is the focus.
+void WriteRamp(Plane<const uint16_t> values, const FocusRange& range, Side side,
+               const MaskRamp& ramp, Plane<uint8_t> mask) {
+  if (range.max <= range.min) {
+    FillWithZeros(mask);
+    return;
+  }
+  const MapKernels& kernels = Kernels<MapKernels>();
+  const auto write =
+      side == Side::kAbove ? kernels.ramp_above : kernels.ramp_below;
+  write(values.data, values.size(), ramp, mask.data);
+}
+
+// Sharp at the focus, blurred from the middle of the range on.
+MaskRamp RampToMiddle(int32_t focus, int32_t middle) {
+  const int32_t whole = std::abs(middle - focus);
+  return {.focus = static_cast<uint16_t>(focus),
+          .sharp_to = 0,
+          .ramp_to = static_cast<uint16_t>(std::max(whole - 1, 0)),
+          .whole = static_cast<uint16_t>(whole)};
+}
+
+// Between percentages of the background.
+MaskRamp RampWithin(int32_t focus, int32_t background, int32_t sharp_percent,
+                    int32_t blurred_percent) {
+  return {.focus = static_cast<uint16_t>(focus),
+          .sharp_to = static_cast<uint16_t>(Percent(background, sharp_percent)),
+          .ramp_to = static_cast<uint16_t>(Percent(background, blurred_percent)),
+          .whole = static_cast<uint16_t>(background)};
 }
 
 // Writes a decision to standard output.
@@ -79,26 +83,17 @@ void FocusMaskDisparity(Plane<const uint16_t> disparity,
   if (background <= foreground / 2) {
     ZUQEL_LOG("Focus at BG!\n");
     const int32_t middle = (range.min + range.max) >> 1;
-    MaskOnBackground(disparity, range, focus, middle, mask);
+    WriteRamp(disparity, range, Side::kAbove, RampToMiddle(focus, middle), mask);
     ZUQEL_LOG("AllinMaxDisp = %d\n", middle);
     return;
   }
   static_cast<void>(std::puts("Focus at FG!"));
-  const auto blurred_below =
-      static_cast<uint16_t>(focus - Percent(background, 40));
-  const auto sharp_from =
-      static_cast<uint16_t>(focus - Percent(background, 30));
-  MapValues(
-      disparity, range,
-      [=](int32_t d) -> uint8_t {
-        if (d >= sharp_from) return 0;
-        if (d < blurred_below) return 255;
-        return Complement(focus - d, background);
-      },
-      mask);
+  const MaskRamp ramp = RampWithin(focus, background, 30, 40);
+  WriteRamp(disparity, range, Side::kBelow, ramp, mask);
   ZUQEL_LOG("AllinMaxDisp = %d\n",
             static_cast<uint16_t>(focus + Percent(foreground, 40)));
-  ZUQEL_LOG("AllinMinDisp = %d\n", sharp_from);
+  ZUQEL_LOG("AllinMinDisp = %d\n",
+            static_cast<uint16_t>(focus - ramp.sharp_to));
 }
 
 void FocusMaskDist(Plane<const uint16_t> distance, const FocusRange& range,
@@ -114,32 +109,16 @@ void FocusMaskDist(Plane<const uint16_t> distance, const FocusRange& range,
   Print("dRangeFg", foreground);
   if (foreground >= background) {
     const int32_t middle = (range.min + range.max) >> 1;
-    MapValues(
-        distance, range,
-        [=](int32_t d) -> uint8_t {
-          if (d >= focus) return 0;
-          if (d <= middle) return 255;
-          return Complement(focus - d, focus - middle);
-        },
-        mask);
+    WriteRamp(distance, range, Side::kBelow, RampToMiddle(focus, middle), mask);
     static_cast<void>(std::puts("Focus at BG!"));
     Print("AllinMaxDisp", range.max);
     Print("AllinMinDisp", middle);
     return;
   }
-  const auto sharp_to = static_cast<uint16_t>(focus + Percent(background, 20));
-  const auto blurred_above =
-      static_cast<uint16_t>(focus + Percent(background, 40));
-  MapValues(
-      distance, range,
-      [=](int32_t d) -> uint8_t {
-        if (d <= sharp_to) return 0;
-        if (d > blurred_above) return 255;
-        return Complement(d - focus, background);
-      },
-      mask);
+  const MaskRamp ramp = RampWithin(focus, background, 20, 40);
+  WriteRamp(distance, range, Side::kAbove, ramp, mask);
   static_cast<void>(std::puts("Focus at FG!"));
-  Print("AllinMaxDisp", sharp_to);
+  Print("AllinMaxDisp", static_cast<uint16_t>(focus + ramp.sharp_to));
   Print("AllinMinDisp", static_cast<uint16_t>(focus - Percent(foreground, 60)));
 }
 
@@ -167,7 +146,7 @@ bool FocusMaskExpansion(Plane<const uint16_t> disparity,
   }
   static_cast<void>(std::puts("Focus at BG!"));
   const int32_t middle = (range.min + range.max) >> 1;
-  MaskOnBackground(disparity, range, focus, middle, mask);
+  WriteRamp(disparity, range, Side::kAbove, RampToMiddle(focus, middle), mask);
   Print("AllinMaxDisp", middle);
   return true;
 }

@@ -9,6 +9,9 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "base/kernel_set.h"
+#include "depth/map_kernels.h"
+
 namespace zuqel {
 namespace {
 
@@ -86,15 +89,11 @@ uint64_t LoadEight(const uint8_t* bytes) {
 
 constexpr uint64_t kEachByte = 0x0101010101010101;
 
-// What is known of a pixel.
-constexpr uint8_t kOpen = 1;     // may be reached
-constexpr uint8_t kSeed = 2;
-constexpr uint8_t kReached = 64;  // from a seed
-constexpr uint8_t kAtTop = 4;
-constexpr uint8_t kAtLeft = 8;
-constexpr uint8_t kAtRight = 16;
-constexpr uint8_t kAtBottom = 32;
-constexpr uint8_t kAtBorder = kAtTop | kAtLeft | kAtRight | kAtBottom;
+// Sides of the image that a pixel touches, next to what is known of it.
+constexpr uint8_t kAtTop = 16;
+constexpr uint8_t kAtLeft = 32;
+constexpr uint8_t kAtRight = 64;
+constexpr uint8_t kAtBottom = 128;
 
 struct Entry {
   uint32_t index;
@@ -132,9 +131,7 @@ class Growth {
   void Run(Plane<uint8_t> mask) {
     Classify();
     if (depth_tolerance_ != 0) Grow();
-    for (size_t i = 0; i < mask.size(); ++i) {
-      mask.data[i] = (states_[i] & (kSeed | kReached)) != 0 ? 255 : 0;
-    }
+    kernels_.mask_reached(states_, mask.size(), mask.data);
   }
 
  private:
@@ -170,11 +167,7 @@ class Growth {
     std::memset(states_ - Slack(disparity_.extent()), 0,
                 Slack(disparity_.extent()));
     std::memset(states_ + size, 0, Slack(disparity_.extent()));
-    for (size_t i = 0; i < size; ++i) {
-      const uint16_t d = disparity_.data[i];
-      const uint8_t state = d >= open_from ? kOpen : 0;
-      states_[i] = d >= seed_from ? kSeed : state;
-    }
+    kernels_.classify(disparity_.data, size, open_from, seed_from, states_);
     if (size == 0) return;
     uint8_t* last = states_ + size - width_;
     for (uint32_t x = 0; x < width_; ++x) states_[x] |= kAtTop;
@@ -207,7 +200,7 @@ class Growth {
     while (top != stack_) {
       const Entry entry = *--top;
       const uint32_t p = entry.index;
-      const uint32_t at = states_[p] & kAtBorder;
+      const uint32_t at = states_[p];
       const auto try_to = [&](uint32_t q, uint32_t r, uint8_t border,
                               uint8_t mirror_border) {
         if ((at & border) != 0 || (states_[q] & kOpen) == 0) return;
@@ -261,6 +254,7 @@ class Growth {
     return Distance(plane[q], plane[p]) + Distance(plane[r], plane[p]);
   }
 
+  const MapKernels& kernels_ = Kernels<MapKernels>();
   Plane<const uint16_t> disparity_;
   ThreePlanes image_;
   GrowthLimits limits_;

@@ -4,7 +4,10 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <numeric>
+#include <cstring>
+
+#include "base/kernel_set.h"
+#include "depth/map_kernels.h"
 
 namespace zuqel {
 namespace {
@@ -12,11 +15,11 @@ namespace {
 constexpr int32_t kLargest = 1023;
 
 // Neighbours mostly have equal values, so with one counter per value each
-// increment would wait for the store of the one before. Eight pixels in a row
-// use eight counters instead. A value's counters lie side by side: tables of
+// increment would wait for the store of the one before. Four pixels in a row
+// use four counters instead. A value's counters lie side by side: tables of
 // 4096 bytes each would alias in the low address bits that processors compare
 // first when they match loads with earlier stores.
-constexpr size_t kLanes = 8;
+constexpr size_t kLanes = 4;
 using Bin = std::array<uint32_t, kLanes>;
 
 // Pixels by value. A map has fewer than 2^31 bytes: no counter overflows.
@@ -24,6 +27,8 @@ using Histogram = std::array<uint32_t, kLargest + 1>;
 
 // Values above the largest count as that.
 Histogram HistogramOf(Plane<const uint16_t> values) {
+  // Of four values at once.
+  constexpr uint64_t kAboveLargest = 0xFC00FC00FC00FC00;
   std::array<Bin, kLargest + 1> bins = {};
   const auto count = [&bins](uint16_t value, size_t lane) {
     ++bins[std::min<size_t>(value, kLargest)][lane];
@@ -31,13 +36,24 @@ Histogram HistogramOf(Plane<const uint16_t> values) {
   const uint16_t* pixels = values.data;
   const size_t whole = values.size() / kLanes * kLanes;
   for (size_t i = 0; i < whole; i += kLanes) {
-    for (size_t lane = 0; lane < kLanes; ++lane) count(pixels[i + lane], lane);
+    uint64_t four = 0;
+    std::memcpy(&four, pixels + i, sizeof(four));
+    if ((four & kAboveLargest) != 0) {
+      for (size_t lane = 0; lane < kLanes; ++lane) {
+        count(pixels[i + lane], lane);
+      }
+      continue;
+    }
+    ++bins[four & UINT16_MAX][0];
+    ++bins[four >> 16 & UINT16_MAX][1];
+    ++bins[four >> 32 & UINT16_MAX][2];
+    ++bins[four >> 48][3];
   }
   for (size_t i = whole; i < values.size(); ++i) count(pixels[i], 0);
   Histogram histogram;
   std::transform(bins.begin(), bins.end(), histogram.begin(),
                  [](const Bin& bin) {
-                   return std::accumulate(bin.begin(), bin.end(), uint32_t{0});
+                   return bin[0] + bin[1] + bin[2] + bin[3];
                  });
   return histogram;
 }
@@ -120,19 +136,13 @@ uint16_t GetFocusDisp(Plane<const uint16_t> disparity, uint16_t x, uint16_t y) {
 }
 
 uint16_t SmallestDistance(Plane<const uint16_t> distance) {
-  uint16_t smallest = UINT16_MAX;
-  for (size_t i = 0; i < distance.size(); ++i) {
-    smallest = std::min(smallest, distance.data[i]);
-  }
-  return smallest;
+  return Kernels<MapKernels>().smallest(distance.data, distance.size());
 }
 
 void QuantiseDistance(Plane<const uint16_t> distance, uint16_t smallest,
                       Plane<uint16_t> quantised) {
-  for (size_t i = 0; i < distance.size(); ++i) {
-    const auto beyond = static_cast<uint16_t>(distance.data[i] - smallest);
-    quantised.data[i] = std::min<uint16_t>(beyond >> 2, kLargest);
-  }
+  Kernels<MapKernels>().quantise(distance.data, distance.size(), smallest,
+                                 quantised.data);
 }
 
 ValueRange GetQuanDistRange(Plane<const uint16_t> quantised, int32_t percent) {
