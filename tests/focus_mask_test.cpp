@@ -76,13 +76,17 @@ TEST_F(FocusMasks, AreDecidedByTheRange) {
       GuardedImage(map),
       GuardedMemory<uint8_t>(Random(1).Values<uint8_t>(3 * map.values.size()))};
   // From 100 to 121, ranges of every split, of one value and of two; a focus
-  // outside; a turned range; a range from 0.
+  // outside; a turned range; a range from 0. From 0 to 1022, ramps of every
+  // length.
   std::vector<FocusRange> ranges = {
       {140, 90, 0}, {140, 90, 1023}, {0, 1023, 500}, {100, 0, 50}};
   for (uint16_t max = 100; max <= 121; ++max) {
     for (uint16_t focus = 100; focus <= max; ++focus) {
       ranges.push_back({max, 100, focus});
     }
+  }
+  for (uint16_t focus = 0; focus <= 1022; ++focus) {
+    ranges.push_back({1022, 0, focus});
   }
   for (const FocusRange& range : ranges) {
     SCOPED_TRACE(testing::Message() << range.min << " to " << range.max
@@ -91,8 +95,19 @@ TEST_F(FocusMasks, AreDecidedByTheRange) {
   }
 }
 
-constexpr auto kSizes = std::to_array<Size>(
-    {{0, 30}, {1, 1}, {1, 30}, {29, 1}, {29, 2}, {5, 30}, {17, 30}, {29, 30}});
+constexpr auto kSizes = std::to_array<Size>({
+    {0, 30},
+    {1, 1},
+    {1, 30},
+    {2, 30},
+    {29, 1},
+    {29, 2},
+    {17, 30},
+    {29, 30},
+    {63, 9},
+    {64, 9},
+    {65, 9},
+});
 
 // A walk of disparities with a few outliers, and a picture of noise.
 Scene DrawScene(int32_t first, int32_t reach, uint32_t picture_levels,

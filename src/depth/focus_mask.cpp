@@ -38,7 +38,7 @@ void WriteRamp(Plane<const uint16_t> values, const FocusRange& range, Side side,
     FillWithZeros(mask);
     return;
   }
-  const MapKernels& kernels = Kernels<MapKernels>();
+  const auto& kernels = Kernels<MapKernels>();
   const auto write =
       side == Side::kAbove ? kernels.ramp_above : kernels.ramp_below;
   write(values.data, values.size(), ramp, mask.data);
@@ -56,10 +56,11 @@ MaskRamp RampToMiddle(int32_t focus, int32_t middle) {
 // Between percentages of the background.
 MaskRamp RampWithin(int32_t focus, int32_t background, int32_t sharp_percent,
                     int32_t blurred_percent) {
-  return {.focus = static_cast<uint16_t>(focus),
-          .sharp_to = static_cast<uint16_t>(Percent(background, sharp_percent)),
-          .ramp_to = static_cast<uint16_t>(Percent(background, blurred_percent)),
-          .whole = static_cast<uint16_t>(background)};
+  return {
+      .focus = static_cast<uint16_t>(focus),
+      .sharp_to = static_cast<uint16_t>(Percent(background, sharp_percent)),
+      .ramp_to = static_cast<uint16_t>(Percent(background, blurred_percent)),
+      .whole = static_cast<uint16_t>(background)};
 }
 
 // Writes a decision to standard output.
@@ -83,7 +84,8 @@ void FocusMaskDisparity(Plane<const uint16_t> disparity,
   if (background <= foreground / 2) {
     ZUQEL_LOG("Focus at BG!\n");
     const int32_t middle = (range.min + range.max) >> 1;
-    WriteRamp(disparity, range, Side::kAbove, RampToMiddle(focus, middle), mask);
+    WriteRamp(disparity, range, Side::kAbove, RampToMiddle(focus, middle),
+              mask);
     ZUQEL_LOG("AllinMaxDisp = %d\n", middle);
     return;
   }
@@ -139,7 +141,6 @@ bool FocusMaskExpansion(Plane<const uint16_t> disparity,
                            {.focus = focus,
                             .max = range.max,
                             .min = range.min,
-                            .background = background,
                             .grow_limit = 40,
                             .seed_limit = 15},
                            scratch, mask);

@@ -18,12 +18,13 @@ struct ThreePlanes {
 };
 
 struct GrowthLimits {
-  int32_t focus = 0;  // disparity in focus
-  int32_t max = 0;    // trimmed range of the map
+  // Disparity in focus, inside the trimmed range of the map. Every disparity is
+  // clamped to the range.
+  int32_t focus = 0;
+  int32_t max = 0;
   int32_t min = 0;
-  int32_t background = 0;  // focus - min
-  // In percent of the background range behind the focus: how far the region may
-  // reach, and up to where every pixel is a seed.
+  // In percent of the range behind the focus: how far the region may reach, and
+  // up to where every pixel is a seed.
   int32_t grow_limit = 0;
   int32_t seed_limit = 0;
 };

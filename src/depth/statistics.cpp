@@ -51,10 +51,9 @@ Histogram HistogramOf(Plane<const uint16_t> values) {
   }
   for (size_t i = whole; i < values.size(); ++i) count(pixels[i], 0);
   Histogram histogram;
-  std::transform(bins.begin(), bins.end(), histogram.begin(),
-                 [](const Bin& bin) {
-                   return bin[0] + bin[1] + bin[2] + bin[3];
-                 });
+  std::transform(
+      bins.begin(), bins.end(), histogram.begin(),
+      [](const Bin& bin) { return bin[0] + bin[1] + bin[2] + bin[3]; });
   return histogram;
 }
 
