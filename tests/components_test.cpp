@@ -134,9 +134,10 @@ TEST(CleanUps, EqualTheirStepsOneByOne) {
   Random choice(1);
   ForEachMask(SIZE_MAX, [&](const Mask& mask, Random& random) {
     ExpectKeepsFocus(mask, {mask.width / 2, mask.height / 2}, scratch);
-    // Inside, in a later row, in front and below.
+    // Inside, in the second ring, in a later row, in front and below.
     const auto others =
         std::to_array<MaskPoint>({{mask.width / 3, mask.height / 3 + 1},
+                                  {1, 1},
                                   {mask.width + 3, mask.height / 4},
                                   {-3, 0},
                                   {1, mask.height}});

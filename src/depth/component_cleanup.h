@@ -20,8 +20,6 @@ struct MaskPoint {
 
 // Memory that the clean-ups share and reuse.
 struct CleanupScratch {
-  Buffer labels;
-  Buffer areas;
   Buffer labelling;
 
   // Makes room for all that a clean-up of masks of this size needs, so that it

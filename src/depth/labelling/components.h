@@ -8,14 +8,9 @@
 #include <span>
 
 #include "base/buffer.h"
-#include "base/image_size.h"
 #include "base/plane.h"
 
 namespace zuqel {
-
-// Grows `scratch` to what LabelComponents needs for masks of this size, so that
-// it cannot fail; false when there is no memory.
-[[nodiscard]] bool ReserveLabelling(ImageSize size, Buffer& scratch);
 
 // Labels the 4-connected components of the pixels that are 255. Row 0 and
 // column 0 are never labelled. A component's label is the smallest of those
