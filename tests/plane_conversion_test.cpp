@@ -74,7 +74,7 @@ TEST(PlaneConversion, EqualsThatOfEachPixelByItself) {
   // The three that there are, one unknown, one negative.
   for (const int32_t format :
        {kFormatNv21, kFormatPlanar, kFormatPacked, 1, -1}) {
-    for (const int32_t width : {0, 1, 2, 3, 4, 5, 7, 8, 15, 17, 32}) {
+    for (const int32_t width : {0, 1, 2, 3, 4, 5, 7, 8, 15, 17, 32, 524}) {
       for (int32_t height = 0; height <= 9; ++height) {
         SCOPED_TRACE(testing::Message() << "format " << format << ", " << width
                                         << " x " << height);
@@ -85,13 +85,16 @@ TEST(PlaneConversion, EqualsThatOfEachPixelByItself) {
 }
 
 TEST(PlaneConversion, PacksMaps) {
-  std::vector<uint8_t> weights = {0, 7, 255};
-  std::vector<uint16_t> depth = {0, 0x3FE, 0xFFFF};
-  std::vector<uint32_t> rgba(3);
-  PackWeights({weights.data(), 3, 1}, rgba);
-  EXPECT_EQ(rgba, (std::vector<uint32_t>{0x80000000, 0x80000007, 0x800000FF}));
-  PackDepth({depth.data(), 1, 3}, rgba);
-  EXPECT_EQ(rgba, (std::vector<uint32_t>{0, 0x3FE, 0xFFFF}));
+  constexpr int32_t kWidth = 67;  // a vector, and some
+  const auto check = [](auto pack, auto image, uint32_t high) {
+    std::vector<uint32_t> rgba(kWidth), expected;
+    pack(image.View(), rgba);
+    for (const uint32_t value : image.values) expected.push_back(value | high);
+    EXPECT_EQ(rgba, expected);
+  };
+  check(PackWeights, NoiseImage<uint8_t>(kWidth, 1, 1), 0x80000000);
+  check(PackRefocusMap, NoiseImage<uint8_t>(kWidth, 1, 2), 0);
+  check(PackDepth, NoiseImage<uint16_t>(kWidth, 1, 3), 0);
 }
 
 }  // namespace
