@@ -285,32 +285,6 @@ TEST_F(ProgramCacheTest, BinariesMayPlaceTheirAttributes) {
   }
 }
 
-TEST_F(ProgramCacheTest, LocationsAreLookedUpAtTheStartOnly) {
-  const auto look_ups = [] {
-    return driver::CallCount(driver::Call::kGetAttribLocation) +
-           driver::CallCount(driver::Call::kGetUniformLocation);
-  };
-  Cache cache(kCacheBytes);
-  for (const char* start : {"compiled", "loaded", "on screen"}) {
-    SCOPED_TRACE(start);
-    const int32_t off_screen = start == std::string("on screen") ? 0 : 1;
-    const int before = look_ups();
-    const ScopedSession session(SmallPreviewInfo(off_screen), cache.data());
-    zuQelRT_GenRefocusMap_init();
-    const int after_start = look_ups();
-    EXPECT_GT(after_start, before);
-    TestFrame frame;
-    for (const int i : {0, 1, 2, 3}) frame.Render(i / 2 == 1, i % 2);
-    for (const auto generate :
-         {zuQelRT_GenRefocusMap, zuQelRT_GenRefocusMap_ZU4410_DispartyBase}) {
-      generate(frame.weights.data(), frame.depth.data(), 3, 4, nullptr, nullptr,
-               nullptr);
-    }
-    EXPECT_EQ(look_ups(), after_start);
-    zuQelRT_GenRefocusMap_Deinit();
-  }
-}
-
 // As on a driver that links programs but keeps no binaries, which has no cache
 // to start from.
 TEST_F(ProgramCacheTest, BinaryWithoutBytesIsRemembered) {

@@ -7,8 +7,6 @@
 #include <utility>
 
 #include "compare.h"
-#include "gl/gl_state.h"
-#include "gl/texture.h"
 #include "test_scene.h"
 #include "test_session.h"
 
@@ -26,11 +24,11 @@ using Uniforms = std::vector<std::pair<const char*, double>>;
 
 constexpr Size kMaps = {320, 240};
 
-Texture Upload(const Image& image) {
-  Texture texture = Texture::Generate();
-  UploadTexture(texture.get(), GL_RGBA, image.size.width, image.size.height,
-                image.rgba.data());
-  BindTexture(texture.get(), image.linear ? GL_LINEAR : GL_NEAREST);
+ImageTexture Upload(const Image& image) {
+  ImageTexture texture = ImageTexture::Generate();
+  texture.Upload(GL_RGBA, {image.size.width, image.size.height},
+                 image.rgba.data());
+  texture.Bind(image.linear ? GL_LINEAR : GL_NEAREST);
   return texture;
 }
 
@@ -49,13 +47,13 @@ class ShaderTest : public testing::Test {
 
   // Draws upright into the first `size` pixels of a target; the same with
   // `shade`. Returns what the GPU made.
-  static Image Check(ProgramRole role, Size size, const Inputs& inputs,
-                     const Uniforms& uniforms, Tolerance tolerance,
-                     const std::function<Rgba(Point)>& shade) {
-    const RenderState& state = RunningRender();
-    const LinkedProgram& program = state.programs[role];
+  Image Check(ProgramRole role, Size size, const Inputs& inputs,
+              const Uniforms& uniforms, Tolerance tolerance,
+              const std::function<Rgba(Point)>& shade) {
+    RenderState& state = RunningRender();
+    LinkedProgram& program = state.programs[role];
     glUseProgram(program.name());
-    std::vector<Texture> textures;
+    std::vector<ImageTexture> textures;
     for (const auto& [sampler, image] : inputs) {
       const auto unit = static_cast<GLint>(textures.size());
       glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(unit));
@@ -69,7 +67,7 @@ class ShaderTest : public testing::Test {
     const GLuint target = state.targets.framebuffer(kOutputTarget);
     glBindFramebuffer(GL_FRAMEBUFFER, target);
     glViewport(0, 0, size.width, size.height);
-    DrawQuad(program, kQuadUpright);
+    drawing_.DrawQuad(program, Quad::kUpright);
     Image gpu = ReadPixels(target, size);
     EXPECT_TRUE(IsNear(gpu.rgba, DrawRange(size, size, Turn::kUpright, shade),
                        tolerance))
@@ -78,7 +76,7 @@ class ShaderTest : public testing::Test {
   }
 
   ScopedSession session_;
-  PlainGlState plain_state_;
+  Drawing drawing_{IsEs3()};
 };
 
 TEST_F(ShaderTest, ProgramsGiveThePlainResult) {

@@ -56,7 +56,7 @@ class ScopedSession {
 inline FrameSession& RunningFrame() {
   return *TheSession().RunningFrame();
 }
-inline const RenderState& RunningRender() {
+inline RenderState& RunningRender() {
   return *RunningFrame().gl.IfCurrent();
 }
 

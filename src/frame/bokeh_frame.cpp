@@ -11,7 +11,6 @@
 #include "frame/frame_upload.h"
 #include "frame/intake.h"
 #include "gl/frame_dump.h"
-#include "gl/gl_state.h"
 
 namespace zuqel {
 namespace {
@@ -32,7 +31,7 @@ void DumpInputs(const FrameSetup& setup, const FrameCall& call,
 
 // Uploads weights or disparity. Without a map everything stays as the frame
 // before left it.
-void UploadMap(const RenderState& state, const FrameSetup& setup,
+void UploadMap(RenderState& state, const FrameSetup& setup,
                const FrameCall& call, const Buffer& rgba,
                DepthStatistics& statistics) {
   if (call.from_depth) {
@@ -71,11 +70,10 @@ void RenderBokehFrame(const FrameSetup& setup, const FrameCall& call,
   const uint32_t preprocess_start = MillisecondClock();
   const FocusPoint centre = FindFocus(call, setup.preview);
 
-  const RenderState* state =
-      session != nullptr ? session->gl.IfCurrent() : nullptr;
-  std::optional<PlainGlState> plain_state;
+  RenderState* state = session != nullptr ? session->gl.IfCurrent() : nullptr;
+  std::optional<FrameDrawing> drawing;
   if (state != nullptr) {
-    plain_state.emplace();
+    drawing.emplace(*state, SizesOf(setup));
     if (setup.has_focus_dot) DrawFocusDot(frame.luma, centre);
     UploadMap(*state, setup, call, session->memory.map_rgba, history.depth);
   }
@@ -93,7 +91,7 @@ void RenderBokehFrame(const FrameSetup& setup, const FrameCall& call,
   ZUQEL_LOG("ret = 0x%x", ZUQEL_SUCCESS);
 
   const uint32_t refocusing_start = MillisecondClock();
-  RenderPasses(state, setup, call, history);
+  RenderPasses(drawing ? &*drawing : nullptr, setup, call, history);
   if (state != nullptr) ReadResult(setup, frame, *session);
   ZUQEL_LOG("gInfo.PreviewWidth, = %d, gInfo.PreviewHeight = %d",
             setup.given_width, setup.given_height);

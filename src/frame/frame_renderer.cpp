@@ -32,37 +32,29 @@ float BlurScale(float f_number) {
   return scale > 0 ? scale : 0.1F;
 }
 
-FrameSizes SizesOf(const FrameSetup& setup) {
-  return {.image = setup.preview,
-          .depth = setup.depth,
-          .work = setup.work,
-          .output = setup.output};
-}
-
 // One frame's way through the passes.
 class FramePasses {
  public:
-  FramePasses(const RenderState& state, const FrameSetup& setup,
+  FramePasses(FrameDrawing& frame, const FrameSetup& setup,
               const FrameCall& call)
-      : state_(state),
+      : frame_(frame),
         setup_(setup),
         call_(call),
-        sizes_(SizesOf(setup)),
         scale_(BlurScale(call.f_number)) {}
 
   void BlurImage() const {
     if (setup_.off_screen && setup_.source_format == kFormatNv21) {
-      PassNv21Pack(state_, sizes_);
+      PassNv21Pack(frame_);
     } else if (setup_.off_screen && !HasReadyTexture()) {
-      PassPlanarYuvPack(state_, sizes_);
+      PassPlanarYuvPack(frame_);
     }
-    PassBlurImage(state_, sizes_, ImageTexture(), scale_);
+    PassBlurImage(frame_, Image(), scale_);
   }
 
   // Weights from depth, cleaned of blurred specks below three pixels by an
   // opening, and softened.
   void MakeWeights(const DepthStatistics& depth) const {
-    PassDepthWeight(state_, sizes_,
+    PassDepthWeight(frame_,
                     {.mouse_x = static_cast<float>(call_.focus_x) /
                                 static_cast<float>(setup_.preview.width),
                      .mouse_y = static_cast<float>(call_.focus_y) /
@@ -71,19 +63,19 @@ class FramePasses {
                      .min_depth = static_cast<float>(depth.min),
                      .max_depth = static_cast<float>(depth.max),
                      .focal_length = setup_.focal_length});
-    PassErodeWeights(state_, sizes_);
-    PassDilateWeights(state_, sizes_);
-    PassBlurWeights(state_, sizes_, scale_);
+    PassErodeWeights(frame_);
+    PassDilateWeights(frame_);
+    PassBlurWeights(frame_, scale_);
   }
 
   void Composite() const {
     PassComposite(
-        state_, sizes_,
-        {.image_texture = ImageTexture(),
-         .weight_texture = call_.from_depth
-                               ? state_.targets.texture(kBlurredWeights)
-                               : state_.inputs[kInputRefocus].get(),
-         .weight_size = call_.from_depth ? sizes_.weights : setup_.work,
+        frame_,
+        {.image = Image(),
+         .weights = call_.from_depth
+                        ? frame_.state.targets.texture(kBlurredWeights)
+                        : frame_.state.inputs[kInputRefocus],
+         .weight_size = call_.from_depth ? frame_.sizes.weights : setup_.work,
          .off_screen = setup_.off_screen,
          .portrait = call_.portrait});
   }
@@ -95,15 +87,14 @@ class FramePasses {
     if (!setup_.off_screen || setup_.source_format == kFormatNv21) return false;
     return call_.from_depth || setup_.source_format != kFormatPlanar;
   }
-  [[nodiscard]] GLuint ImageTexture() const {
-    return HasReadyTexture() ? state_.inputs[kInputY].get()
-                             : state_.targets.texture(kWorkImage);
+  [[nodiscard]] ImageTexture& Image() const {
+    return HasReadyTexture() ? frame_.state.inputs[kInputY]
+                             : frame_.state.targets.texture(kWorkImage);
   }
 
-  const RenderState& state_;
+  FrameDrawing& frame_;
   const FrameSetup& setup_;
   const FrameCall& call_;
-  FrameSizes sizes_;
   float scale_;
 };
 
@@ -126,29 +117,36 @@ void DumpOutput(ImageSize size, const DumpName& name) {
 
 }  // namespace
 
+FrameSizes SizesOf(const FrameSetup& setup) {
+  return {.image = setup.preview,
+          .depth = setup.depth,
+          .work = setup.work,
+          .output = setup.output};
+}
+
 DumpName DumpNameOf(const FrameCall& call, const FrameHistory& history) {
   return {history.counters.dump_number, static_cast<int32_t>(call.focus_x),
           static_cast<int32_t>(call.focus_y)};
 }
 
-void RenderPasses(const RenderState* state, const FrameSetup& setup,
+void RenderPasses(FrameDrawing* frame, const FrameSetup& setup,
                   const FrameCall& call, const FrameHistory& history) {
   StepClock clock;
-  const ImageSize viewport = state != nullptr ? CurrentViewport() : ImageSize{};
+  const ImageSize viewport = frame != nullptr ? CurrentViewport() : ImageSize{};
   ZUQEL_LOG("*VX* zuQelRT_GL initialize shader_bypass(1) = %d (ms)",
             clock.Lap());
-  if (state != nullptr && !setup.off_screen) {
-    PassNv21ToRgb(*state, SizesOf(setup));
+  if (frame != nullptr && !setup.off_screen) {
+    PassNv21ToRgb(*frame);
   }
   if (call.bypass) {
-    if (state != nullptr && !setup.off_screen) {
-      PassBypass(*state, SizesOf(setup), call.portrait);
+    if (frame != nullptr && !setup.off_screen) {
+      PassBypass(*frame, call.portrait);
     }
     return;
   }
 
   std::optional<FramePasses> passes;
-  if (state != nullptr) passes.emplace(*state, setup, call);
+  if (frame != nullptr) passes.emplace(*frame, setup, call);
   ZUQEL_LOG("*VX* zuQelRT_GL minimize depth shader_bypass(2) = %d (ms)",
             clock.Lap());
   ZUQEL_LOG("f number = %f, scale = %f", static_cast<double>(call.f_number),
@@ -162,12 +160,14 @@ void RenderPasses(const RenderState* state, const FrameSetup& setup,
             clock.Lap());
   if (passes) {
     passes->Composite();
-    DrawDebugPictures(
-        state->programs[ProgramRole::CopyProgram], state->debug_pictures,
-        state->targets.framebuffer(kOutputTarget), history.debug_pictures);
+    RenderState& state = frame->state;
+    DrawDebugPictures(frame->drawing, state.programs[ProgramRole::CopyProgram],
+                      state.debug_pictures,
+                      state.targets.framebuffer(kOutputTarget),
+                      history.debug_pictures);
   }
   ZUQEL_LOG("*VX* zuQelRT_GL refocus(2) = %d (ms)", clock.Lap());
-  if (state != nullptr) DumpOutput(viewport, DumpNameOf(call, history));
+  if (frame != nullptr) DumpOutput(viewport, DumpNameOf(call, history));
 }
 
 }  // namespace zuqel

@@ -9,13 +9,15 @@
 
 namespace zuqel {
 
+FrameSizes SizesOf(const FrameSetup& setup);
+
 // What names the dumps of a frame.
 DumpName DumpNameOf(const FrameCall& call, const FrameHistory& history);
 
 // Converts, blurs, weighs and composites. Leaves the framebuffer with the
-// result bound: target 13 off screen, else the default one. With a null `state`
+// result bound: target 13 off screen, else the default one. With a null `frame`
 // there is nothing to draw with; only the log lines of the steps remain.
-void RenderPasses(const RenderState* state, const FrameSetup& setup,
+void RenderPasses(FrameDrawing* frame, const FrameSetup& setup,
                   const FrameCall& call, const FrameHistory& history);
 
 }  // namespace zuqel

@@ -5,6 +5,7 @@
 
 #include "frame/frame_upload.h"
 #include "gl/context.h"
+#include "gl/extensions.h"
 #include "gl/gl_state.h"
 #include "render/cached_programs.h"
 
@@ -16,10 +17,13 @@ InContext<RenderState> MakeRenderState(
     std::optional<GraphicBuffer>& graphic_buffer, uint8_t* program_cache,
     ProgramCache& session_cache) {
   if (!HasContext()) return {};
-  const PlainGlState plain_state;
   RenderState state;
-  for (Texture& input : state.inputs) input = Texture::Generate();
-  for (Texture& picture : state.debug_pictures) picture = Texture::Generate();
+  state.is_es3 = IsEs3();
+  const PlainGlState plain_state(state.is_es3);
+  for (ImageTexture& input : state.inputs) input = ImageTexture::Generate();
+  for (ImageTexture& picture : state.debug_pictures) {
+    picture = ImageTexture::Generate();
+  }
   state.targets = RenderTargets(preview, has_graphic_buffer, graphic_buffer);
   PreparePrograms(program_cache, session_cache, state.programs);
   return InContext<RenderState>(std::move(state));
@@ -50,12 +54,11 @@ FrameSession::FrameSession(const FrameSetup& setup, FrameMemory&& reserved,
       gl(MakeRenderState(setup.preview, has_graphic_buffer, graphic_buffer,
                          program_cache, memory.program_cache)) {}
 
-void TakeDebugPictures(const FrameSession* session, const DebugPicture* table,
+void TakeDebugPictures(FrameSession* session, const DebugPicture* table,
                        FrameHistory& history) {
-  const RenderState* state =
-      session != nullptr ? session->gl.IfCurrent() : nullptr;
+  RenderState* state = session != nullptr ? session->gl.IfCurrent() : nullptr;
   std::optional<PlainGlState> plain_state;
-  if (state != nullptr) plain_state.emplace();
+  if (state != nullptr) plain_state.emplace(state->is_es3);
   LoadDebugPictures(state != nullptr ? &state->debug_pictures : nullptr, table,
                     history.debug_pictures);
 }

@@ -45,7 +45,7 @@ struct FrameSession {
 
 // Takes a table of ten debug pictures. Without a session, or outside its
 // context, nothing is uploaded.
-void TakeDebugPictures(const FrameSession* session, const DebugPicture* table,
+void TakeDebugPictures(FrameSession* session, const DebugPicture* table,
                        FrameHistory& history);
 
 }  // namespace zuqel

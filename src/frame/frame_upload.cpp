@@ -4,8 +4,6 @@
 #include <algorithm>
 #include <cstring>
 
-#include "gl/texture.h"
-
 namespace zuqel {
 namespace {
 
@@ -22,9 +20,12 @@ size_t ChromaPlaneBytes(ImageSize size) {
   return Area(size.width / 2, size.height / 2);
 }
 
-void UploadLuma(const RenderState& state, Plane<const uint8_t> luma) {
-  UploadTexture(state.inputs[kInputY].get(), GL_LUMINANCE, luma.width,
-                luma.height, luma.data);
+ImageSize HalfOf(ImageSize size) {
+  return {size.width / 2, size.height / 2};
+}
+
+void UploadLuma(RenderState& state, Plane<const uint8_t> luma) {
+  state.inputs[kInputY].Upload(GL_LUMINANCE, luma.extent(), luma.data);
 }
 
 // The U plane; bytes past the end of the buffer are 0.
@@ -53,37 +54,34 @@ const uint8_t* ChromaPairs(const Frame& frame, std::span<uint8_t> scratch) {
   return scratch.data();
 }
 
-void UploadNv21(const RenderState& state, const Frame& frame,
+void UploadNv21(RenderState& state, const Frame& frame,
                 std::span<uint8_t> scratch) {
   UploadLuma(state, frame.luma);
-  UploadTexture(state.inputs[kInputUV].get(), GL_LUMINANCE_ALPHA,
-                frame.luma.width / 2, frame.luma.height / 2,
-                ChromaPairs(frame, scratch));
+  state.inputs[kInputUV].Upload(GL_LUMINANCE_ALPHA, HalfOf(frame.luma.extent()),
+                                ChromaPairs(frame, scratch));
 }
 
-void UploadPlanar(const RenderState& state, const Frame& frame, ImageSize size,
+void UploadPlanar(RenderState& state, const Frame& frame, ImageSize size,
                   std::span<uint8_t> scratch) {
   UploadLuma(state, frame.luma);
-  UploadTexture(state.inputs[kInputUV].get(), GL_LUMINANCE, size.width / 2,
-                size.height / 2, UPlane(frame.chroma, size, scratch));
-  UploadTexture(state.inputs[kInputV].get(), GL_LUMINANCE, size.width / 2,
-                size.height / 2, frame.chroma.data());
+  state.inputs[kInputUV].Upload(GL_LUMINANCE, HalfOf(size),
+                                UPlane(frame.chroma, size, scratch));
+  state.inputs[kInputV].Upload(GL_LUMINANCE, HalfOf(size), frame.chroma.data());
 }
 
 }  // namespace
 
-void UploadWeights(const RenderState& state, Plane<const uint8_t> weights,
+void UploadWeights(RenderState& state, Plane<const uint8_t> weights,
                    std::span<uint32_t> rgba) {
   PackWeights(weights, rgba);
-  UploadTexture(state.inputs[kInputRefocus].get(), GL_RGBA, weights.width,
-                weights.height, rgba.data());
+  state.inputs[kInputRefocus].Upload(GL_RGBA, weights.extent(), rgba.data());
 }
 
-void UploadDepth(const RenderState& state, Plane<const uint16_t> depth,
+void UploadDepth(RenderState& state, Plane<const uint16_t> depth,
                  std::span<uint32_t> rgba) {
   PackDepth(depth, rgba);
-  UploadTexture(state.inputs[kInputRefocus].get(), GL_RGBA, depth.width,
-                depth.height, rgba.data(), GL_REPEAT);
+  state.inputs[kInputRefocus].Upload(GL_RGBA, depth.extent(), rgba.data(),
+                                     GL_REPEAT);
 }
 
 size_t ChromaScratchBytes(const FrameSetup& setup) {
@@ -103,7 +101,7 @@ size_t ChromaScratchBytes(const FrameSetup& setup) {
   return 0;
 }
 
-void UploadFrame(const RenderState& state, const FrameSetup& setup,
+void UploadFrame(RenderState& state, const FrameSetup& setup,
                  const Frame& frame, std::span<uint32_t> packed,
                  std::span<uint8_t> chroma_scratch) {
   switch (UploadKindOf(setup)) {
@@ -115,8 +113,7 @@ void UploadFrame(const RenderState& state, const FrameSetup& setup,
       break;
     case UploadKind::kPacked:
       if (setup.source_format == kFormatPacked) PackFrame(frame, packed);
-      UploadTexture(state.inputs[kInputY].get(), GL_RGBA, setup.preview.width,
-                    setup.preview.height, packed.data());
+      state.inputs[kInputY].Upload(GL_RGBA, setup.preview, packed.data());
       break;
   }
 }

@@ -17,11 +17,11 @@ namespace zuqel {
 
 // Weights go to the refocus texture, clamped to the edge. `rgba` has room for a
 // word for each of them.
-void UploadWeights(const RenderState& state, Plane<const uint8_t> weights,
+void UploadWeights(RenderState& state, Plane<const uint8_t> weights,
                    std::span<uint32_t> rgba);
 
 // Disparity goes to the refocus texture, repeated beyond its edges.
-void UploadDepth(const RenderState& state, Plane<const uint16_t> depth,
+void UploadDepth(RenderState& state, Plane<const uint16_t> depth,
                  std::span<uint32_t> rgba);
 
 // Bytes of scratch that UploadFrame needs: none unless the preview has an odd
@@ -32,7 +32,7 @@ size_t ChromaScratchBytes(const FrameSetup& setup);
 // of their planes, chroma sampled nearest off screen, so that a sharp pixel's
 // planes come back exactly; others as one texture of `packed` pixels, which
 // kFormatPacked fills first.
-void UploadFrame(const RenderState& state, const FrameSetup& setup,
+void UploadFrame(RenderState& state, const FrameSetup& setup,
                  const Frame& frame, std::span<uint32_t> packed,
                  std::span<uint8_t> chroma_scratch);
 

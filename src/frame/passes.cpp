@@ -13,129 +13,130 @@ struct PassRow {
   ProgramRole program;
   size_t target;
   ImageSize FrameSizes::*size;
-  const Quad& quad;
+  Quad quad;
 };
 
 constexpr PassRow kNv21ToRgb = {Nv21ToRgbProgram, kWorkImage,
-                                &FrameSizes::conversion, kQuadConversion};
+                                &FrameSizes::conversion, Quad::kConversion};
 constexpr PassRow kNv21Pack = {Nv21PackProgram, kWorkImage, &FrameSizes::image,
-                               kQuadUpright};
+                               Quad::kUpright};
 constexpr PassRow kPlanarYuvPack = {PlanarYuvPackProgram, kWorkImage,
-                                    &FrameSizes::image, kQuadUpright};
+                                    &FrameSizes::image, Quad::kUpright};
 constexpr PassRow kBypass = {CopyProgram, kScreen, &FrameSizes::output,
-                             kQuadFlipCrop};
+                             Quad::kFlipCrop};
 // The two halves of a blur flip the image once each.
 constexpr PassRow kBlurDown = {BlurVProgram, kBlurTemporary, &FrameSizes::blur,
-                               kQuadFlip};
+                               Quad::kFlip};
 constexpr PassRow kBlurImageAcross = {BlurHProgram, kBlurredImage,
-                                      &FrameSizes::blur, kQuadFlip};
+                                      &FrameSizes::blur, Quad::kFlip};
 constexpr PassRow kBlurWeightsAcross = {BlurHProgram, kBlurredWeights,
-                                        &FrameSizes::work, kQuadFlip};
+                                        &FrameSizes::work, Quad::kFlip};
 constexpr PassRow kDepthWeight = {DepthWeightProgram, kWeights,
-                                  &FrameSizes::work, kQuadUpright};
+                                  &FrameSizes::work, Quad::kUpright};
 constexpr PassRow kErodeWeights = {Min3x3Program, kErodedWeights,
-                                   &FrameSizes::work, kQuadUpright};
+                                   &FrameSizes::work, Quad::kUpright};
 constexpr PassRow kDilateWeights = {Max3x3Program, kWeights, &FrameSizes::work,
-                                    kQuadUpright};
+                                    Quad::kUpright};
 constexpr PassRow kComposite = {CompositeProgram, kOutputTarget,
-                                &FrameSizes::output, kQuadUpright};
+                                &FrameSizes::output, Quad::kUpright};
 constexpr PassRow kCompositeOnScreen = {CompositeProgram, kScreen,
-                                        &FrameSizes::output, kQuadFlipCrop};
+                                        &FrameSizes::output, Quad::kFlipCrop};
 
-Pass PassOf(const PassRow& row, const RenderState& state,
-            const FrameSizes& sizes, bool rotated = false) {
+Pass PassOf(const PassRow& row, const FrameDrawing& frame,
+            bool rotated = false) {
+  RenderState& state = frame.state;
   return {state.programs[row.program],
           row.target == kScreen ? 0 : state.targets.framebuffer(row.target),
-          sizes.*row.size, rotated ? kQuadRotate : row.quad};
+          frame.sizes.*row.size, rotated ? Quad::kRotate : row.quad};
 }
 
-void BlurSeparably(const RenderState& state, const FrameSizes& sizes,
-                   const PassRow& across, GLuint source_texture, float scale) {
-  const ImageSize image = sizes.*across.size;
-  DrawBlur(PassOf(kBlurDown, state, sizes), source_texture, image, scale);
-  DrawBlur(PassOf(across, state, sizes), state.targets.texture(kBlurTemporary),
-           image, scale);
+void BlurSeparably(FrameDrawing& frame, const PassRow& across,
+                   ImageTexture& source, float scale) {
+  const ImageSize image = frame.sizes.*across.size;
+  DrawBlur(frame.drawing, PassOf(kBlurDown, frame), source, image, scale);
+  DrawBlur(frame.drawing, PassOf(across, frame),
+           frame.state.targets.texture(kBlurTemporary), image, scale);
 }
 
-void Pick3x3(const RenderState& state, const FrameSizes& sizes,
-             const PassRow& row, size_t source) {
-  DrawPass(PassOf(row, state, sizes),
-           {{"inputImageTexture", 0, state.targets.texture(source),
-             FilterBetween(sizes.weights, sizes.work)}},
-           {{"fWidth", static_cast<float>(sizes.work.width)},
-            {"fHeight", static_cast<float>(sizes.work.height)},
-            {"scale", 1.0F}});
+void Pick3x3(FrameDrawing& frame, const PassRow& row, size_t source) {
+  const ImageSize work = frame.sizes.work;
+  frame.drawing.DrawPass(
+      PassOf(row, frame),
+      {{"inputImageTexture", 0, frame.state.targets.texture(source),
+        FilterBetween(frame.sizes.weights, work)}},
+      {{"fWidth", static_cast<float>(work.width)},
+       {"fHeight", static_cast<float>(work.height)},
+       {"scale", 1.0F}});
 }
 
-void DrawNv21(const RenderState& state, const FrameSizes& sizes,
-              const PassRow& row, GLint filter) {
-  DrawPass(PassOf(row, state, sizes),
-           {{"inputYTexture", 0, state.inputs[kInputY].get(), filter},
-            {"inputUVTexture", 1, state.inputs[kInputUV].get(), filter}});
+void DrawNv21(FrameDrawing& frame, const PassRow& row, GLint filter) {
+  auto& inputs = frame.state.inputs;
+  frame.drawing.DrawPass(PassOf(row, frame),
+                         {{"inputYTexture", 0, inputs[kInputY], filter},
+                          {"inputUVTexture", 1, inputs[kInputUV], filter}});
 }
 
 }  // namespace
 
-void PassNv21ToRgb(const RenderState& state, const FrameSizes& sizes) {
-  DrawNv21(state, sizes, kNv21ToRgb, GL_LINEAR);
+void PassNv21ToRgb(FrameDrawing& frame) {
+  DrawNv21(frame, kNv21ToRgb, GL_LINEAR);
 }
 
-void PassNv21Pack(const RenderState& state, const FrameSizes& sizes) {
-  DrawNv21(state, sizes, kNv21Pack, GL_NEAREST);
+void PassNv21Pack(FrameDrawing& frame) {
+  DrawNv21(frame, kNv21Pack, GL_NEAREST);
 }
 
-void PassPlanarYuvPack(const RenderState& state, const FrameSizes& sizes) {
-  DrawPass(PassOf(kPlanarYuvPack, state, sizes),
-           {{"inputYTexture", 0, state.inputs[kInputY].get(), GL_NEAREST},
-            {"inputUTexture", 1, state.inputs[kInputUV].get(), GL_NEAREST},
-            {"inputVTexture", 2, state.inputs[kInputV].get(), GL_NEAREST}});
+void PassPlanarYuvPack(FrameDrawing& frame) {
+  auto& inputs = frame.state.inputs;
+  frame.drawing.DrawPass(PassOf(kPlanarYuvPack, frame),
+                         {{"inputYTexture", 0, inputs[kInputY], GL_NEAREST},
+                          {"inputUTexture", 1, inputs[kInputUV], GL_NEAREST},
+                          {"inputVTexture", 2, inputs[kInputV], GL_NEAREST}});
 }
 
-void PassBypass(const RenderState& state, const FrameSizes& sizes,
-                bool portrait) {
-  DrawPass(PassOf(kBypass, state, sizes, portrait),
-           {{"inputImageTexture", 0, state.targets.texture(kWorkImage)}});
+void PassBypass(FrameDrawing& frame, bool portrait) {
+  frame.drawing.DrawPass(
+      PassOf(kBypass, frame, portrait),
+      {{"inputImageTexture", 0, frame.state.targets.texture(kWorkImage)}});
 }
 
-void PassBlurImage(const RenderState& state, const FrameSizes& sizes,
-                   GLuint image_texture, float scale) {
-  BlurSeparably(state, sizes, kBlurImageAcross, image_texture, scale);
+void PassBlurImage(FrameDrawing& frame, ImageTexture& image, float scale) {
+  BlurSeparably(frame, kBlurImageAcross, image, scale);
 }
 
-void PassDepthWeight(const RenderState& state, const FrameSizes& sizes,
-                     const DepthWeightUniforms& uniforms) {
-  DrawDepthWeight(PassOf(kDepthWeight, state, sizes),
-                  state.inputs[kInputRefocus].get(), sizes.depth, uniforms);
+void PassDepthWeight(FrameDrawing& frame, const DepthWeightUniforms& uniforms) {
+  DrawDepthWeight(frame.drawing, PassOf(kDepthWeight, frame),
+                  frame.state.inputs[kInputRefocus], frame.sizes.depth,
+                  uniforms);
 }
 
-void PassErodeWeights(const RenderState& state, const FrameSizes& sizes) {
-  Pick3x3(state, sizes, kErodeWeights, kWeights);
+void PassErodeWeights(FrameDrawing& frame) {
+  Pick3x3(frame, kErodeWeights, kWeights);
 }
 
-void PassDilateWeights(const RenderState& state, const FrameSizes& sizes) {
-  Pick3x3(state, sizes, kDilateWeights, kErodedWeights);
+void PassDilateWeights(FrameDrawing& frame) {
+  Pick3x3(frame, kDilateWeights, kErodedWeights);
 }
 
-void PassBlurWeights(const RenderState& state, const FrameSizes& sizes,
-                     float scale) {
-  BlurSeparably(state, sizes, kBlurWeightsAcross,
-                state.targets.texture(kWeights), scale);
+void PassBlurWeights(FrameDrawing& frame, float scale) {
+  BlurSeparably(frame, kBlurWeightsAcross,
+                frame.state.targets.texture(kWeights), scale);
 }
 
-void PassComposite(const RenderState& state, const FrameSizes& sizes,
-                   const CompositeInputs& inputs) {
+void PassComposite(FrameDrawing& frame, const CompositeInputs& inputs) {
   const PassRow& row = inputs.off_screen ? kComposite : kCompositeOnScreen;
+  const FrameSizes& sizes = frame.sizes;
   const bool is_whole = inputs.off_screen && !inputs.portrait;
   const auto filter = [&](ImageSize source) {
     return is_whole ? FilterBetween(source, sizes.output) : GL_LINEAR;
   };
-  DrawPass(PassOf(row, state, sizes, inputs.portrait),
-           {{"inputImageTexture", 0, inputs.image_texture, filter(sizes.image)},
-            {"blurTexture1", 1, state.targets.texture(kBlurredImage),
-             filter(sizes.blur)},
-            {"refocusTexture", 4, inputs.weight_texture,
-             filter(inputs.weight_size)}},
-           {{"blurTexture4", 6}, {"blurLayer", 1}});
+  frame.drawing.DrawPass(
+      PassOf(row, frame, inputs.portrait),
+      {{"inputImageTexture", 0, inputs.image, filter(sizes.image)},
+       {"blurTexture1", 1, frame.state.targets.texture(kBlurredImage),
+        filter(sizes.blur)},
+       {"refocusTexture", 4, inputs.weights, filter(inputs.weight_size)}},
+      {{"blurTexture4", 6}, {"blurLayer", 1}});
 }
 
 }  // namespace zuqel

@@ -33,9 +33,10 @@ inline constexpr size_t kInputCount = 10;
 // All GL objects of the frames. Destroyed from the last: pictures and inputs go
 // before targets, programs at the end.
 struct RenderState {
+  bool is_es3 = false;  // their context
   ProgramTable programs;
   RenderTargets targets;
-  std::array<Texture, kInputCount> inputs;
+  std::array<ImageTexture, kInputCount> inputs;
   DebugTextures debug_pictures;
 };
 
@@ -51,41 +52,46 @@ struct FrameSizes {
   ImageSize weights = {kQuarterWidth, kQuarterHeight};
 };
 
+// A frame on its way: the objects, the draws, and the sizes.
+struct FrameDrawing {
+  FrameDrawing(RenderState& objects, const FrameSizes& frame_sizes)
+      : state(objects), drawing(objects.is_es3), sizes(frame_sizes) {}
+
+  RenderState& state;
+  Drawing drawing;
+  FrameSizes sizes;
+};
+
 // From the input textures to the work image.
-void PassNv21ToRgb(const RenderState& state, const FrameSizes& sizes);
-void PassNv21Pack(const RenderState& state, const FrameSizes& sizes);
-void PassPlanarYuvPack(const RenderState& state, const FrameSizes& sizes);
+void PassNv21ToRgb(FrameDrawing& frame);
+void PassNv21Pack(FrameDrawing& frame);
+void PassPlanarYuvPack(FrameDrawing& frame);
 
 // The work image to the default framebuffer, turned in portrait mode.
-void PassBypass(const RenderState& state, const FrameSizes& sizes,
-                bool portrait);
+void PassBypass(FrameDrawing& frame, bool portrait);
 
-// `image_texture` blurred. `scale` is the blur's reach to either side in texels
+// `image` blurred. `scale` is the blur's reach to either side in texels
 // of the blurred image.
-void PassBlurImage(const RenderState& state, const FrameSizes& sizes,
-                   GLuint image_texture, float scale);
+void PassBlurImage(FrameDrawing& frame, ImageTexture& image, float scale);
 
 // Weights from the refocus texture, then cleaned and softened step by step; the
 // softened ones are in target kBlurredWeights. `scale` as above, in texels of
 // the weights.
-void PassDepthWeight(const RenderState& state, const FrameSizes& sizes,
-                     const DepthWeightUniforms& uniforms);
-void PassErodeWeights(const RenderState& state, const FrameSizes& sizes);
-void PassDilateWeights(const RenderState& state, const FrameSizes& sizes);
-void PassBlurWeights(const RenderState& state, const FrameSizes& sizes,
-                     float scale);
+void PassDepthWeight(FrameDrawing& frame, const DepthWeightUniforms& uniforms);
+void PassErodeWeights(FrameDrawing& frame);
+void PassDilateWeights(FrameDrawing& frame);
+void PassBlurWeights(FrameDrawing& frame, float scale);
 
 // Mixes the image with the blurred one by weight, off screen into the output
 // target, else into the default framebuffer.
 struct CompositeInputs {
-  GLuint image_texture = 0;
-  GLuint weight_texture = 0;
+  ImageTexture& image;
+  ImageTexture& weights;
   ImageSize weight_size;
   bool off_screen = false;
   bool portrait = false;
 };
-void PassComposite(const RenderState& state, const FrameSizes& sizes,
-                   const CompositeInputs& inputs);
+void PassComposite(FrameDrawing& frame, const CompositeInputs& inputs);
 
 }  // namespace zuqel
 

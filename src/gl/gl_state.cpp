@@ -1,6 +1,8 @@
 // Saves GL state, sets defaults, restores on exit.
 #include "gl/gl_state.h"
 
+#include <algorithm>
+
 #include "gl/extensions.h"
 
 namespace zuqel {
@@ -57,7 +59,7 @@ void BindVertexArray(GLint name) {
 
 }  // namespace
 
-PlainGlState::PlainGlState() : is_es3_(IsEs3()) {
+PlainGlState::PlainGlState(bool is_es3) : is_es3_(is_es3) {
   if (is_es3_) {
     glGetIntegerv(kVertexArrayBinding, &vertex_array_);
     if (vertex_array_ != 0) BindVertexArray(0);
@@ -66,33 +68,44 @@ PlainGlState::PlainGlState() : is_es3_(IsEs3()) {
     glGetIntegerv(kBuffers[i].binding, &buffers_[i]);
     glBindBuffer(kBuffers[i].target, 0);
   }
-  for (GLuint i = 0; i < kMaxAttributes; ++i) attributes_[i].emplace(i);
+  for (GLuint i = 0; i < kMaxAttributes; ++i) {
+    attributes_[i].emplace(i, is_es3_);
+  }
   for (size_t i = 0; i < (is_es3_ ? kPixelStore.size() : kEs2PixelStore); ++i) {
-    glGetIntegerv(kPixelStore[i].name, &pixel_store_[i]);
-    glPixelStorei(kPixelStore[i].name, kPixelStore[i].set);
+    const auto [name, set] = kPixelStore[i];
+    glGetIntegerv(name, &pixel_store_[i]);
+    glPixelStorei(name, set);
   }
   for (size_t i = 0; i < kSwitches.size(); ++i) {
     switches_[i] = glIsEnabled(kSwitches[i]);
-    glDisable(kSwitches[i]);
+    if (switches_[i] != GL_FALSE) glDisable(kSwitches[i]);
   }
   glGetBooleanv(GL_COLOR_WRITEMASK, colour_mask_.data());
-  glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
+  if (!AllColoursAreWritten()) glColorMask(GL_TRUE, GL_TRUE, GL_TRUE, GL_TRUE);
 }
 
 PlainGlState::~PlainGlState() {
-  glColorMask(colour_mask_[0], colour_mask_[1], colour_mask_[2],
-              colour_mask_[3]);
+  if (!AllColoursAreWritten()) {
+    glColorMask(colour_mask_[0], colour_mask_[1], colour_mask_[2],
+                colour_mask_[3]);
+  }
   for (size_t i = 0; i < kSwitches.size(); ++i) {
     if (switches_[i] != GL_FALSE) glEnable(kSwitches[i]);
   }
   for (size_t i = 0; i < (is_es3_ ? kPixelStore.size() : kEs2PixelStore); ++i) {
-    glPixelStorei(kPixelStore[i].name, pixel_store_[i]);
+    const auto [name, set] = kPixelStore[i];
+    if (pixel_store_[i] != set) glPixelStorei(name, pixel_store_[i]);
   }
   for (auto& attribute : attributes_) attribute.reset();
   for (size_t i = 0; i < (is_es3_ ? kBuffers.size() : kEs2Buffers); ++i) {
+    if (buffers_[i] == 0) continue;
     glBindBuffer(kBuffers[i].target, static_cast<GLuint>(buffers_[i]));
   }
   if (vertex_array_ != 0) BindVertexArray(vertex_array_);
+}
+
+bool PlainGlState::AllColoursAreWritten() const {
+  return std::count(colour_mask_.begin(), colour_mask_.end(), GL_FALSE) == 0;
 }
 
 }  // namespace zuqel

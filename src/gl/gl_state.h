@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <optional>
 
+#include "gl/extensions.h"
 #include "gl/program.h"
 #include "gl/vertex_attribute.h"
 
@@ -21,14 +22,20 @@ namespace zuqel {
 // array that the caller has enabled must not be left pointing into the library.
 // Blending, clear colour, viewport, and bindings of framebuffer, program and
 // textures are not touched.
+//
+// What decides where GL reads and writes is set even where a query says that it
+// is so already: the query may have failed. What needs no restoring gets none.
 class PlainGlState {
  public:
-  PlainGlState();
+  // `is_es3` says which context is current, for those who have asked before.
+  explicit PlainGlState(bool is_es3 = IsEs3());
   ~PlainGlState();
   PlainGlState(const PlainGlState&) = delete;
   PlainGlState& operator=(const PlainGlState&) = delete;
 
  private:
+  [[nodiscard]] bool AllColoursAreWritten() const;
+
   static constexpr size_t kSwitchCount = 3;
   static constexpr size_t kPixelStoreCount = 8;
   static constexpr size_t kBufferCount = 4;

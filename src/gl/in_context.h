@@ -41,7 +41,7 @@ class InContext {
   }
 
   // The names, where their context is this thread's; else null.
-  [[nodiscard]] const Names* IfCurrent() const {
+  [[nodiscard]] Names* IfCurrent() {
     return IsCurrent(home_) ? &names_ : nullptr;
   }
 

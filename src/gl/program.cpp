@@ -1,6 +1,7 @@
 // Compiles and links programs, and looks up their inputs.
 #include "gl/program.h"
 
+#include <bit>
 #include <utility>
 
 namespace zuqel {
@@ -58,6 +59,29 @@ LinkedProgram::LinkedProgram(Program program, const ProgramInterface& interface)
     uniforms_[i] = glGetUniformLocation(program.get(), interface.uniforms[i]);
   }
   program_ = std::move(program);
+}
+
+bool LinkedProgram::IsNews(size_t index, uint32_t bits) {
+  if (uniforms_[index] < 0 || values_[index] == bits) return false;
+  values_[index] = bits;
+  return true;
+}
+
+void LinkedProgram::SetUniform(size_t index, GLint value) {
+  if (!IsNews(index, static_cast<uint32_t>(value))) return;
+  glUniform1i(uniforms_[index], value);
+}
+
+void LinkedProgram::SetUniform(size_t index, GLfloat value) {
+  if (!IsNews(index, std::bit_cast<uint32_t>(value))) return;
+  glUniform1f(uniforms_[index], value);
+}
+
+void LinkedProgram::SetIdentity(size_t index) {
+  constexpr std::array<GLfloat, 16> kIdentity = {1, 0, 0, 0, 0, 1, 0, 0,
+                                                 0, 0, 1, 0, 0, 0, 0, 1};
+  if (!IsNews(index, 1)) return;
+  glUniformMatrix4fv(uniforms_[index], 1, GL_FALSE, kIdentity.data());
 }
 
 }  // namespace zuqel

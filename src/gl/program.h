@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <span>
 
 #include "gl/gl_handle.h"
@@ -49,16 +51,25 @@ class LinkedProgram {
 
   [[nodiscard]] bool exists() const { return name() != 0; }
   [[nodiscard]] GLuint name() const { return program_.get(); }
-  // Locations, by index in the interface.
+  // Its location, by index in the interface.
   [[nodiscard]] GLint attribute(size_t index) const {
     return attributes_[index];
   }
-  [[nodiscard]] GLint uniform(size_t index) const { return uniforms_[index]; }
+
+  // Set uniforms of the program in use, by index in the interface. A program
+  // keeps its values, so GL hears only of those that change.
+  void SetUniform(size_t index, GLint value);
+  void SetUniform(size_t index, GLfloat value);
+  void SetIdentity(size_t index);  // of a matrix
 
  private:
+  // True if `bits` are new to a uniform that the program has.
+  bool IsNews(size_t index, uint32_t bits);
+
   Program program_;
   std::array<GLint, kMaxAttributes> attributes_;
   std::array<GLint, kMaxUniforms> uniforms_;
+  std::array<std::optional<uint32_t>, kMaxUniforms> values_;  // the bits
 };
 
 }  // namespace zuqel

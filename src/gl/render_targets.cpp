@@ -19,11 +19,11 @@ ImageSize SizeOfTarget(size_t index, ImageSize preview) {
 
 // A graphic buffer cannot be filled by an upload: the texture gets its
 // parameters and takes the buffer's image.
-void BackByGraphicBuffer(GLuint texture, ImageSize size,
+void BackByGraphicBuffer(ImageTexture& texture, ImageSize size,
                          std::optional<GraphicBuffer>& graphic_buffer) {
   ZUQEL_LOG("Graphics buffer +");
   graphic_buffer.emplace(size);
-  SetUpTexture(texture, GL_CLAMP_TO_EDGE);
+  texture.SetUp(GL_CLAMP_TO_EDGE);
   graphic_buffer->BackBoundTexture();
 }
 
@@ -37,7 +37,7 @@ void Attach(GLuint framebuffer, GLuint texture) {
 
 RenderTargets::RenderTargets(ImageSize preview, bool has_graphic_buffer,
                              std::optional<GraphicBuffer>& graphic_buffer) {
-  for (Texture& texture : textures_) texture = Texture::Generate();
+  for (ImageTexture& texture : textures_) texture = ImageTexture::Generate();
   for (Framebuffer& framebuffer : framebuffers_) {
     framebuffer = Framebuffer::Generate();
   }
@@ -47,9 +47,9 @@ RenderTargets::RenderTargets(ImageSize preview, bool has_graphic_buffer,
     if (is_graphic_buffer) {
       BackByGraphicBuffer(texture(i), size, graphic_buffer);
     } else {
-      UploadTexture(texture(i), GL_RGBA, size.width, size.height, nullptr);
+      texture(i).Upload(GL_RGBA, size, nullptr);
     }
-    Attach(framebuffer(i), texture(i));
+    Attach(framebuffer(i), texture(i).get());
     if (is_graphic_buffer) ZUQEL_LOG("Graphics buffer -");
   }
   glBindFramebuffer(GL_FRAMEBUFFER, 0);

@@ -10,6 +10,7 @@
 #include "base/image_size.h"
 #include "gl/gl_handle.h"
 #include "gl/graphic_buffer.h"
+#include "gl/texture.h"
 
 namespace zuqel {
 
@@ -36,9 +37,7 @@ class RenderTargets {
   RenderTargets(ImageSize preview, bool has_graphic_buffer,
                 std::optional<GraphicBuffer>& graphic_buffer);
 
-  [[nodiscard]] GLuint texture(size_t index) const {
-    return textures_[index].get();
-  }
+  ImageTexture& texture(size_t index) { return textures_[index]; }
   [[nodiscard]] GLuint framebuffer(size_t index) const {
     return framebuffers_[index].get();
   }
@@ -46,7 +45,7 @@ class RenderTargets {
  private:
   // Destroyed from the last: the textures go first.
   std::array<Framebuffer, kCount> framebuffers_;
-  std::array<Texture, kCount> textures_;
+  std::array<ImageTexture, kCount> textures_;
 };
 
 }  // namespace zuqel

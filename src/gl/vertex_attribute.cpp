@@ -17,7 +17,7 @@ void SetDivisor(GLuint index, GLint divisor) {
 
 }  // namespace
 
-SavedVertexAttribute::SavedVertexAttribute(GLuint index)
+SavedVertexAttribute::SavedVertexAttribute(GLuint index, bool is_es3)
     : index_(index),
       is_enabled_(Get(GL_VERTEX_ATTRIB_ARRAY_ENABLED)),
       component_count_(Get(GL_VERTEX_ATTRIB_ARRAY_SIZE)),
@@ -26,15 +26,16 @@ SavedVertexAttribute::SavedVertexAttribute(GLuint index)
       stride_bytes_(Get(GL_VERTEX_ATTRIB_ARRAY_STRIDE)),
       buffer_(Get(GL_VERTEX_ATTRIB_ARRAY_BUFFER_BINDING)) {
   glGetVertexAttribPointerv(index, GL_VERTEX_ATTRIB_ARRAY_POINTER, &pointer_);
-  glBindBuffer(GL_ARRAY_BUFFER, 0);
-  if (!IsEs3()) return;
+  if (!is_es3) return;
   is_integer_ = Get(kVertexAttribArrayInteger);
   divisor_ = Get(kVertexAttribArrayDivisor);
   if (divisor_ != 0) SetDivisor(index, 0);
 }
 
 SavedVertexAttribute::~SavedVertexAttribute() {
-  glBindBuffer(GL_ARRAY_BUFFER, static_cast<GLuint>(buffer_));
+  if (buffer_ != 0) {
+    glBindBuffer(GL_ARRAY_BUFFER, static_cast<GLuint>(buffer_));
+  }
   const auto type = static_cast<GLenum>(type_);
   const auto set_integers = GetExtensions().VertexAttribIPointer;
   if (is_integer_ != 0 && set_integers != nullptr) {
@@ -44,7 +45,7 @@ SavedVertexAttribute::~SavedVertexAttribute() {
                           is_normalised_ != 0 ? GL_TRUE : GL_FALSE,
                           stride_bytes_, pointer_);
   }
-  glBindBuffer(GL_ARRAY_BUFFER, 0);
+  if (buffer_ != 0) glBindBuffer(GL_ARRAY_BUFFER, 0);
   if (divisor_ != 0) SetDivisor(index_, divisor_);
   if (is_enabled_ != 0) {
     glEnableVertexAttribArray(index_);

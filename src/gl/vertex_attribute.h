@@ -6,12 +6,12 @@
 
 namespace zuqel {
 
-// Saves one attribute's array and restores it when it dies; leaves array buffer
-// 0 bound both times. Between them the attribute advances per vertex, also
+// Saves one attribute's array and restores it when it dies. Array buffer 0 is
+// bound, and stays so. Between them the attribute advances per vertex, also
 // where the caller had made it advance per instance.
 class SavedVertexAttribute {
  public:
-  explicit SavedVertexAttribute(GLuint index);
+  SavedVertexAttribute(GLuint index, bool is_es3);
   ~SavedVertexAttribute();
   SavedVertexAttribute(const SavedVertexAttribute&) = delete;
   SavedVertexAttribute& operator=(const SavedVertexAttribute&) = delete;

@@ -21,7 +21,7 @@ void Generate(const MapCall& call, const MapWork& work) {
         PlaneOf<const uint16_t>(call.depth, setup.depth), call.x, call.y);
     const Plane<uint8_t> weights =
         PlaneOf(maps.buffers.WeightMap_buffer_char_RM.bytes(), setup.map);
-    const MapDrawing drawing(work);
+    MapDrawing drawing(work);
     drawing.DrawWeights(call, ProgramRole::AllInFocusWeightProgram,
                         statistics.range, focus);
     drawing.Read(weights.data, 1);

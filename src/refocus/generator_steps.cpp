@@ -46,7 +46,7 @@ void OpenMask(Plane<const uint8_t> mask, Plane<uint8_t> eroded, uint8_t* map,
 
 MapDrawing::MapDrawing(const MapWork& work)
     : work_(work), state_(work.maps.gl.IfCurrent()) {
-  if (state_ != nullptr) plain_state_.emplace();
+  if (state_ != nullptr) drawing_.emplace(state_->is_es3);
 }
 
 std::span<uint32_t> MapDrawing::Words() const {
@@ -55,13 +55,13 @@ std::span<uint32_t> MapDrawing::Words() const {
 }
 
 void MapDrawing::DrawWeights(const MapCall& call, ProgramRole program,
-                             const ValueRange& range, uint16_t focus) const {
+                             const ValueRange& range, uint16_t focus) {
   if (state_ == nullptr) return;
   const ImageSize depth = work_.setup.depth;
   UploadRefocusDepth(*state_, PlaneOf<const uint16_t>(call.depth, depth),
                      work_.maps.buffers.pucInputDepthRGBA_RM.words());
   PassRefocusWeights(
-      *state_, program, work_.setup.map, depth,
+      *state_, *drawing_, program, work_.setup.map, depth,
       {.mouse_x = static_cast<float>(call.x) / static_cast<float>(depth.width),
        .mouse_y = static_cast<float>(call.y) / static_cast<float>(depth.height),
        .focus_plane = static_cast<float>(focus),
@@ -70,8 +70,10 @@ void MapDrawing::DrawWeights(const MapCall& call, ProgramRole program,
        .focal_length = work_.setup.focal_length});
 }
 
-void MapDrawing::DrawSoftened(Plane<const uint8_t> map) const {
-  if (state_ != nullptr) PassSoftenRefocusMap(*state_, map, Words());
+void MapDrawing::DrawSoftened(Plane<const uint8_t> map) {
+  if (state_ != nullptr) {
+    PassSoftenRefocusMap(*state_, *drawing_, map, Words());
+  }
 }
 
 void MapDrawing::Read(uint8_t* map, size_t more) const {

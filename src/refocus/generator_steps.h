@@ -8,8 +8,8 @@
 
 #include "base/plane.h"
 #include "depth/statistics.h"
-#include "gl/gl_state.h"
 #include "refocus/generators.h"
+#include "render/pass_draws.h"
 
 namespace zuqel {
 
@@ -46,9 +46,9 @@ class MapDrawing {
 
   // Weights of the call's disparity. `focus` is the disparity in focus.
   void DrawWeights(const MapCall& call, ProgramRole program,
-                   const ValueRange& range, uint16_t focus) const;
+                   const ValueRange& range, uint16_t focus);
   // The map blurred by one texel.
-  void DrawSoftened(Plane<const uint8_t> map) const;
+  void DrawSoftened(Plane<const uint8_t> map);
 
   // What was drawn: the red of each pixel and of `more` past the last.
   void Read(uint8_t* map, size_t more = 0) const;
@@ -58,8 +58,8 @@ class MapDrawing {
   [[nodiscard]] std::span<uint32_t> Words() const;
 
   const MapWork& work_;
-  const RefocusMapState* state_;
-  std::optional<PlainGlState> plain_state_;
+  RefocusMapState* state_;
+  std::optional<Drawing> drawing_;
 };
 
 }  // namespace zuqel

@@ -23,7 +23,7 @@ void Generate(const MapCall& call, const MapWork& work) {
       scratch.refinement.Reserve(setup.map)) {
     const DisparityStatistics statistics =
         TakeDisparity(call, setup, kTrimPercent);
-    const MapDrawing drawing(work);
+    MapDrawing drawing(work);
     drawing.DrawWeights(call, ProgramRole::DepthWeightProgram, statistics.range,
                         statistics.focus);
 

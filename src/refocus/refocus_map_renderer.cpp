@@ -7,7 +7,8 @@
 #include <cstddef>
 #include <utility>
 
-#include "gl/texture.h"
+#include "gl/extensions.h"
+#include "gl/gl_state.h"
 #include "render/cached_programs.h"
 #include "render/plane_conversion.h"
 
@@ -24,14 +25,14 @@ struct PassRow {
 constexpr PassRow kSoftenDown = {ProgramRole::BlurVProgram, 1};
 constexpr PassRow kSoftenAcross = {ProgramRole::BlurHProgram, 0};
 
-Pass PassOf(const PassRow& row, const RefocusMapState& state, ImageSize size) {
+Pass PassOf(const PassRow& row, RefocusMapState& state, ImageSize size) {
   return {state.programs[row.program], state.framebuffers[row.target].get(),
-          size, kQuadUpright};
+          size, Quad::kUpright};
 }
 
 void AttachDepth(GLuint depth_buffer, ImageSize size) {
   glBindRenderbuffer(GL_RENDERBUFFER, depth_buffer);
-  if (FitsDriver(GL_MAX_RENDERBUFFER_SIZE, size.width, size.height)) {
+  if (FitsDriver(GL_MAX_RENDERBUFFER_SIZE, size)) {
     glRenderbufferStorage(GL_RENDERBUFFER, GL_DEPTH_COMPONENT24_OES, size.width,
                           size.height);
   }
@@ -39,12 +40,12 @@ void AttachDepth(GLuint depth_buffer, ImageSize size) {
                             GL_RENDERBUFFER, depth_buffer);
 }
 
-void SetUpTarget(const RefocusMapState& state, size_t index, ImageSize size) {
-  const GLuint colour = state.colour_textures[index].get();
-  UploadTexture(colour, GL_RGBA, size.width, size.height, nullptr, GL_REPEAT);
+void SetUpTarget(RefocusMapState& state, size_t index, ImageSize size) {
+  ImageTexture& colour = state.colour_textures[index];
+  colour.Upload(GL_RGBA, size, nullptr, GL_REPEAT);
   glBindFramebuffer(GL_FRAMEBUFFER, state.framebuffers[index].get());
   glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D,
-                         colour, 0);
+                         colour.get(), 0);
   AttachDepth(state.depth_buffers[index].get(), size);
 }
 
@@ -53,9 +54,13 @@ void SetUpTarget(const RefocusMapState& state, size_t index, ImageSize size) {
 InContext<RefocusMapState> MakeRefocusMapState(
     ImageSize map_size, const ProgramCache& program_cache) {
   RefocusMapState state;
-  state.depth_texture = Texture::Generate();
-  state.map_texture = Texture::Generate();
-  for (Texture& texture : state.colour_textures) texture = Texture::Generate();
+  state.is_es3 = IsEs3();
+  const PlainGlState plain_state(state.is_es3);
+  state.depth_texture = ImageTexture::Generate();
+  state.map_texture = ImageTexture::Generate();
+  for (ImageTexture& texture : state.colour_textures) {
+    texture = ImageTexture::Generate();
+  }
   for (Framebuffer& framebuffer : state.framebuffers) {
     framebuffer = Framebuffer::Generate();
   }
@@ -69,31 +74,30 @@ InContext<RefocusMapState> MakeRefocusMapState(
   return InContext<RefocusMapState>(std::move(state));
 }
 
-void UploadRefocusDepth(const RefocusMapState& state,
-                        Plane<const uint16_t> disparity,
+void UploadRefocusDepth(RefocusMapState& state, Plane<const uint16_t> disparity,
                         std::span<uint32_t> rgba) {
   PackDepth(disparity, rgba);
-  UploadTexture(state.depth_texture.get(), GL_RGBA, disparity.width,
-                disparity.height, rgba.data(), GL_REPEAT);
+  state.depth_texture.Upload(GL_RGBA, disparity.extent(), rgba.data(),
+                             GL_REPEAT);
 }
 
-void PassRefocusWeights(const RefocusMapState& state, ProgramRole program,
-                        ImageSize map_size, ImageSize depth_size,
+void PassRefocusWeights(RefocusMapState& state, Drawing& drawing,
+                        ProgramRole program, ImageSize map_size,
+                        ImageSize depth_size,
                         const DepthWeightUniforms& uniforms) {
-  DrawDepthWeight(PassOf({program, 0}, state, map_size),
-                  state.depth_texture.get(), depth_size, uniforms);
+  DrawDepthWeight(drawing, PassOf({program, 0}, state, map_size),
+                  state.depth_texture, depth_size, uniforms);
 }
 
-void PassSoftenRefocusMap(const RefocusMapState& state,
+void PassSoftenRefocusMap(RefocusMapState& state, Drawing& drawing,
                           Plane<const uint8_t> map, std::span<uint32_t> rgba) {
   PackRefocusMap(map, rgba);
-  UploadTexture(state.map_texture.get(), GL_RGBA, map.width, map.height,
-                rgba.data(), GL_REPEAT);
-  const ImageSize size = {map.width, map.height};
-  DrawBlur(PassOf(kSoftenDown, state, size), state.map_texture.get(), size,
+  const ImageSize size = map.extent();
+  state.map_texture.Upload(GL_RGBA, size, rgba.data(), GL_REPEAT);
+  DrawBlur(drawing, PassOf(kSoftenDown, state, size), state.map_texture, size,
            kSofteningScale);
-  DrawBlur(PassOf(kSoftenAcross, state, size), state.colour_textures[1].get(),
-           size, kSofteningScale);
+  DrawBlur(drawing, PassOf(kSoftenAcross, state, size),
+           state.colour_textures[1], size, kSofteningScale);
 }
 
 void ReadRefocusMap(ImageSize map_size, std::span<uint32_t> rgba) {

@@ -21,12 +21,13 @@ namespace zuqel {
 // AllInFocusWeightProgram, BlurHProgram and BlurVProgram. Destroyed from the
 // last.
 struct RefocusMapState {
+  bool is_es3 = false;  // their context
   ProgramTable programs;
   std::array<Renderbuffer, 2> depth_buffers;
   std::array<Framebuffer, 2> framebuffers;
-  std::array<Texture, 2> colour_textures;
-  Texture map_texture;
-  Texture depth_texture;
+  std::array<ImageTexture, 2> colour_textures;
+  ImageTexture map_texture;
+  ImageTexture depth_texture;
 };
 
 // The functions below need PlainGlState; `rgba` is room for one word for each
@@ -38,18 +39,18 @@ InContext<RefocusMapState> MakeRefocusMapState(
     ImageSize map_size, const ProgramCache& program_cache);
 
 // Packs disparity and gives it to the depth texture.
-void UploadRefocusDepth(const RefocusMapState& state,
-                        Plane<const uint16_t> disparity,
+void UploadRefocusDepth(RefocusMapState& state, Plane<const uint16_t> disparity,
                         std::span<uint32_t> rgba);
 
 // Draws the weights of the uploaded disparity. `program` is DepthWeightProgram
 // or AllInFocusWeightProgram.
-void PassRefocusWeights(const RefocusMapState& state, ProgramRole program,
-                        ImageSize map_size, ImageSize depth_size,
+void PassRefocusWeights(RefocusMapState& state, Drawing& drawing,
+                        ProgramRole program, ImageSize map_size,
+                        ImageSize depth_size,
                         const DepthWeightUniforms& uniforms);
 
 // Draws `map` blurred by one texel, down and then across.
-void PassSoftenRefocusMap(const RefocusMapState& state,
+void PassSoftenRefocusMap(RefocusMapState& state, Drawing& drawing,
                           Plane<const uint8_t> map, std::span<uint32_t> rgba);
 
 // Reads what the last of these passes has drawn; zeros where it could not draw.

@@ -6,7 +6,6 @@
 
 #include "base/log.h"
 #include "gl/context.h"
-#include "gl/gl_state.h"
 
 namespace zuqel {
 namespace {
@@ -64,10 +63,7 @@ void StartRefocusMaps(const MapSetup& setup, const ProgramCache& program_cache,
                       RefocusMaps& maps) {
   maps.gl.Forget();
   maps.buffers.pucRfocusMapBoundaryBlur = {};
-  if (HasContext()) {
-    const PlainGlState plain_state;
-    maps.gl = MakeRefocusMapState(setup.map, program_cache);
-  }
+  if (HasContext()) maps.gl = MakeRefocusMapState(setup.map, program_cache);
   // Without memory now, the maps try again.
   static_cast<void>(maps.buffers.ReserveBoundaryBlur(setup));
 }

@@ -6,8 +6,6 @@
 
 #include "base/buffer.h"
 #include "base/log.h"
-#include "gl/texture.h"
-#include "render/pass_draws.h"
 
 namespace zuqel {
 namespace {
@@ -19,7 +17,7 @@ bool IsInUse(const DebugPicture& picture) {
 
 }  // namespace
 
-void LoadDebugPictures(const DebugTextures* textures, const DebugPicture* table,
+void LoadDebugPictures(DebugTextures* textures, const DebugPicture* table,
                        DebugPictures& pictures) {
   std::copy_n(table, pictures.table.size(), pictures.table.begin());
   for (size_t i = 0; i < pictures.table.size(); ++i) {
@@ -31,13 +29,13 @@ void LoadDebugPictures(const DebugTextures* textures, const DebugPicture* table,
         static_cast<int>(i), Low32(picture.pData), picture.iWidth,
         picture.iHeight);
     if (textures == nullptr) continue;
-    UploadTexture((*textures)[i].get(), GL_RGBA, picture.iWidth,
-                  picture.iHeight, picture.pData);
+    (*textures)[i].Upload(GL_RGBA, {picture.iWidth, picture.iHeight},
+                          picture.pData);
   }
 }
 
-void DrawDebugPictures(const LinkedProgram& copy_program,
-                       const DebugTextures& textures, GLuint framebuffer,
+void DrawDebugPictures(Drawing& drawing, LinkedProgram& copy_program,
+                       DebugTextures& textures, GLuint framebuffer,
                        const DebugPictures& pictures) {
   if (!pictures.show) return;
   for (size_t i = 0; i < pictures.table.size(); ++i) {
@@ -45,15 +43,16 @@ void DrawDebugPictures(const LinkedProgram& copy_program,
     if (!IsInUse(picture)) continue;
     glUseProgram(copy_program.name());
     glBindFramebuffer(GL_FRAMEBUFFER, framebuffer);
-    SetViewport({picture.iX, picture.iY, NonNegative(picture.iDrawWidth),
-                 NonNegative(picture.iDrawHeight)});
+    drawing.SetViewport({picture.iX, picture.iY,
+                         NonNegative(picture.iDrawWidth),
+                         NonNegative(picture.iDrawHeight)});
     if (pictures.blend) {
       glEnable(GL_BLEND);
       glBlendFunc(GL_SRC_ALPHA, GL_ONE_MINUS_SRC_ALPHA);
     }
     if (!copy_program.exists()) continue;
-    SetTexture(copy_program, {"inputImageTexture", 0, textures[i].get()});
-    DrawQuad(copy_program, kQuadUpright);
+    drawing.SetTexture(copy_program, {"inputImageTexture", 0, textures[i]});
+    drawing.DrawQuad(copy_program, Quad::kUpright);
   }
 }
 

@@ -7,8 +7,9 @@
 #include <array>
 #include <cstddef>
 
-#include "gl/gl_handle.h"
 #include "gl/program.h"
+#include "gl/texture.h"
+#include "render/pass_draws.h"
 
 namespace zuqel {
 
@@ -21,18 +22,18 @@ struct DebugPictures {
   bool blend = false;
 };
 
-using DebugTextures = std::array<Texture, kDebugPictureCount>;
+using DebugTextures = std::array<ImageTexture, kDebugPictureCount>;
 
 // Copies ten entries and uploads the pictures of those in use, which it logs;
 // the textures of the others stay as they are. With null `textures`, uploads
 // nothing. Needs PlainGlState.
-void LoadDebugPictures(const DebugTextures* textures, const DebugPicture* table,
+void LoadDebugPictures(DebugTextures* textures, const DebugPicture* table,
                        DebugPictures& pictures);
 
 // Stretches each picture in use over its region of the framebuffer, which stays
-// bound. Blending that has once been enabled stays so. Needs PlainGlState.
-void DrawDebugPictures(const LinkedProgram& copy_program,
-                       const DebugTextures& textures, GLuint framebuffer,
+// bound. Blending that has once been enabled stays so.
+void DrawDebugPictures(Drawing& drawing, LinkedProgram& copy_program,
+                       DebugTextures& textures, GLuint framebuffer,
                        const DebugPictures& pictures);
 
 }  // namespace zuqel

@@ -1,41 +1,40 @@
 // Draws passes.
 #include "render/pass_draws.h"
 
-#include "gl/texture.h"
-
 namespace zuqel {
-namespace {
 
-void SetUniform(const LinkedProgram& program, const UniformInput& input) {
-  const GLint location = input.uniform.LocationIn(program);
-  if (const auto* number = std::get_if<GLint>(&input.value)) {
-    glUniform1i(location, *number);
-  } else if (const auto* real = std::get_if<GLfloat>(&input.value)) {
-    glUniform1f(location, *real);
+void Drawing::SetViewport(DrawRegion region) {
+  if (region.height == 0) region.height = 1;
+  if (viewport_ == region) return;
+  viewport_ = region;
+  glViewport(region.x, region.y, region.width, region.height);
+}
+
+void Drawing::SetTexture(LinkedProgram& program, const TextureInput& input) {
+  if (active_unit_ != input.unit) {
+    active_unit_ = input.unit;
+    glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(input.unit));
   }
+  input.texture.Bind(input.filter);
+  program.SetUniform(input.sampler.index(), input.unit);
 }
 
-}  // namespace
-
-void SetViewport(DrawRegion region) {
-  glViewport(region.x, region.y, region.width,
-             region.height == 0 ? 1 : region.height);
-}
-
-void SetTexture(const LinkedProgram& program, const TextureInput& input) {
-  glActiveTexture(GL_TEXTURE0 + static_cast<GLenum>(input.unit));
-  BindTexture(input.texture, input.filter);
-  glUniform1i(input.sampler.LocationIn(program), input.unit);
-}
-
-void DrawPass(const Pass& pass, std::initializer_list<TextureInput> textures,
-              std::initializer_list<UniformInput> uniforms) {
+void Drawing::DrawPass(const Pass& pass,
+                       std::initializer_list<TextureInput> textures,
+                       std::initializer_list<UniformInput> uniforms) {
   glUseProgram(pass.program.name());
   glBindFramebuffer(GL_FRAMEBUFFER, pass.framebuffer);
   glClear(GL_COLOR_BUFFER_BIT | GL_DEPTH_BUFFER_BIT);
   SetViewport({0, 0, pass.size.width, pass.size.height});
   if (!pass.program.exists()) return;
-  for (const UniformInput& input : uniforms) SetUniform(pass.program, input);
+  for (const auto& [uniform, value] : uniforms) {
+    const size_t index = uniform.index();
+    if (const auto* number = std::get_if<GLint>(&value)) {
+      pass.program.SetUniform(index, *number);
+    } else if (const auto* real = std::get_if<GLfloat>(&value)) {
+      pass.program.SetUniform(index, *real);
+    }
+  }
   for (const TextureInput& input : textures) SetTexture(pass.program, input);
   DrawQuad(pass.program, pass.quad);
 }
@@ -44,9 +43,10 @@ GLint FilterBetween(ImageSize source, ImageSize target) {
   return source == target ? GL_NEAREST : GL_LINEAR;
 }
 
-void DrawDepthWeight(const Pass& pass, GLuint depth_texture, ImageSize depth,
+void DrawDepthWeight(Drawing& drawing, const Pass& pass,
+                     ImageTexture& depth_texture, ImageSize depth,
                      const DepthWeightUniforms& uniforms) {
-  DrawPass(
+  drawing.DrawPass(
       pass,
       {{"depthTexture", 4, depth_texture, FilterBetween(depth, pass.size)}},
       {{"depthTexture2", 5},
@@ -59,12 +59,12 @@ void DrawDepthWeight(const Pass& pass, GLuint depth_texture, ImageSize depth,
        {"focal_length", uniforms.focal_length}});
 }
 
-void DrawBlur(const Pass& pass, GLuint source_texture, ImageSize image,
-              float scale) {
-  DrawPass(pass, {{"inputImageTexture", 0, source_texture}},
-           {{"fWidth", static_cast<float>(image.width)},
-            {"fHeight", static_cast<float>(image.height)},
-            {"myscale", scale}});
+void DrawBlur(Drawing& drawing, const Pass& pass, ImageTexture& source,
+              ImageSize image, float scale) {
+  drawing.DrawPass(pass, {{"inputImageTexture", 0, source}},
+                   {{"fWidth", static_cast<float>(image.width)},
+                    {"fHeight", static_cast<float>(image.height)},
+                    {"myscale", scale}});
 }
 
 }  // namespace zuqel

@@ -1,5 +1,4 @@
-// Passes: each fills a target with one quad drawn by one program. Needs
-// PlainGlState.
+// Passes: each fills a target with one quad drawn by one program.
 #ifndef ZUQEL_RENDER_PASS_DRAWS_H_
 #define ZUQEL_RENDER_PASS_DRAWS_H_
 
@@ -7,26 +6,28 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <optional>
 #include <variant>
 
 #include "base/image_size.h"
+#include "gl/texture.h"
 #include "render/program_inputs.h"
 #include "render/quad.h"
 
 namespace zuqel {
 
 struct Pass {
-  const LinkedProgram& program;
+  LinkedProgram& program;
   GLuint framebuffer = 0;
   ImageSize size;
-  const Quad& quad;
+  Quad quad;
 };
 
 // A texture for a sampler, by way of a texture unit.
 struct TextureInput {
   Uniform sampler;
   GLint unit = 0;
-  GLuint texture = 0;
+  ImageTexture& texture;
   GLint filter = GL_LINEAR;
 };
 
@@ -40,9 +41,41 @@ struct UniformInput {
   std::variant<GLint, GLfloat> value;
 };
 
-// Clears the target and draws. The last texture's unit stays the active one.
-void DrawPass(const Pass& pass, std::initializer_list<TextureInput> textures,
-              std::initializer_list<UniformInput> uniforms = {});
+// A region of a target in pixels, from the lower left.
+struct DrawRegion {
+  int32_t x = 0;
+  int32_t y = 0;
+  int32_t width = 0;
+  int32_t height = 0;
+
+  bool operator==(const DrawRegion&) const = default;
+};
+
+// The draws of one call, while nobody else calls GL: what one leaves as the
+// next needs it is not set again. Starts and ends as PlainGlState does.
+class Drawing {
+ public:
+  // `is_es3` says which context is current.
+  explicit Drawing(bool is_es3) : quads_(is_es3) {}
+
+  // Clears the target and draws. The last texture's unit stays the active one.
+  void DrawPass(const Pass& pass, std::initializer_list<TextureInput> textures,
+                std::initializer_list<UniformInput> uniforms = {});
+
+  // Draws with what is in use and bound.
+  void DrawQuad(LinkedProgram& program, Quad quad) const {
+    quads_.Draw(program, quad);
+  }
+  // A height of 0 counts as 1.
+  void SetViewport(DrawRegion region);
+  // Of the program in use.
+  void SetTexture(LinkedProgram& program, const TextureInput& input);
+
+ private:
+  QuadArrays quads_;
+  std::optional<DrawRegion> viewport_;
+  std::optional<GLint> active_unit_;
+};
 
 struct DepthWeightUniforms {
   float mouse_x = 0;
@@ -55,26 +88,14 @@ struct DepthWeightUniforms {
 
 // Weights from packed disparity of `depth` pixels, by DepthWeightProgram or
 // AllInFocusWeightProgram.
-void DrawDepthWeight(const Pass& pass, GLuint depth_texture, ImageSize depth,
+void DrawDepthWeight(Drawing& drawing, const Pass& pass,
+                     ImageTexture& depth_texture, ImageSize depth,
                      const DepthWeightUniforms& uniforms);
 
 // One direction of a separable blur, by BlurHProgram or BlurVProgram. `scale`
 // is its reach to either side in texels of an image of `image` pixels.
-void DrawBlur(const Pass& pass, GLuint source_texture, ImageSize image,
-              float scale);
-
-// A region of a target in pixels, from the lower left.
-struct DrawRegion {
-  int32_t x = 0;
-  int32_t y = 0;
-  int32_t width = 0;
-  int32_t height = 0;
-};
-
-// A height of 0 counts as 1.
-void SetViewport(DrawRegion region);
-
-void SetTexture(const LinkedProgram& program, const TextureInput& input);
+void DrawBlur(Drawing& drawing, const Pass& pass, ImageTexture& source,
+              ImageSize image, float scale);
 
 }  // namespace zuqel
 

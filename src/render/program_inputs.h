@@ -38,9 +38,7 @@ class Uniform {
   // Implicit: a name stands for its uniform.
   consteval Uniform(const char* name) : index_(IndexOf(name)) {}
 
-  [[nodiscard]] GLint LocationIn(const LinkedProgram& program) const {
-    return program.uniform(index_);
-  }
+  [[nodiscard]] size_t index() const { return index_; }
 
  private:
   static consteval size_t IndexOf(std::string_view name) {

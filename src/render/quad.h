@@ -2,41 +2,35 @@
 #ifndef ZUQEL_RENDER_QUAD_H_
 #define ZUQEL_RENDER_QUAD_H_
 
-#include <GLES2/gl2.h>
+#include <cstdint>
 
-#include <array>
-
+#include "gl/gl_state.h"
 #include "gl/program.h"
 
 namespace zuqel {
 
-// Four vertices in the order of a triangle fan: x, y and s, t of each.
-struct Quad {
-  std::array<GLfloat, 8> positions;
-  std::array<GLfloat, 8> texture_coordinates;
+// How the quad shows its texture.
+enum class Quad : uint8_t {
+  kFlip,        // upside down
+  kRotate,      // a quarter turn, 1 % cropped at each edge
+  kUpright,     // as is
+  kFlipCrop,    // upside down, 1 % cropped at each edge
+  kConversion,  // as is, its fan begun at the lower left: the conversion to RGB
 };
 
-// Upside down.
-inline constexpr Quad kQuadFlip = {{-1, -1, 1, -1, 1, 1, -1, 1},
-                                   {0, 1, 1, 1, 1, 0, 0, 0}};
-// A quarter turn, 1 % cropped at each edge.
-inline constexpr Quad kQuadRotate = {
-    {-1, -1, 1, -1, 1, 1, -1, 1},
-    {0.99F, 0.99F, 0.99F, 0.01F, 0.01F, 0.01F, 0.01F, 0.99F}};
-// As is.
-inline constexpr Quad kQuadUpright = {{-1, 1, -1, -1, 1, -1, 1, 1},
-                                      {0, 1, 0, 0, 1, 0, 1, 1}};
-// Upside down, 1 % cropped at each edge.
-inline constexpr Quad kQuadFlipCrop = {
-    {-1, -1, 1, -1, 1, 1, -1, 1},
-    {0.01F, 0.99F, 0.99F, 0.99F, 0.99F, 0.01F, 0.01F, 0.01F}};
-// As is, its fan begun at the lower left: the conversion to RGB.
-inline constexpr Quad kQuadConversion = {{-1, -1, 1, -1, 1, 1, -1, 1},
-                                         {0, 0, 1, 0, 1, 1, 0, 1}};
+// While it lives, attributes 0 and 1 take the vertices of all quads from client
+// memory, so that a draw only chooses among them.
+class QuadArrays {
+ public:
+  explicit QuadArrays(bool is_es3);
 
-// Draws the quad with `program`, which is in use. Vertices come from client
-// memory: needs PlainGlState.
-void DrawQuad(const LinkedProgram& program, const Quad& quad);
+  // Draws with `program`, which is in use.
+  void Draw(LinkedProgram& program, Quad quad) const;
+
+ private:
+  bool is_es3_;
+  PlainGlState plain_state_;
+};
 
 }  // namespace zuqel
 

@@ -61,7 +61,7 @@ class ProgramTable {
         LinkedProgram(std::move(program), kProgramInterface);
   }
 
-  [[nodiscard]] const LinkedProgram& operator[](ProgramRole role) const {
+  [[nodiscard]] LinkedProgram& operator[](ProgramRole role) {
     return programs_[static_cast<size_t>(role)];
   }
 

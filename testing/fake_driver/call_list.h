@@ -83,6 +83,7 @@
   ROW(glShaderSource, true)               \
   ROW(glTexImage2D, true)                 \
   ROW(glTexParameteri, false)             \
+  ROW(glTexSubImage2D, true)              \
   ROW(glUniform1f, true)                  \
   ROW(glUniform1i, true)                  \
   ROW(glUniformMatrix4fv, true)           \

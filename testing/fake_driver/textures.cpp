@@ -59,6 +59,25 @@ bool IsSize(GLsizei width, GLsizei height) {
          height <= kLargestSide;
 }
 
+// Gives the bound texture an image.
+void Fill(Call call, Context& c, Image image, const void* pixels) {
+  Hash hash;
+  hash.Add(image.width, image.height, image.format);
+  const GLuint buffer = c.Name(GL_PIXEL_UNPACK_BUFFER_BINDING);
+  image.is_written = pixels != nullptr || buffer != 0;
+  if (image.is_written) {
+    const Rows rows(c, kUnpack, image.width, image.height,
+                    PixelBytes(image.format));
+    const uint8_t* bytes = c.BytesAt(call, buffer, pixels, rows.extent());
+    if (bytes == nullptr) return;
+    for (size_t y = 0; y < rows.count; ++y) {
+      hash.AddBytes(bytes + rows.skipped + y * rows.stride, rows.bytes);
+    }
+  }
+  image.content = hash.value();
+  c.TextureOf(c.ActiveUnit()).image = std::make_shared<Image>(image);
+}
+
 }  // namespace
 }  // namespace zuqel::fake_driver
 
@@ -132,28 +151,29 @@ void glTexImage2D(GLenum target, GLint level, GLint internal_format,
                   GLsizei width, GLsizei height, GLint border, GLenum format,
                   GLenum type, const void* pixels) {
   ZUQEL_ENTER(glTexImage2D);
-  const size_t pixel_bytes = PixelBytes(format);
-  ZUQEL_REQUIRE(
-      target == GL_TEXTURE_2D && type == GL_UNSIGNED_BYTE && pixel_bytes != 0,
-      GL_INVALID_ENUM);
+  ZUQEL_REQUIRE(target == GL_TEXTURE_2D && type == GL_UNSIGNED_BYTE &&
+                    PixelBytes(format) != 0,
+                GL_INVALID_ENUM);
   ZUQEL_REQUIRE(level == 0 && border == 0 && IsSize(width, height),
                 GL_INVALID_VALUE);
   ZUQEL_REQUIRE(static_cast<GLenum>(internal_format) == format,
                 GL_INVALID_OPERATION);
-  Hash hash;
-  hash.Add(width, height, format);
-  const GLuint buffer = c.Name(GL_PIXEL_UNPACK_BUFFER_BINDING);
-  const bool is_written = pixels != nullptr || buffer != 0;
-  if (is_written) {
-    const Rows rows(c, kUnpack, width, height, pixel_bytes);
-    const uint8_t* bytes = c.BytesAt(kCall, buffer, pixels, rows.extent());
-    if (bytes == nullptr) return;
-    for (size_t y = 0; y < rows.count; ++y) {
-      hash.AddBytes(bytes + rows.skipped + y * rows.stride, rows.bytes);
-    }
-  }
-  c.TextureOf(c.ActiveUnit()).image = std::make_shared<Image>(
-      Image{width, height, format, hash.value(), is_written});
+  Fill(kCall, c, {width, height, format}, pixels);
+}
+
+// All of an image at once.
+void glTexSubImage2D(GLenum target, GLint level, GLint x, GLint y,
+                     GLsizei width, GLsizei height, GLenum format, GLenum type,
+                     const void* pixels) {
+  ZUQEL_ENTER(glTexSubImage2D);
+  ZUQEL_REQUIRE(target == GL_TEXTURE_2D && type == GL_UNSIGNED_BYTE,
+                GL_INVALID_ENUM);
+  const auto& image = c.TextureOf(c.ActiveUnit()).image;
+  ZUQEL_REQUIRE(image && image->format == format, GL_INVALID_OPERATION);
+  ZUQEL_REQUIRE(level == 0 && x == 0 && y == 0 && width == image->width &&
+                    height == image->height,
+                GL_INVALID_VALUE);
+  Fill(kCall, c, {width, height, format}, pixels);
 }
 
 void glBindRenderbuffer(GLenum, GLuint name) {
