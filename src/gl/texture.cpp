@@ -28,15 +28,14 @@ void ImageTexture::SetUp(GLint wrap) {
 void ImageTexture::Upload(GLint format, ImageSize size, const void* pixels,
                           GLint wrap) {
   SetUp(wrap);
-  const auto transfer = static_cast<GLenum>(format);
   if (pixels != nullptr && format == format_ && size == size_) {
-    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, size.width, size.height, transfer,
-                    GL_UNSIGNED_BYTE, pixels);
+    glTexSubImage2D(GL_TEXTURE_2D, 0, 0, 0, size.width, size.height,
+                    static_cast<GLenum>(format), GL_UNSIGNED_BYTE, pixels);
     return;
   }
   if (!FitsDriver(GL_MAX_TEXTURE_SIZE, size)) return;
-  glTexImage2D(GL_TEXTURE_2D, 0, format, size.width, size.height, 0, transfer,
-               GL_UNSIGNED_BYTE, pixels);
+  glTexImage2D(GL_TEXTURE_2D, 0, format, size.width, size.height, 0,
+               static_cast<GLenum>(format), GL_UNSIGNED_BYTE, pixels);
   format_ = format;
   size_ = size;
 }
