@@ -6,11 +6,15 @@
 #include <zuQelRT_GL.h>
 
 #include <array>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <vector>
 
+#include "api/session.h"
+#include "frame/frame_renderer.h"
+#include "frame/frame_upload.h"
 #include "gl/program_cache.h"
 #include "random.h"
 #include "render/plane_conversion.h"
@@ -151,6 +155,67 @@ void FrameFromDepth(benchmark::State& state) {
   }
 }
 
+// The stages of a frame in milliseconds, each finished before the next begins:
+// `upload` of map and planes, `passes`, `read_back` into the planes, and a bare
+// `transfer` of the pixels that are read.
+template <bool kFromDepth>
+void FrameStages(benchmark::State& state) {
+  using Clock = std::chrono::steady_clock;
+  Planes planes = MakePlanes(state);
+  const Session started(planes);
+  zuqel::Session& session = zuqel::TheSession();
+  zuqel::FrameSession* frame_session = session.RunningFrame();
+  zuqel::RenderState* objects =
+      frame_session == nullptr ? nullptr : frame_session->gl.IfCurrent();
+  if (objects == nullptr) return state.SkipWithError("no session");
+  const zuqel::FrameSetup& setup = session.frame_setup;
+  const zuqel::FrameMemory& memory = frame_session->memory;
+  const zuqel::Buffer& pixels = memory.read_back;
+  std::vector<uint16_t> map(size_t{kMapWidth} * kMapHeight, 300);
+  auto* const weights = reinterpret_cast<uint8_t*>(map.data());
+  const zuqel::FrameCall call = {.from_depth = kFromDepth};
+  session.frames.depth = {100, 900, 300};
+  std::array<double, 4> seconds = {};
+  auto last = Clock::now();
+  const auto end = [&](size_t stage) {
+    glFinish();
+    const auto now = Clock::now();
+    seconds.at(stage) += std::chrono::duration<double>(now - last).count();
+    last = now;
+  };
+  const auto read = [&] {
+    glReadPixels(0, 0, planes.width, planes.height, GL_RGBA, GL_UNSIGNED_BYTE,
+                 pixels.bytes());
+  };
+  while (state.KeepRunning()) {
+    zuqel::FrameDrawing drawing(*objects, zuqel::SizesOf(setup));
+    last = Clock::now();
+    if constexpr (kFromDepth) {
+      zuqel::UploadDepth(*objects, {map.data(), kMapWidth, kMapHeight},
+                         memory.map_rgba.words());
+    } else {
+      zuqel::UploadWeights(*objects, {weights, kMapWidth, kMapHeight},
+                           memory.map_rgba.words());
+    }
+    zuqel::UploadFrame(*objects, setup, planes.View(),
+                       memory.packed_frame.words(),
+                       {memory.chroma.bytes(), memory.chroma.size()});
+    end(0);
+    zuqel::RenderPasses(&drawing, setup, call, session.frames);
+    end(1);
+    read();
+    zuqel::UnpackFrame(pixels.words(), zuqel::kFormatNv21, planes.View());
+    end(2);
+    read();
+    end(3);
+  }
+  constexpr std::array kStages = {"upload", "passes", "read_back", "transfer"};
+  for (size_t i = 0; i < kStages.size(); ++i) {
+    state.counters[kStages.at(i)] = {seconds.at(i) * 1000,
+                                     benchmark::Counter::kAvgIterations};
+  }
+}
+
 void FrameSizes(benchmark::internal::Benchmark* bench) {
   bench->Args({1280, 960})->Args({1920, 1080});
 }
@@ -162,6 +227,8 @@ BENCHMARK(UnpackFrame<zuqel::kFormatPacked>)->Apply(FrameSizes);
 BENCHMARK(PackFrame)->Apply(FrameSizes);
 BENCHMARK(Start<false>)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
 BENCHMARK(Start<true>)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
+BENCHMARK(FrameStages<false>)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
+BENCHMARK(FrameStages<true>)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
 BENCHMARK(FrameFromWeights)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
 BENCHMARK(FrameFromDepth)->Apply(FrameSizes)->Unit(benchmark::kMillisecond);
 
