@@ -12,7 +12,7 @@
 #include "reference_masks.h"
 #include "require.h"
 
-namespace zuqel::fuzz {
+namespace zuqel::fuzz::masks {
 namespace {
 
 using Mask = Image<uint8_t>;
@@ -153,4 +153,4 @@ void Run(Input& input) {
   input.OneOf(kChecks)(input);
 }
 
-}  // namespace zuqel::fuzz
+}  // namespace zuqel::fuzz::masks

@@ -5,6 +5,7 @@
 #include <zlib.h>
 
 #include <array>
+#include <cmath>
 #include <string>
 
 #include "decode/decode.h"
@@ -15,7 +16,7 @@
 #include "series/y4m_reader.h"
 #include "tool_error.h"
 
-namespace zuqel::fuzz {
+namespace zuqel::fuzz::pictures {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -167,4 +168,4 @@ void Run(Input& input) {
   }
 }
 
-}  // namespace zuqel::fuzz
+}  // namespace zuqel::fuzz::pictures
