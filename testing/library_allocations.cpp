@@ -2,6 +2,7 @@
 // --wrap. Of all that is linked only the library's buffers call calloc.
 #include "library_allocations.h"
 
+#include <algorithm>
 #include <array>
 #include <climits>
 #include <cstdlib>
@@ -27,6 +28,7 @@ struct State {
   std::mutex mutex;
   std::array<Block, 1024> blocks;  // unused ones begin nowhere
   size_t bytes_held = 0;
+  size_t most_bytes_held = 0;
   int count = 0;
   int first_failing = 0;  // the number of a block, 0 for none
   int last_failing = 0;
@@ -49,6 +51,16 @@ Block& UnusedBlock() {
 size_t BytesHeld() {
   const std::lock_guard lock(TheState().mutex);
   return TheState().bytes_held;
+}
+
+size_t MostBytesHeld() {
+  const std::lock_guard lock(TheState().mutex);
+  return TheState().most_bytes_held;
+}
+
+void ForgetMostBytesHeld() {
+  const std::lock_guard lock(TheState().mutex);
+  TheState().most_bytes_held = TheState().bytes_held;
 }
 
 int Count() {
@@ -81,6 +93,7 @@ void* Take(size_t count, size_t size) {
   if (block == nullptr) return nullptr;
   UnusedBlock() = {block, count * size};
   state.bytes_held += count * size;
+  state.most_bytes_held = std::max(state.most_bytes_held, state.bytes_held);
   return block;
 }
 

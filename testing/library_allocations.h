@@ -10,6 +10,11 @@ namespace zuqel::library_allocations {
 // Bytes that the library holds now.
 size_t BytesHeld();
 
+// The most that it has held at a time, since the process began or this was
+// forgotten.
+size_t MostBytesHeld();
+void ForgetMostBytesHeld();
+
 // Blocks taken since the process began, failed ones included.
 int Count();
 
