@@ -6,6 +6,7 @@
 #include "depth/focus_mask.h"
 #include "depth/hole_filling.h"
 #include "depth/statistics.h"
+#include "tuned_loops.h"
 
 namespace zuqel::bench {
 namespace {
@@ -53,12 +54,12 @@ void OpenCvBokeh::KeepFocusOnly(cv::Point focus) {
 void OpenCvBokeh::RemoveSpecks() {
   const int32_t count = cv::connectedComponentsWithStats(
       mask_, labels_, statistics_, centroids_, 4);
+  kept_.assign(static_cast<size_t>(count), 0);
   for (int32_t label = 1; label < count; ++label) {
-    if (statistics_.at<int32_t>(label, cv::CC_STAT_AREA) > focus_area_ / 200) {
-      continue;
-    }
-    mask_.setTo(0, labels_ == label);
+    const auto area = statistics_.at<int32_t>(label, cv::CC_STAT_AREA);
+    kept_[static_cast<size_t>(label)] = area > focus_area_ / 200 ? 255 : 0;
   }
+  LookUp(labels_.ptr<int32_t>(), labels_.total(), kept_.data(), mask_.data);
 }
 
 void OpenCvBokeh::MakeMask(const ExpansionFrame& frame) {

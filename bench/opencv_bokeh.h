@@ -30,6 +30,7 @@ class OpenCvBokeh {
   std::array<cv::Mat, 3> planes_, reduced_;
   cv::Mat focus_mask_, mask_, labels_, statistics_, centroids_;
   cv::Mat half_, blurred_half_, strong_, mild_, inverse_, first_, second_;
+  std::vector<uint8_t> kept_;  // 255 for a label that stays
   int32_t focus_area_ = 0;
   Buffer growth_;
 };

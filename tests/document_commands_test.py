@@ -14,7 +14,7 @@ import tempfile
 ROOT, PROGRAM = (pathlib.Path(argument).resolve() for argument in sys.argv[1:])
 NOT_RUN = (  # what a command begins with, and the reason
     (r"scripts/|cmake |ctest |apt |pip |cc ", "installs, builds or tests"),
-    (r"build/release/bin/(\w+_test|bench_\w+|\w+ --gtest)", "is built for tests"),
+    (r"build/release/bin/(\w+_test|\w+ --gtest)", "is built for tests"),
     (r"export |python3 examples/", "depends on where things were installed"),
     (r"adb ", "wants a phone"),
     (r"zuqel view", "opens a window"),

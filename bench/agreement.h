@@ -1,22 +1,15 @@
-// Compares results before another library is timed.
-#ifndef ZUQEL_BENCH_EXPECT_H_
-#define ZUQEL_BENCH_EXPECT_H_
+// Compares results up to rounding.
+#ifndef ZUQEL_BENCH_AGREEMENT_H_
+#define ZUQEL_BENCH_AGREEMENT_H_
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
+#include <opencv2/core.hpp>
 #include <span>
 
 #include "difference.h"
+#include "plane_image.h"
 
 namespace zuqel::bench {
-
-// Ends the program where the results are not the same.
-inline void ExpectTrue(bool is_same, const char* what) {
-  if (is_same) return;
-  static_cast<void>(std::fprintf(stderr, "results differ: %s\n", what));
-  std::abort();
-}
 
 // Share of the bytes that are at most `levels` apart; 0 of different sizes.
 inline double ShareWithin(int levels, std::span<const uint8_t> a,
@@ -25,6 +18,11 @@ inline double ShareWithin(int levels, std::span<const uint8_t> a,
   return FindDifference(a, b, levels, 1).share_within;
 }
 
+// `b` has no gaps.
+inline bool AllWithin(int levels, const Image<uint8_t>& a, const cv::Mat& b) {
+  return ShareWithin(levels, a.values, {b.data, b.total()}) == 1;
+}
+
 }  // namespace zuqel::bench
 
-#endif  // ZUQEL_BENCH_EXPECT_H_
+#endif  // ZUQEL_BENCH_AGREEMENT_H_
