@@ -135,7 +135,7 @@ std::vector<Row> ChosenRows(const std::string& filter) {
   const std::regex expression(filter);
   std::vector<Row> chosen;
   for (const auto make :
-       {PlaneRows, MaskRows, MapRows, FrameRows, SessionRows}) {
+       {PlaneRows, MaskRows, MapRows, FrameRows, SessionRows, StageRows}) {
     for (Row& row : make()) {
       const std::string name = std::string(row.section) + ": " + row.name;
       if (std::regex_search(name, expression)) {

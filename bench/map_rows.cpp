@@ -148,9 +148,9 @@ std::vector<Row> MapRows() {
               FillDisparityHoles),
       Filling("fill holes of distance", Values::kDistance, FillDistanceHoles),
       OnMap("focus mask of disparity", Values::kFilledDisparity, 1, 3,
-            "2 limits, a look-up", MakeMask<FocusMaskDisparity>),
+            "2 limits, a product, a choice", MakeMask<FocusMaskDisparity>),
       OnMap("focus mask of distance", Values::kQuantised, 1, 3,
-            "2 limits, a look-up", MakeMask<FocusMaskDist>),
+            "2 limits, a product, a choice", MakeMask<FocusMaskDist>),
       {kMaps, "grow region in focus", 60,
        "15 for each of 4 neighbours of a pixel that is reached: differences, "
        "squares, products, a look-up, comparisons",

@@ -57,6 +57,8 @@ std::vector<Row> MapRows();
 std::vector<Row> FrameRows();
 // Through the C interface.
 std::vector<Row> SessionRows();
+// Of the frames there, upload, passes and read-back.
+std::vector<Row> StageRows();
 // The driver's renderer.
 std::string GlName();
 

@@ -5,12 +5,12 @@
 #include <array>
 #include <cstdint>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "gl/program_cache.h"
+#include "gl_session.h"
 #include "row.h"
 
 namespace zuqel::bench {
@@ -18,38 +18,6 @@ namespace {
 
 constexpr Size kMap = {320, 240};
 constexpr std::array kFrameSizes = {Size{1280, 960}, Size{1920, 1080}};
-
-// A running session. Its programs are compiled, or come from a cache that a
-// session before it has filled.
-class Session {
- public:
-  explicit Session(Size frame, uint8_t* program_cache = nullptr) {
-    const GLInitInfo info = {.PreviewWidth = frame.width,
-                             .PreviewHeight = frame.height,
-                             .DepthWidth = kMap.width,
-                             .DepthHeight = kMap.height,
-                             .WorkWidth = kMap.width,
-                             .WorkHeight = kMap.height,
-                             .OutputWidth = 0,
-                             .OutputHeight = 0,
-                             .PortraitMode = 0,
-                             .offmode = 1,
-                             .srcformat = ZUQEL_SRCFORMAT_NV21,
-                             .GraphicBufferFlag = 0};
-    const std::array<uint8_t, 512> calibration = {};
-    if (zuQelRT_GLInitV1_1(calibration.data(), calibration.size(), nullptr, 0,
-                           &info, program_cache) != ZUQEL_SUCCESS) {
-      throw std::runtime_error("no session: is there an OpenGL ES driver?");
-    }
-    zuQelRT_GenRefocusMap_init();
-  }
-  ~Session() {
-    zuQelRT_GLClose();
-    zuQelRT_GenRefocusMap_Deinit();
-  }
-  Session(const Session&) = delete;
-  Session& operator=(const Session&) = delete;
-};
 
 size_t PixelsOf(Size size) {
   return Plane<uint8_t>{nullptr, size.width, size.height}.size();
@@ -62,10 +30,10 @@ Row Start(Size size, bool is_cached) {
     const auto cache = std::make_shared<std::vector<uint8_t>>(
         is_cached ? kProgramCacheBytes : 0);
     uint8_t* given = is_cached ? cache->data() : nullptr;
-    const Session first(size, given);
+    const GlSession first(size, kMap, given);
     return {.pixels = PixelsOf(size), .ours = [=] {
               static_cast<void>(cache);
-              const Session session(size, given);
+              const GlSession session(size, kMap, given);
             }};
   };
   return {kGl,
@@ -75,7 +43,7 @@ Row Start(Size size, bool is_cached) {
 
 struct SessionData {
   SessionData(const Scene& scene, Size size)
-      : session(size),
+      : session(size, kMap),
         kept(FrameOf(scene, size, kMap)),
         frame(kept),
         weights{kMap.width, kMap.height} {
@@ -83,7 +51,7 @@ struct SessionData {
       weight = static_cast<uint8_t>(x * 255 / kMap.width);
     });
   }
-  Session session;
+  GlSession session;
   CameraFrame kept, frame;
   Image<uint8_t> weights;  // or the map that is made
 };
@@ -178,7 +146,7 @@ Row RefocusMap(const Generator& generator) {
 }  // namespace
 
 std::string GlName() {
-  const Session session({64, 48});
+  const GlSession session({64, 48}, kMap);
   const auto* text = reinterpret_cast<const char*>(glGetString(GL_RENDERER));
   return text == nullptr ? "none" : text;
 }
