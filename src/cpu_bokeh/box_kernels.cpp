@@ -9,7 +9,7 @@ namespace {
 
 // floor(sum / 3) for sums of three bytes: the multiplier is 2^16 / 3, rounded
 // up, and 765 times its error of 2/3 is below 2^16 / 3.
-inline uint16_t Third(uint16_t a, uint16_t b, uint16_t c) {
+inline uint16_t Third(uint16_t a, uint16_t b, uint16_t c = 0) {
   const auto sum = static_cast<uint16_t>(a + b + c);
   return static_cast<uint16_t>(sum * 21846U >> 16);
 }
@@ -17,8 +17,8 @@ inline uint16_t Third(uint16_t a, uint16_t b, uint16_t c) {
 void Along(const uint8_t* row, size_t count, uint8_t* __restrict out) {
   for (size_t i = 0; i < count / 2; ++i) {
     const uint16_t ab = LoadPair(row + 2 * i), cd = LoadPair(row + 2 * i + 2);
-    StorePair(Third(First(ab), Second(ab), First(cd)),
-              Third(Second(ab), First(cd), Second(cd)), out + 2 * i);
+    const auto bc = static_cast<uint16_t>(Second(ab) + First(cd));
+    StorePair(Third(First(ab), bc), Third(bc, Second(cd)), out + 2 * i);
   }
   if (count % 2 == 0) return;
   const uint8_t* last = row + count - 1;
