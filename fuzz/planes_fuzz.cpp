@@ -89,7 +89,8 @@ void CheckBlend(Input& input) {
   Require(scratch.Reserve({size.width, size.height}, {map.width, map.height}),
           "memory for blending");
   Plane8 out = sharp;
-  BlurAndBlend(std::as_const(mask).View(), size.height, scratch, out.View());
+  scratch.Begin(std::as_const(mask).View(), {size.width, size.height});
+  BlurAndBlend(size.height, scratch, out.View());
   RequireSame(out,
               reference::BlurAndBlend(
                   sharp, reference::ResizePlane(mask, size.width, size.height)),

@@ -227,7 +227,8 @@ TEST(BlurAndBlend, EqualsBothBlursMadeWhole) {
         NoiseImage<uint8_t>(size.width, size.height, random.Bits());
     const GuardedImage<uint8_t> guarded_mask(mask), out(sharp);
     ASSERT_TRUE(scratch.Reserve(size, {mask.width, mask.height}));
-    BlurAndBlend(guarded_mask.View(), size.height, scratch, out.View());
+    scratch.Begin(guarded_mask.View(), size);
+    BlurAndBlend(size.height, scratch, out.View());
     const Plane8 weights =
         reference::ResizePlane(mask, size.width, size.height);
     ASSERT_TRUE(IsSame(out.Copy(), reference::BlurAndBlend(sharp, weights)))

@@ -1,7 +1,40 @@
 // Finds out where a mask is uniform, and enlarges the rest.
 #include "cpu_bokeh/blend_mask.h"
 
+#include <cstddef>
+#include <cstring>
+
 namespace zuqel {
+namespace {
+
+// The bits that any sample has, and those that all have, eight samples at once:
+// to take some twice changes nothing.
+struct CommonBits {
+  uint64_t any = 0;
+  uint64_t all = UINT64_MAX;
+
+  void Take(const uint8_t* samples, size_t count) {
+    constexpr size_t kEight = sizeof(uint64_t);
+    for (size_t x = 0; x + kEight <= count; x += kEight) {
+      TakeEight(samples + x);
+    }
+    if (count >= kEight) return TakeEight(samples + count - kEight);
+    for (size_t x = 0; x < count; ++x) {
+      any |= samples[x];
+      all &= uint64_t{samples[x]} * 0x0101010101010101;
+    }
+  }
+
+ private:
+  void TakeEight(const uint8_t* samples) {
+    uint64_t eight = 0;
+    std::memcpy(&eight, samples, sizeof(eight));
+    any |= eight;
+    all &= eight;
+  }
+};
+
+}  // namespace
 
 bool BlendMask::Reserve(ImageSize map, ImageSize frame) {
   return rows_.Reserve(map, frame) &&
@@ -12,6 +45,8 @@ bool BlendMask::Reserve(ImageSize map, ImageSize frame) {
 void BlendMask::Begin(Plane<const uint8_t> map, ImageSize frame) {
   map_ = map;
   frame_ = frame;
+  is_empty_ = map.size() == 0 || frame.pixel_count() == 0;
+  if (is_empty_) return;
   segments_ = Segments(frame.width);
   Rewind();
   for (int32_t y = 0; y < map.height; ++y) of_map()[y] = {0, 0};
@@ -19,13 +54,10 @@ void BlendMask::Begin(Plane<const uint8_t> map, ImageSize frame) {
     const auto [first, last] =
         rows_.SourceColumns(segments_.begin(i), segments_.end(i));
     for (int32_t y = 0; y < map.height; ++y) {
-      uint8_t any = 0, all = 255;
-      for (int32_t x = first; x <= last; ++x) {
-        any |= map.row(y)[x];
-        all &= map.row(y)[x];
-      }
-      of_map()[y].zero |= uint64_t{any == 0} << i;
-      of_map()[y].full |= uint64_t{all == 255} << i;
+      CommonBits bits;
+      bits.Take(map.row(y) + first, static_cast<size_t>(last - first) + 1);
+      of_map()[y].zero |= uint64_t{bits.any == 0} << i;
+      of_map()[y].full |= uint64_t{bits.all == UINT64_MAX} << i;
     }
   }
 }

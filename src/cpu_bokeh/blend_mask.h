@@ -19,10 +19,12 @@ class BlendMask {
   [[nodiscard]] bool Reserve(ImageSize map, ImageSize frame);
 
   // Takes a map, for which there is room and which stays as it is meanwhile.
-  // Neither it nor the frame is empty.
   void Begin(Plane<const uint8_t> map, ImageSize frame);
 
-  // Begins again with row 0.
+  // True if there are no weights: the map or the frame is empty.
+  [[nodiscard]] bool is_empty() const { return is_empty_; }
+
+  // Begins with row 0.
   void Rewind() {
     rows_.Begin(map_.extent(), frame_);
     made_ = -1;
@@ -49,6 +51,7 @@ class BlendMask {
 
   Plane<const uint8_t> map_;
   ImageSize frame_;
+  bool is_empty_ = true;
   Segments segments_ = Segments(0);
   ResizedRows<uint8_t> rows_;
   Buffer of_map_;

@@ -29,10 +29,13 @@ bool BlendScratch::Reserve(ImageSize frame, ImageSize map) {
          blended.Reserve(both);
 }
 
-void BlurAndBlend(Plane<const uint8_t> mask, int32_t rows,
-                  BlendScratch& scratch, Plane<uint8_t> plane) {
-  if (plane.size() == 0 || mask.size() == 0) return;
-  scratch.mask.Begin(mask, plane.extent());
+void BlendScratch::Begin(Plane<const uint8_t> map, ImageSize frame) {
+  mask.Begin(map, frame);
+}
+
+void BlurAndBlend(int32_t rows, BlendScratch& scratch, Plane<uint8_t> plane) {
+  if (plane.size() == 0 || scratch.mask.is_empty()) return;
+  scratch.mask.Rewind();
   scratch.planes[0].Begin(plane.extent());
   scratch.sharp.Begin();
   const auto sharp = [&](int32_t y) {
@@ -46,10 +49,10 @@ void BlurAndBlend(Plane<const uint8_t> mask, int32_t rows,
   }
 }
 
-void BlurAndBlendChroma(Plane<const uint8_t> mask, ImageSize frame,
-                        BlendScratch& scratch, std::span<uint8_t> vu) {
-  if (frame.pixel_count() == 0 || mask.size() == 0) return;
-  scratch.mask.Begin(mask, frame);
+void BlurAndBlendChroma(ImageSize frame, BlendScratch& scratch,
+                        std::span<uint8_t> vu) {
+  if (frame.pixel_count() == 0 || scratch.mask.is_empty()) return;
+  scratch.mask.Rewind();
   for (BlurredPlane& plane : scratch.planes) plane.Begin(frame);
   scratch.sharp.Begin();
   // Each row has U and then V.

@@ -23,20 +23,23 @@ struct BlendScratch {
   // Makes room for blends of a frame by a map of these sizes, so that they
   // cannot fail; false when there is no memory.
   [[nodiscard]] bool Reserve(ImageSize frame, ImageSize map);
+
+  // Takes the mask of all planes of a frame, for which there is room. It stays
+  // as it is meanwhile.
+  void Begin(Plane<const uint8_t> map, ImageSize frame);
 };
 
-// Blends the first `rows` rows of a plane, in place, with two blurs of the
-// plane, by a mask that is enlarged to its size: 0 keeps the sharp pixel and
-// 255 takes the strong blur. Weights in between blend the strong with the mild
-// blur, so that no edge of the sharp picture shows through: (weight * strong +
-// (255 - weight) * mild) / 255, truncated.
-void BlurAndBlend(Plane<const uint8_t> mask, int32_t rows,
-                  BlendScratch& scratch, Plane<uint8_t> plane);
+// Blends the first `rows` rows of a plane of the frame's size, in place, with
+// two blurs of the plane, by the mask, which is enlarged to that size: 0 keeps
+// the sharp pixel and 255 takes the strong blur. Weights in between blend the
+// strong with the mild blur, so that no edge of the sharp picture shows
+// through: (weight * strong + (255 - weight) * mild) / 255, truncated.
+void BlurAndBlend(int32_t rows, BlendScratch& scratch, Plane<uint8_t> plane);
 
-// The same for both planes of interleaved chroma; see ChromaRegions. `frame` is
-// the frame's size, whose width is even; `vu` has as many bytes as its chroma.
-void BlurAndBlendChroma(Plane<const uint8_t> mask, ImageSize frame,
-                        BlendScratch& scratch, std::span<uint8_t> vu);
+// The same for both planes of interleaved chroma; see ChromaRegions. The width
+// of `frame` is even; `vu` has as many bytes as its chroma.
+void BlurAndBlendChroma(ImageSize frame, BlendScratch& scratch,
+                        std::span<uint8_t> vu);
 
 }  // namespace zuqel
 

@@ -173,13 +173,14 @@ class Expansion {
         AsPlane(buffers_.work_mask, frame_.disparity);
     const ImageSize size = frame_.luma.extent();
     BlendScratch& scratch = buffers_.blend;
-    BlurAndBlend(mask, size.height, scratch, frame_.luma);
+    scratch.Begin(mask, size);
+    BlurAndBlend(size.height, scratch, frame_.luma);
     if (!is_odd()) {
-      BlurAndBlendChroma(mask, size, scratch, frame_.chroma);
+      BlurAndBlendChroma(size, scratch, frame_.chroma);
       return;
     }
     for (const Plane<uint8_t> region : {Chroma().u, Chroma().v}) {
-      BlurAndBlend(mask, RowsInUse(size.width, size.height), scratch, region);
+      BlurAndBlend(RowsInUse(size.width, size.height), scratch, region);
     }
     JoinChroma(Chroma(), frame_.chroma);
   }

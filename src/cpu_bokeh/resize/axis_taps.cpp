@@ -11,6 +11,8 @@ constexpr int64_t kOne = 256;  // a whole sample
 }  // namespace
 
 bool AxisTaps::Reserve(int32_t source, int32_t target) {
+  if (source == source_ && target == target_) return true;
+  source_ = target_ = 0;
   // Shrinking, a source sample has a part in two target samples at most.
   const size_t weights =
       static_cast<size_t>(source) + static_cast<size_t>(target) * (kPadded + 1);
@@ -21,6 +23,9 @@ bool AxisTaps::Reserve(int32_t source, int32_t target) {
 }
 
 void AxisTaps::Walk(int32_t source, int32_t target) {
+  if (source == source_ && target == target_) return;
+  source_ = source;
+  target_ = target;
   entry_count_ = weight_count_ = 0;
   most_ = 0;
   if (source <= target) {

@@ -29,11 +29,12 @@ class AxisTaps {
     int64_t first;
   };
 
-  // Makes room for a walk; false when there is no memory.
+  // Makes room for a walk, and keeps the last one if it is the same; false when
+  // there is no memory.
   [[nodiscard]] bool Reserve(int32_t source, int32_t target);
 
   // Walks along an axis of `source` samples that becomes `target` long, neither
-  // 0. There is room for it.
+  // 0, unless it has already. There is room for it.
   //
   // Where it grows, target sample t interpolates at the source position
   // (t + 0.5) * source / target - 0.5, truncated to 1/256; the end samples are
@@ -78,6 +79,9 @@ class AxisTaps {
   Buffer entry_bytes_;
   Buffer weight_bytes_;
   Buffer packed_bytes_;
+  // The axis that was walked along.
+  int32_t source_ = 0;
+  int32_t target_ = 0;
   size_t entry_count_ = 0;
   size_t weight_count_ = 0;
   int32_t most_ = 0;
