@@ -408,6 +408,26 @@ TEST(RenderExpansion, EqualsItsStepsInPlainForm) {
   EXPECT_EQ(weights.size(), 256U) << "not every weight was there";
 }
 
+// More than 2^31 - 1 bytes of a plane, or of rows that are in use at a time.
+TEST(RenderExpansion, IsWithoutMemoryForHugeFrames) {
+  LogCapture log;
+  for (const ExpansionRow& row :
+       {ExpansionRow{65536, 65536, 2, 2}, ExpansionRow{INT32_MAX, 1, 2, 2},
+        ExpansionRow{INT32_MAX - 1, 1, 2, 2}, ExpansionRow{1 << 27, 8, 2, 2}}) {
+    BeginSession(row, 0);
+    const Plane8 pixel = {1, 1, {7}};
+    const Image<uint16_t> disparity = {2, 2, {1024, 1023, 0, 5}};
+    const GuardedImage luma(pixel), chroma(pixel);
+    const GuardedImage map(disparity);
+    EXPECT_EQ(zuQelRT_Bokeh_ZU4410_DisparityBase_Expansion_CPU(
+                  luma.View().data, chroma.View().data, map.View().data, 0, 0),
+              uint32_t{ZUQEL_SUCCESS});
+    EXPECT_TRUE(IsSame(luma.Copy(), pixel) && IsSame(chroma.Copy(), pixel) &&
+                IsSame(map.Copy(), disparity))
+        << row.width << " x " << row.height;
+  }
+}
+
 TEST(RenderExpansion, LogsItsSteps) {
   LogCapture log;
   const ExpansionRow& row = kExpansionRows[0];

@@ -21,12 +21,13 @@ void RepeatEnds(int32_t width, uint8_t* row) {
 
 bool BlendScratch::Reserve(ImageSize frame, ImageSize map) {
   if (frame.pixel_count() == 0 || map.pixel_count() == 0) return true;
-  const auto both = ByteCount(frame.width + kMargin, 2, 1);
-  return both && mask.Reserve(map, frame) && planes[0].Reserve(frame) &&
+  // With this, all that is calculated from a width fits.
+  if (!ByteCount(frame.width, 2 * BlurredPlane::kSourceRows, 1)) return false;
+  const int32_t both = 2 * (frame.width + kMargin);
+  return mask.Reserve(map, frame) && planes[0].Reserve(frame) &&
          planes[1].Reserve(frame) &&
-         sharp.Reserve(static_cast<int32_t>(*both), BlurredPlane::kSourceRows,
-                       kMargin) &&
-         blended.Reserve(both);
+         sharp.Reserve(both, BlurredPlane::kSourceRows, kMargin) &&
+         blended.Reserve(ByteCount(both, 1, 1));
 }
 
 void BlendScratch::Begin(Plane<const uint8_t> map, ImageSize frame) {

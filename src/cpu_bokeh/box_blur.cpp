@@ -131,14 +131,12 @@ void BlurBy1(Plane<const uint8_t> in, uint8_t* ring, Plane<uint8_t> out) {
   };
   const auto blur_row = [&](int32_t y) {
     const uint8_t* row = in.row(y);
-    const size_t last = width - 1;
-    const std::array<uint8_t, 3> start = {row[0], row[0],
-                                          row[std::min<size_t>(1, last)]};
-    const std::array<uint8_t, 3> end = {row[last - std::min<size_t>(1, last)],
-                                        row[last], row[last]};
-    if (width > 2) box.along(row, width - 2, along(y) + 1);
-    box.along(start.data(), 1, along(y));
-    box.along(end.data(), 1, along(y) + last);
+    uint8_t* blurred = along(y);
+    const size_t last = width - 1, inner = std::min<size_t>(1, last);
+    if (width > 2) box.along(row, width - 2, blurred + 1);
+    blurred[0] = static_cast<uint8_t>((2U * row[0] + row[inner]) / 3);
+    blurred[last] =
+        static_cast<uint8_t>((2U * row[last] + row[last - inner]) / 3);
   };
   blur_row(0);
   for (int32_t y = 0; y < in.height; ++y) {

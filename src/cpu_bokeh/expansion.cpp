@@ -55,6 +55,10 @@ class Expansion {
   [[nodiscard]] bool Reserve() {
     const ImageSize frame = frame_.luma.extent();
     const ImageSize map = frame_.disparity.extent();
+    // Too large a frame first, before anything is as large.
+    if (!ByteCount(frame, 1) || !buffers_.blend.Reserve(frame, map)) {
+      return false;
+    }
     for (Buffer* buffer : {&buffers_.u_region, &buffers_.v_region}) {
       if (is_odd() && !buffer->Reserve(ByteCount(frame, 1))) return false;
     }
@@ -65,8 +69,7 @@ class Expansion {
         !buffers_.reduction.Reserve(frame, map) ||
         !ReserveRegionGrowing(map, buffers_.growth) ||
         !buffers_.cleanup.Reserve(map) ||
-        !ReserveBoxBlur(map, kFeatherRadius, buffers_.feather) ||
-        !buffers_.blend.Reserve(frame, map)) {
+        !ReserveBoxBlur(map, kFeatherRadius, buffers_.feather)) {
       return false;
     }
     // The history last: the masks in it are kept when anything else fails.
