@@ -94,7 +94,7 @@ TEST(GlCalls, AreAsManyAsAFrameNeeds) {
     add(1);
     EXPECT_EQ(library_allocations::Count(), blocks) << "of kind " << kind;
     for (size_t i = 0; i < counts.size(); ++i) {
-      const auto row =
+      const auto* row =
           std::find_if(kCounts.begin(), kCounts.end(), [&](const auto& known) {
             return known.call == fake_driver::Call(i);
           });
