@@ -12,7 +12,7 @@
 #include "input.h"
 #include "require.h"
 
-namespace zuqel::fuzz::calibration {
+namespace zuqel::fuzz {
 namespace {
 
 using calib::Bytes;
@@ -165,4 +165,4 @@ void Run(Input& input) {
   if (initialises) CheckInitialisation(call);
 }
 
-}  // namespace zuqel::fuzz::calibration
+}  // namespace zuqel::fuzz

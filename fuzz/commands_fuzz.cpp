@@ -15,7 +15,7 @@
 #include "series/file_series.h"
 #include "tool_error.h"
 
-namespace zuqel::fuzz::commands {
+namespace zuqel::fuzz {
 namespace {
 
 std::string Text(Input& input, size_t longest) {
@@ -168,4 +168,4 @@ void Run(Input& input) {
   }
 }
 
-}  // namespace zuqel::fuzz::commands
+}  // namespace zuqel::fuzz

@@ -9,7 +9,7 @@
 #include "reference_depth.h"
 #include "require.h"
 
-namespace zuqel::fuzz::cpu_calls {
+namespace zuqel::fuzz {
 namespace {
 
 using reference::Map;
@@ -104,4 +104,4 @@ void Run(Input& input) {
   zuQelRT_GLClose();
 }
 
-}  // namespace zuqel::fuzz::cpu_calls
+}  // namespace zuqel::fuzz

@@ -10,7 +10,7 @@
 #include "reference_focus_mask.h"
 #include "require.h"
 
-namespace zuqel::fuzz::depth {
+namespace zuqel::fuzz {
 namespace {
 
 using Map = Image<uint16_t>;
@@ -126,4 +126,4 @@ void Run(Input& input) {
   input.OneOf(kChecks)(input);
 }
 
-}  // namespace zuqel::fuzz::depth
+}  // namespace zuqel::fuzz

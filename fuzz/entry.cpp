@@ -8,13 +8,6 @@
 
 #include "input.h"
 
-namespace zuqel::fuzz::ZUQEL_FUZZ_TARGET {
-
-// What the target does with one input.
-void Run(Input& input);
-
-}  // namespace zuqel::fuzz::ZUQEL_FUZZ_TARGET
-
 extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
   __android_log_set_logger([](const __android_log_message*) {});
   return std::freopen("/dev/null", "w", stdout) == nullptr ? 1 : 0;
@@ -22,6 +15,6 @@ extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
   zuqel::fuzz::Input input(bytes, size);
-  zuqel::fuzz::ZUQEL_FUZZ_TARGET::Run(input);
+  zuqel::fuzz::Run(input);
   return 0;
 }

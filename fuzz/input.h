@@ -96,6 +96,9 @@ class Input {
   FuzzedDataProvider bytes_;
 };
 
+// What each target does with one input.
+void Run(Input& input);
+
 }  // namespace zuqel::fuzz
 
 #endif  // ZUQEL_FUZZ_INPUT_H_

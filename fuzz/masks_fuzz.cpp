@@ -12,7 +12,7 @@
 #include "reference_masks.h"
 #include "require.h"
 
-namespace zuqel::fuzz::masks {
+namespace zuqel::fuzz {
 namespace {
 
 using Mask = Image<uint8_t>;
@@ -153,4 +153,4 @@ void Run(Input& input) {
   input.OneOf(kChecks)(input);
 }
 
-}  // namespace zuqel::fuzz::masks
+}  // namespace zuqel::fuzz

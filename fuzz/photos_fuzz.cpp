@@ -16,7 +16,7 @@
 #include "require.h"
 #include "tool_error.h"
 
-namespace zuqel::fuzz::photos {
+namespace zuqel::fuzz {
 namespace {
 
 constexpr const char* kName = "file";
@@ -120,4 +120,4 @@ void Run(Input& input) {
   }
 }
 
-}  // namespace zuqel::fuzz::photos
+}  // namespace zuqel::fuzz

@@ -5,7 +5,6 @@
 #include <zlib.h>
 
 #include <array>
-#include <cmath>
 #include <string>
 
 #include "decode/decode.h"
@@ -16,7 +15,7 @@
 #include "series/y4m_reader.h"
 #include "tool_error.h"
 
-namespace zuqel::fuzz::pictures {
+namespace zuqel::fuzz {
 namespace {
 
 using Bytes = std::vector<uint8_t>;
@@ -168,4 +167,4 @@ void Run(Input& input) {
   }
 }
 
-}  // namespace zuqel::fuzz::pictures
+}  // namespace zuqel::fuzz

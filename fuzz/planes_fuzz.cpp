@@ -9,7 +9,7 @@
 #include "reference_planes.h"
 #include "require.h"
 
-namespace zuqel::fuzz::planes {
+namespace zuqel::fuzz {
 namespace {
 
 using Plane8 = Image<uint8_t>;
@@ -106,4 +106,4 @@ void Run(Input& input) {
   input.OneOf(kChecks)(input);
 }
 
-}  // namespace zuqel::fuzz::planes
+}  // namespace zuqel::fuzz

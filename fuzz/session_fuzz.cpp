@@ -15,7 +15,7 @@
 #include "library_allocations.h"
 #include "require.h"
 
-namespace zuqel::fuzz::session {
+namespace zuqel::fuzz {
 namespace {
 
 constexpr int32_t kHuge = 1 << 16;  // on both sides, more than memory can hold
@@ -292,4 +292,4 @@ void Run(Input& input) {
   }
 }
 
-}  // namespace zuqel::fuzz::session
+}  // namespace zuqel::fuzz
