@@ -56,8 +56,8 @@ void BlendMask::Begin(Plane<const uint8_t> map, ImageSize frame) {
     for (int32_t y = 0; y < map.height; ++y) {
       CommonBits bits;
       bits.Take(map.row(y) + first, static_cast<size_t>(last - first) + 1);
-      of_map()[y].zero |= uint64_t{bits.any == 0} << i;
-      of_map()[y].full |= uint64_t{bits.all == UINT64_MAX} << i;
+      of_map()[y].zero |= uint64_t{bits.any == 0 ? 1U : 0U} << i;
+      of_map()[y].full |= uint64_t{bits.all == UINT64_MAX ? 1U : 0U} << i;
     }
   }
 }

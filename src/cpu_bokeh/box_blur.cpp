@@ -124,7 +124,7 @@ void BlurColumns(BlurredRows& rows, int32_t radius, uint32_t* sums,
 
 // The box of radius 1, in bytes all through. `ring` has room for four rows.
 void BlurBy1(Plane<const uint8_t> in, uint8_t* ring, Plane<uint8_t> out) {
-  const BoxKernels& box = Kernels<BoxKernels>();
+  const auto& box = Kernels<BoxKernels>();
   const auto width = static_cast<size_t>(in.width);
   const auto along = [&](int32_t y) {
     return ring + static_cast<size_t>(y % kRingRowsBy1) * width;

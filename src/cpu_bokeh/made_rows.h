@@ -39,7 +39,8 @@ class MadeRows {
 
  private:
   [[nodiscard]] Sample* At(int32_t y) const {
-    const auto stride = static_cast<size_t>(width_ + 2 * margin_);
+    const size_t stride =
+        static_cast<size_t>(width_) + 2 * static_cast<size_t>(margin_);
     return reinterpret_cast<Sample*>(bytes_.bytes()) +
            static_cast<size_t>(y % count_) * stride +
            static_cast<size_t>(margin_);

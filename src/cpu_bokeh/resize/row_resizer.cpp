@@ -53,7 +53,7 @@ template <typename Sample>
 bool RowResizer<Sample>::Reserve(ImageSize from, ImageSize to) {
   const auto row_bytes = ByteCount(from.width, 1, sizeof(Lane<Sample>));
   return row_bytes &&
-         row_.Reserve(*row_bytes + 2 * kMargin * sizeof(Lane<Sample>)) &&
+         row_.Reserve(*row_bytes + sizeof(Lane<Sample>) * 2 * kMargin) &&
          rows_.Reserve(from.height, to.height) &&
          columns_.Reserve(from.width, to.width);
 }
