@@ -60,7 +60,7 @@ struct StageData {
     RenderPasses(&drawing, TheSession().frame_setup, call, TheSession().frames);
     glFinish();
   }
-  void ReadPixels() {
+  void ReadPixels() const {
     glReadPixels(0, 0, frame.luma.width, frame.luma.height, GL_RGBA,
                  GL_UNSIGNED_BYTE, Frames().memory.read_back.bytes());
   }
