@@ -11,7 +11,7 @@
 // Arrays of the language: functions of std::array would be shared with files
 // that are compiled for other sets.
 // As many samples are read as were made, which the analyzer does not see.
-// NOLINTBEGIN(modernize-avoid-c-arrays,clang-analyzer-core.*,portability-simd-intrinsics)
+// NOLINTBEGIN(modernize-avoid-c-arrays,clang-analyzer-core.*)
 namespace zuqel {
 namespace {
 
@@ -227,4 +227,4 @@ KernelsOf<ReduceKernels<uint16_t>, kCompiledSet>() {
 }
 
 }  // namespace zuqel
-// NOLINTEND(modernize-avoid-c-arrays,clang-analyzer-core.*,portability-simd-intrinsics)
+// NOLINTEND(modernize-avoid-c-arrays,clang-analyzer-core.*)
