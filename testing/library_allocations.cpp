@@ -1,17 +1,19 @@
 // Stands between the program's objects and the allocator, by the linker's
-// --wrap. Of all that is linked only the library's buffers call calloc.
+// --wrap. Of all that is linked only the library's buffers call
+// posix_memalign.
 #include "library_allocations.h"
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <climits>
 #include <cstdlib>
 #include <mutex>
 
 extern "C" {
-void* __real_calloc(size_t count, size_t size);
+int __real_posix_memalign(void** block, size_t alignment, size_t size);
 void __real_free(void* block);
-void* __wrap_calloc(size_t count, size_t size);
+int __wrap_posix_memalign(void** block, size_t alignment, size_t size);
 void __wrap_free(void* block);
 }
 
@@ -82,19 +84,19 @@ FailingBlock::~FailingBlock() {
 
 namespace {
 
-void* Take(size_t count, size_t size) {
+int Take(void** block, size_t alignment, size_t size) {
   State& state = TheState();
   const std::lock_guard lock(state.mutex);
   ++state.count;
   if (state.count >= state.first_failing && state.count <= state.last_failing) {
-    return nullptr;
+    return ENOMEM;
   }
-  void* block = __real_calloc(count, size);
-  if (block == nullptr) return nullptr;
-  UnusedBlock() = {block, count * size};
-  state.bytes_held += count * size;
+  const int error = __real_posix_memalign(block, alignment, size);
+  if (error != 0) return error;
+  UnusedBlock() = {*block, size};
+  state.bytes_held += size;
   state.most_bytes_held = std::max(state.most_bytes_held, state.bytes_held);
-  return block;
+  return 0;
 }
 
 void GiveBack(void* block) {
@@ -113,8 +115,8 @@ void GiveBack(void* block) {
 }  // namespace
 }  // namespace zuqel::library_allocations
 
-void* __wrap_calloc(size_t count, size_t size) {
-  return zuqel::library_allocations::Take(count, size);
+int __wrap_posix_memalign(void** block, size_t alignment, size_t size) {
+  return zuqel::library_allocations::Take(block, alignment, size);
 }
 
 void __wrap_free(void* block) {

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <span>
@@ -34,16 +35,17 @@ inline std::optional<size_t> ByteCount(ImageSize size,
 
 class Buffer {
  public:
-  // Makes sure there are at least `bytes` bytes, zeroed when newly made. False
-  // when there is no memory for them; then the buffer is as it was.
+  // Makes sure there are at least `bytes` bytes, zeroed when newly made, from
+  // the beginning of a cache line on: vectors that lie across two take longer.
+  // False when there is no memory for them; then the buffer is as it was.
   [[nodiscard]] bool Reserve(std::optional<size_t> bytes) {
     if (!bytes) return false;
     if (bytes_ != nullptr && *bytes <= size_) return true;
     // One byte at least: an empty buffer that was made is not a missing one.
-    auto* fresh =
-        static_cast<uint8_t*>(std::calloc(std::max(*bytes, size_t{1}), 1));
-    if (fresh == nullptr) return false;
-    bytes_.reset(fresh);
+    const size_t taken = std::max(*bytes, size_t{1});
+    void* fresh = nullptr;
+    if (posix_memalign(&fresh, kCacheLine, taken) != 0) return false;
+    bytes_.reset(static_cast<uint8_t*>(std::memset(fresh, 0, taken)));
     size_ = *bytes;
     return true;
   }
@@ -61,6 +63,8 @@ class Buffer {
   }
 
  private:
+  static constexpr size_t kCacheLine = 64;
+
   struct Free {
     void operator()(uint8_t* bytes) const { std::free(bytes); }
   };
