@@ -139,10 +139,17 @@ Plane8 Blurred(const Plane8& image, Blur blur, int32_t argument) {
 }
 
 void CheckBoxBlur(const Plane8& image, int32_t radius) {
-  const int32_t taken = std::clamp(radius, 0, 65535);
-  ASSERT_TRUE(
-      IsSame(Blurred(image, BoxBlur, radius), reference::BoxBlur(image, taken)))
+  const Plane8 expected =
+      reference::BoxBlur(image, std::clamp(radius, 0, 65535));
+  const auto in_place = [](auto in, int32_t argument, Buffer& scratch,
+                           Plane<uint8_t> out) {
+    std::copy(in.data, in.data + in.size(), out.data);
+    return BoxBlur(out, argument, scratch, out);
+  };
+  ASSERT_TRUE(IsSame(Blurred(image, BoxBlur, radius), expected))
       << "radius " << radius;
+  ASSERT_TRUE(IsSame(Blurred(image, in_place, radius), expected))
+      << "in place, radius " << radius;
 }
 
 // Also of planes smaller than the box.
@@ -156,6 +163,10 @@ TEST(BoxBlur, IsTheMeanOfRowsAndThenOfColumns) {
     CheckBoxBlur(NoiseImage<uint8_t>(73, 13, 2), radius);
   }
   CheckBoxBlur(NoiseImage<uint8_t>(7, 9, 2), 100);
+  // The smallest box is made in blocks.
+  for (int32_t width = 14; width <= 130; ++width) {
+    CheckBoxBlur(NoiseImage<uint8_t>(width, 5, 2), 1);
+  }
 }
 
 // Around the first of 300 pixels, of which the first is 0 and the last is 1, a

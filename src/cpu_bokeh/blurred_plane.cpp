@@ -25,10 +25,11 @@ bool BlurredPlane::Reserve(ImageSize size) {
   return (!has_half || (half_rows_.Reserve(size, half) &&
                         strong_rows_.Reserve(half, size))) &&
          half_row_.Reserve(ByteCount(half.width + 2 * kSourceMargin, 1, 1)) &&
-         half_along_.Reserve(half.width, kAlongRows) &&
+         half_along_.Reserve(BoxKernels::Lanes(half.width), kAlongRows) &&
          half_blurred_.Reserve(half.width, kBlurredRows) &&
          strong_row_.Reserve(ByteCount(size.width, 1, 1)) &&
-         mild_along_.Reserve(ByteCount(size.width, kMildRows, 1)) &&
+         mild_along_.Reserve(ByteCount(BoxKernels::Lanes(size.width), kMildRows,
+                                       sizeof(uint16_t))) &&
          mild_row_.Reserve(ByteCount(size.width, 1, 1));
 }
 
@@ -44,24 +45,25 @@ void BlurredPlane::Begin(ImageSize size) {
   strong_rows_.Begin(half_, size);
 }
 
-void BlurredPlane::BoxAlong(uint8_t* out) const {
+void BlurredPlane::BoxAlong(uint16_t* out) const {
   uint8_t* row = half_row();
   row[-1] = row[0];
   row[half_.width] = row[half_.width - 1];
   Kernels<BoxKernels>().along(row - 1, static_cast<size_t>(half_.width), out);
 }
 
-void BlurredPlane::BoxDown(const uint8_t* above, const uint8_t* row,
-                           const uint8_t* below, int32_t width, uint8_t* out) {
-  Kernels<BoxKernels>().down(above, row, below, static_cast<size_t>(width),
-                             out);
+void BlurredPlane::BoxDown(const uint16_t* above, const uint16_t* row,
+                           const uint16_t* below, uint8_t* out) const {
+  Kernels<BoxKernels>().down(above, row, below,
+                             static_cast<size_t>(half_.width), out);
 }
 
 // Row `y` of the mild blur's first pass, made where `bits` are set.
-const uint8_t* BlurredPlane::MildAlong(int32_t y, uint64_t bits,
-                                       const uint8_t* sharp) {
+const uint16_t* BlurredPlane::MildAlong(int32_t y, uint64_t bits,
+                                        const uint8_t* sharp) {
   const size_t slot = static_cast<size_t>(y) % kMildRows;
-  uint8_t* row = mild_along_.bytes() + slot * static_cast<size_t>(size_.width);
+  auto* row = reinterpret_cast<uint16_t*>(mild_along_.bytes()) +
+              slot * static_cast<size_t>(BoxKernels::Lanes(size_.width));
   MildRow& state = mild_rows_[slot];
   if (state.y != y) state = {y, 0};
   const auto along = Kernels<BoxKernels>().along;
@@ -72,11 +74,12 @@ const uint8_t* BlurredPlane::MildAlong(int32_t y, uint64_t bits,
   return row;
 }
 
-void BlurredPlane::BoxDownSegments(const std::array<const uint8_t*, 3>& along,
+void BlurredPlane::BoxDownSegments(const std::array<const uint16_t*, 3>& along,
                                    uint64_t bits) {
+  const auto down = Kernels<BoxKernels>().down;
   segments_.ForEachRun(bits, [&](int32_t begin, int32_t end) {
-    BoxDown(along[0] + begin, along[1] + begin, along[2] + begin, end - begin,
-            mild_row_.bytes() + begin);
+    down(along[0] + begin, along[1] + begin, along[2] + begin,
+         static_cast<size_t>(end - begin), mild_row_.bytes() + begin);
   });
 }
 

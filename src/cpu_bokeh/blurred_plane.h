@@ -73,8 +73,8 @@ class BlurredPlane {
 
   // Row `y` of the first pass of the strong blur's box.
   template <typename Sharp>
-  const uint8_t* HalfAlong(int32_t y, Sharp& sharp) {
-    return half_along_.Row(y, [&](int32_t made, uint8_t* row) {
+  const uint16_t* HalfAlong(int32_t y, Sharp& sharp) {
+    return half_along_.Row(y, [&](int32_t made, uint16_t* row) {
       half_rows_.MakeRow(made, sharp, half_row());
       BoxAlong(row);
     });
@@ -85,9 +85,9 @@ class BlurredPlane {
     return half_blurred_.Row(y, [&](int32_t made, uint8_t* row) {
       const int32_t last = half_.height - 1;
       // The lowest first: those above are kept.
-      const uint8_t* below = HalfAlong(std::min(made + 1, last), sharp);
+      const uint16_t* below = HalfAlong(std::min(made + 1, last), sharp);
       BoxDown(HalfAlong(std::max(made - 1, 0), sharp), HalfAlong(made, sharp),
-              below, half_.width, row);
+              below, row);
     });
   }
   template <typename Sharp>
@@ -98,7 +98,7 @@ class BlurredPlane {
   }
   template <typename Sharp>
   void MakeMild(int32_t y, uint64_t bits, Sharp& sharp) {
-    std::array<const uint8_t*, 3> along;
+    std::array<const uint16_t*, 3> along;
     for (int32_t i = 0; i < 3; ++i) {
       const int32_t row = std::clamp(y + i - 1, 0, size_.height - 1);
       along[static_cast<size_t>(i)] = MildAlong(row, bits, sharp(row));
@@ -109,11 +109,11 @@ class BlurredPlane {
   [[nodiscard]] uint8_t* half_row() const {
     return half_row_.bytes() + kSourceMargin;
   }
-  void BoxAlong(uint8_t* out) const;
-  static void BoxDown(const uint8_t* above, const uint8_t* row,
-                      const uint8_t* below, int32_t width, uint8_t* out);
-  const uint8_t* MildAlong(int32_t y, uint64_t bits, const uint8_t* sharp);
-  void BoxDownSegments(const std::array<const uint8_t*, 3>& along,
+  void BoxAlong(uint16_t* out) const;
+  void BoxDown(const uint16_t* above, const uint16_t* row,
+               const uint16_t* below, uint8_t* out) const;
+  const uint16_t* MildAlong(int32_t y, uint64_t bits, const uint8_t* sharp);
+  void BoxDownSegments(const std::array<const uint16_t*, 3>& along,
                        uint64_t bits);
   void FinishStrong(int32_t begin, int32_t end, uint8_t* out) const;
   void BlendMixed(uint64_t bits, const uint8_t* weights, uint8_t* out) const;
@@ -124,7 +124,7 @@ class BlurredPlane {
 
   ResizedRows<uint8_t> half_rows_;
   Buffer half_row_;
-  MadeRows<uint8_t> half_along_;
+  MadeRows<uint16_t> half_along_;
   MadeRows<uint8_t> half_blurred_;
   ResizedRows<uint8_t> strong_rows_;
   Buffer strong_row_;

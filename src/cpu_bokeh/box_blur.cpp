@@ -48,8 +48,10 @@ class BoxDivision {
   bool fits_32_bits_;
 };
 
-// Three rows are in use at a time.
-constexpr int32_t kRingRowsBy1 = 4;
+// Two rows of lanes.
+std::optional<size_t> LaneBytes(int32_t width) {
+  return ByteCount(BoxKernels::Lanes(width), 2, sizeof(uint16_t));
+}
 
 // Mean over each pixel's neighbours in a row. `padded` has room for the row and
 // its end pixels, repeated outside.
@@ -122,28 +124,65 @@ void BlurColumns(BlurredRows& rows, int32_t radius, uint32_t* sums,
   }
 }
 
-// The box of radius 1, in bytes all through. `ring` has room for four rows.
-void BlurBy1(Plane<const uint8_t> in, uint8_t* ring, Plane<uint8_t> out) {
+// Blurred ends of three rows, which have no neighbour on one side.
+class RowEnds {
+ public:
+  explicit RowEnds(size_t width)
+      : last_(width - 1), inner_(std::min<size_t>(1, last_)) {}
+
+  void Add(const uint8_t* row) {
+    const auto third = [&](size_t x, size_t inner) {
+      return (2U * row[x] + row[inner]) / 3;
+    };
+    rows_ = {
+        rows_[1], rows_[2], {third(0, inner_), third(last_, last_ - inner_)}};
+  }
+  void Blur(uint8_t* out) const {
+    const auto third = [&](size_t end) {
+      return static_cast<uint8_t>(
+          (rows_[0][end] + rows_[1][end] + rows_[2][end]) / 3);
+    };
+    out[0] = third(0);
+    out[last_] = third(1);
+  }
+
+ private:
+  size_t last_, inner_;
+  std::array<std::array<uint32_t, 2>, 3> rows_ = {};
+};
+
+// The box of radius 1. There is room for two rows of lanes, then for a row and
+// a sample on either side.
+void BlurBy1(Plane<const uint8_t> in, const Buffer& scratch,
+             Plane<uint8_t> out) {
+  auto* lanes = reinterpret_cast<uint16_t*>(scratch.bytes());
+  uint8_t* padded = scratch.bytes() + *LaneBytes(in.width);
   const auto& box = Kernels<BoxKernels>();
   const auto width = static_cast<size_t>(in.width);
-  const auto along = [&](int32_t y) {
-    return ring + static_cast<size_t>(y % kRingRowsBy1) * width;
-  };
-  const auto blur_row = [&](int32_t y) {
+  const int32_t last = in.height - 1;
+  const bool is_in_place = in.data == out.data;
+  // A row that has a sample on either side: the wrong one, but ends are made
+  // apart.
+  const auto neighboured = [&](int32_t y) -> const uint8_t* {
     const uint8_t* row = in.row(y);
-    uint8_t* blurred = along(y);
-    const size_t last = width - 1, inner = std::min<size_t>(1, last);
-    if (width > 2) box.along(row, width - 2, blurred + 1);
-    blurred[0] = static_cast<uint8_t>((2U * row[0] + row[inner]) / 3);
-    blurred[last] =
-        static_cast<uint8_t>((2U * row[last] + row[last - inner]) / 3);
+    if (y > 0 && y < last && !is_in_place) return row;
+    return static_cast<uint8_t*>(std::memcpy(padded + 1, row, width));
   };
-  blur_row(0);
-  for (int32_t y = 0; y < in.height; ++y) {
-    const int32_t below = std::min(y + 1, in.height - 1);
-    if (below > y) blur_row(below);
-    box.down(along(std::max(y - 1, 0)), along(y), along(below), width,
-             out.row(y));
+  RowEnds ends(width);
+  std::array<uint16_t*, 2> rows = {lanes, lanes + BoxKernels::Lanes(in.width)};
+  const auto begin = [&](uint16_t* row) {
+    box.along(neighboured(0) - 1, width, row);
+    ends.Add(in.row(0));
+  };
+  begin(rows[0]);
+  begin(rows[1]);
+  for (int32_t y = 0; y <= last; ++y) {
+    const int32_t below = std::min(y + 1, last);
+    ends.Add(in.row(below));
+    box.both(neighboured(below) - 1, width, rows[0], rows[1], out.row(y),
+             {in.row(std::min(y + 2, last)), out.row(below)});
+    ends.Blur(out.row(y));
+    std::swap(rows[0], rows[1]);
   }
 }
 
@@ -166,6 +205,11 @@ struct ScratchLayout {
 
 bool ReserveBoxBlur(ImageSize size, int32_t radius, Buffer& scratch) {
   if (size.width == 0 || size.height == 0 || radius <= 0) return true;
+  if (radius == 1) {
+    const auto lanes = LaneBytes(size.width);
+    return lanes &&
+           scratch.Reserve(*lanes + static_cast<size_t>(size.width) + 2);
+  }
   const ScratchLayout layout(size, std::min(radius, kLargestBoxRadius));
   return layout.sum_bytes && layout.ring_bytes &&
          scratch.Reserve(*layout.sum_bytes + *layout.ring_bytes +
@@ -180,12 +224,12 @@ bool BoxBlur(Plane<const uint8_t> in, int32_t radius, Buffer& scratch,
     if (out.data != in.data) std::memcpy(out.data, in.data, in.size());
     return true;
   }
-  radius = std::min(radius, kLargestBoxRadius);
-  const ScratchLayout layout(in.extent(), radius);
   if (radius == 1) {
-    BlurBy1(in, scratch.bytes(), out);
+    BlurBy1(in, scratch, out);
     return true;
   }
+  radius = std::min(radius, kLargestBoxRadius);
+  const ScratchLayout layout(in.extent(), radius);
   uint8_t* const ring_bytes = scratch.bytes() + *layout.sum_bytes;
   auto* sums = reinterpret_cast<uint32_t*>(scratch.bytes());
   auto* ring = reinterpret_cast<uint16_t*>(ring_bytes);

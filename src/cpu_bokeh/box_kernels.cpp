@@ -14,31 +14,106 @@ inline uint16_t Third(uint16_t a, uint16_t b, uint16_t c = 0) {
   return static_cast<uint16_t>(sum * 21846U >> 16);
 }
 
-void Along(const uint8_t* row, size_t count, uint8_t* __restrict out) {
-  for (size_t i = 0; i < count / 2; ++i) {
-    const uint16_t ab = LoadPair(row + 2 * i), cd = LoadPair(row + 2 * i + 2);
-    const auto bc = static_cast<uint16_t>(Second(ab) + First(cd));
-    StorePair(Third(First(ab), bc), Third(bc, Second(cd)), out + 2 * i);
+constexpr size_t kBlock = BoxKernels::kBlock;
+constexpr size_t kPairs = kBlock / 2;
+
+struct Pair {
+  uint16_t even, odd;
+};
+
+inline Pair ThirdsAlong(const uint8_t* row) {
+  const uint16_t ab = LoadPair(row), cd = LoadPair(row + 2);
+  const auto bc = static_cast<uint16_t>(Second(ab) + First(cd));
+  return {Third(First(ab), bc), Third(bc, Second(cd))};
+}
+
+// A block, or its first pairs.
+[[gnu::always_inline]] inline void AlongBlock(const uint8_t* row, size_t pairs,
+                                              uint16_t* __restrict out) {
+  for (size_t i = 0; i < pairs; ++i) {
+    const Pair thirds = ThirdsAlong(row + 2 * i);
+    out[i] = thirds.even;
+    out[i + kPairs] = thirds.odd;
   }
+}
+
+void Along(const uint8_t* __restrict row, size_t count,
+           uint16_t* __restrict out) {
+  size_t x = 0;
+  for (; x + kBlock <= count; x += kBlock) AlongBlock(row + x, kPairs, out + x);
+  AlongBlock(row + x, (count - x) / 2, out + x);
   if (count % 2 == 0) return;
   const uint8_t* last = row + count - 1;
-  out[count - 1] = static_cast<uint8_t>(Third(last[0], last[1], last[2]));
+  out[BoxKernels::Lane(count - 1)] = Third(last[0], last[1], last[2]);
 }
 
-void Down(const uint8_t* above, const uint8_t* row, const uint8_t* below,
-          size_t count, uint8_t* __restrict out) {
-  for (size_t i = 0; i < count / 2; ++i) {
-    const uint16_t a = LoadPair(above + 2 * i), b = LoadPair(row + 2 * i);
-    const uint16_t c = LoadPair(below + 2 * i);
-    StorePair(Third(First(a), First(b), First(c)),
-              Third(Second(a), Second(b), Second(c)), out + 2 * i);
+[[gnu::always_inline]] inline void DownBlock(const uint16_t* above,
+                                             const uint16_t* row,
+                                             const uint16_t* below,
+                                             size_t pairs,
+                                             uint8_t* __restrict out) {
+  for (size_t i = 0; i < pairs; ++i) {
+    const size_t j = i + kPairs;
+    StorePair(Third(above[i], row[i], below[i]),
+              Third(above[j], row[j], below[j]), out + 2 * i);
+  }
+}
+
+void Down(const uint16_t* __restrict above, const uint16_t* __restrict row,
+          const uint16_t* __restrict below, size_t count,
+          uint8_t* __restrict out) {
+  size_t x = 0;
+  for (; x + kBlock <= count; x += kBlock) {
+    DownBlock(above + x, row + x, below + x, kPairs, out + x);
+  }
+  DownBlock(above + x, row + x, below + x, (count - x) / 2, out + x);
+  if (count % 2 == 0) return;
+  const size_t last = BoxKernels::Lane(count - 1);
+  out[count - 1] =
+      static_cast<uint8_t>(Third(above[last], row[last], below[last]));
+}
+
+[[gnu::always_inline]] inline void BothBlock(const uint8_t* in, size_t pairs,
+                                             uint16_t* __restrict highest,
+                                             const uint16_t* middle,
+                                             uint8_t* __restrict out) {
+  for (size_t i = 0; i < pairs; ++i) {
+    const size_t j = i + kPairs;
+    const Pair lowest = ThirdsAlong(in + 2 * i);
+    StorePair(Third(highest[i], middle[i], lowest.even),
+              Third(highest[j], middle[j], lowest.odd), out + 2 * i);
+    highest[i] = lowest.even;
+    highest[j] = lowest.odd;
+  }
+}
+
+void Both(const uint8_t* __restrict in, size_t count,
+          uint16_t* __restrict highest, const uint16_t* __restrict middle,
+          uint8_t* __restrict out, BoxKernels::Rows next) {
+  size_t x = 0;
+  // Two blocks, for a cache line of samples. Two planes do not fit the second
+  // cache, and what is asked for a row ahead is there in time.
+  for (; x + 2 * kBlock <= count; x += 2 * kBlock) {
+    __builtin_prefetch(next.in + x, /*rw=*/0);
+    __builtin_prefetch(next.out + x, /*rw=*/1);
+    const size_t y = x + kBlock;
+    BothBlock(in + x, kPairs, highest + x, middle + x, out + x);
+    BothBlock(in + y, kPairs, highest + y, middle + y, out + y);
+  }
+  for (; x < count; x += kBlock) {
+    const size_t pairs = (count - x) / 2;
+    BothBlock(in + x, pairs < kPairs ? pairs : kPairs, highest + x, middle + x,
+              out + x);
   }
   if (count % 2 == 0) return;
-  const size_t last = count - 1;
-  out[last] = static_cast<uint8_t>(Third(above[last], row[last], below[last]));
+  const size_t last = BoxKernels::Lane(count - 1);
+  const uint16_t lowest = Third(in[count - 1], in[count], in[count + 1]);
+  out[count - 1] =
+      static_cast<uint8_t>(Third(highest[last], middle[last], lowest));
+  highest[last] = lowest;
 }
 
-constexpr BoxKernels kKernels = {Along, Down};
+constexpr BoxKernels kKernels = {Along, Down, Both};
 
 }  // namespace
 

@@ -7,14 +7,40 @@
 
 namespace zuqel {
 
-// Both give floor((a + b + c) / 3) of bytes.
+// Two passes, each giving floor((a + b + c) / 3). A row between them is in
+// 16-bit lanes, in blocks: of kBlock samples those at even places, then those
+// at odd ones. So neither pass moves samples between lanes.
 struct BoxKernels {
-  // Of each sample and its neighbours in a row: of row[i], row[i + 1] and
-  // row[i + 2] in out[i].
-  void (*along)(const uint8_t* row, size_t count, uint8_t* out);
-  // Of three rows. `out` may be none of them.
-  void (*down)(const uint8_t* above, const uint8_t* row, const uint8_t* below,
-               size_t count, uint8_t* out);
+  static constexpr int32_t kBlock = 32;
+
+  // How many lanes a row takes. A part of it that begins with a block has its
+  // lanes from there on. Of the widest rows, none of which fits a plane, it is
+  // too many for any buffer.
+  static constexpr int32_t Lanes(int32_t width) {
+    constexpr int32_t kWidest = INT32_MAX - kBlock;
+    return ((width < kWidest ? width : kWidest) + kBlock - 1) / kBlock * kBlock;
+  }
+  // Where sample `x` is among them.
+  static constexpr size_t Lane(size_t x) {
+    return x / kBlock * kBlock + x % 2 * (kBlock / 2) + x % kBlock / 2;
+  }
+
+  // Of each sample and its neighbours in a row: sample i is that of row[i],
+  // row[i + 1] and row[i + 2].
+  void (*along)(const uint8_t* row, size_t count, uint16_t* out);
+  // Of three rows.
+  void (*down)(const uint16_t* above, const uint16_t* row,
+               const uint16_t* below, size_t count, uint8_t* out);
+
+  // Both at once: `along` of a row, whose lanes come in place of those of the
+  // highest of three, and `down` of the three. `next` is where the next row is
+  // read and written.
+  struct Rows {
+    const uint8_t* in;
+    uint8_t* out;
+  };
+  void (*both)(const uint8_t* in, size_t count, uint16_t* highest,
+               const uint16_t* middle, uint8_t* out, Rows next);
 };
 
 }  // namespace zuqel

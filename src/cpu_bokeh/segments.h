@@ -6,12 +6,13 @@
 #include <bit>
 #include <cstdint>
 
+#include "cpu_bokeh/box_kernels.h"
 #include "cpu_bokeh/resize/row_resizer.h"
 
 namespace zuqel {
 
 // A row in at most 64 segments, all but the last equally long: a multiple of
-// the period of every change of size, and of whole vectors.
+// the period of every change of size, and of the boxes' blocks.
 class Segments {
  public:
   explicit Segments(int32_t width)
@@ -47,7 +48,8 @@ class Segments {
 
  private:
   static constexpr int32_t kShortest = 96;
-  static_assert(kShortest % RowResizer<uint8_t>::kStep == 0);
+  static_assert(kShortest % RowResizer<uint8_t>::kStep == 0 &&
+                kShortest % BoxKernels::kBlock == 0);
 
   int32_t width_;
   int32_t length_;
