@@ -17,25 +17,35 @@ inline T Between(T a, T b) {
                         8);
 }
 
-// (3 * near + far + 2) / 4 by averages of bytes: where the inner one drops a
-// half, the sum is odd, and the outer one rounds the same way.
-inline uint8_t Lean(uint8_t near, uint8_t far) {
-  const auto up = static_cast<uint8_t>((near + far + 1) >> 1);
-  const auto down = static_cast<uint8_t>(up - ((near ^ far) & 1));
-  return static_cast<uint8_t>((near + down + 1) >> 1);
+// Sets average bytes and round up. Down is up for inverted bytes: so rows lie
+// inverted between the passes.
+inline uint8_t Average(uint8_t a, uint8_t b) {
+  return static_cast<uint8_t>((a + b + 1) >> 1);
+}
+inline uint8_t Inverted(uint8_t a) {
+  return a ^ 0xFF;
+}
+
+// (3 * near + far + 2) / 4: where the inner average drops a half, the sum is
+// odd, and the outer one rounds the same way.
+inline uint8_t Lean(uint8_t near, uint8_t inverted_near, uint8_t inverted_far) {
+  return Average(near, Inverted(Average(inverted_near, inverted_far)));
 }
 
 void LeanRows(const uint8_t* near, const uint8_t* far, size_t count,
               uint8_t* __restrict out) {
-  for (size_t x = 0; x < count; ++x) out[x] = Lean(near[x], far[x]);
+  for (size_t x = 0; x < count; ++x) {
+    out[x] = Inverted(Lean(near[x], Inverted(near[x]), Inverted(far[x])));
+  }
 }
 
 void By2(const uint8_t* row, size_t count, uint8_t* __restrict out) {
   const uint8_t* before = row - 1;
   const uint8_t* next = row + 1;
   for (size_t x = 0; x < count; ++x) {
-    out[2 * x] = Lean(row[x], before[x]);
-    out[2 * x + 1] = Lean(row[x], next[x]);
+    const uint8_t sample = Inverted(row[x]);
+    out[2 * x] = Lean(sample, row[x], before[x]);
+    out[2 * x + 1] = Lean(sample, row[x], next[x]);
   }
 }
 

@@ -12,7 +12,7 @@ namespace zuqel {
 // lies between it and the one before, the others between it and the next one.
 // Sums are rounded to nearest.
 struct EnlargeKernels {
-  // The weights of a walk along the axis.
+  // The weights of a walk along the axis. By 2, `row` is inverted.
   void (*by_2)(const uint8_t* row, size_t count, uint8_t* out);
   void (*by_4)(const uint16_t* row, size_t count, uint8_t* out);
 
@@ -23,7 +23,7 @@ struct EnlargeKernels {
   // Three samples for each two of 2 * count.
   void (*by_3_halves)(const uint32_t* row, size_t count, uint16_t* out);
 
-  // (3 * near + far + 2) / 4 of two rows.
+  // (3 * near + far + 2) / 4 of two rows, inverted.
   void (*lean)(const uint8_t* near, const uint8_t* far, size_t count,
                uint8_t* out);
 };

@@ -147,7 +147,7 @@ inline __m256i Means(Halves, const uint8_t* const* rows, size_t x) {
                                   0xD8);
 }
 inline __m256i Means(Quarters, const uint8_t* const* rows, size_t x) {
-  const auto mean = [&](size_t at) {
+  const auto sum = [&](size_t at) {
     const __m256i a = Load(rows[0] + at), b = Load(rows[1] + at);
     const __m256i c = Load(rows[2] + at), d = Load(rows[3] + at);
     const __m256i ab = _mm256_avg_epu8(a, b), cd = _mm256_avg_epu8(c, d);
@@ -156,14 +156,16 @@ inline __m256i Means(Quarters, const uint8_t* const* rows, size_t x) {
     const __m256i excess = _mm256_and_si256(
         _mm256_and_si256(odd, _mm256_xor_si256(ab, cd)), _mm256_set1_epi8(1));
     const __m256i down = _mm256_sub_epi8(_mm256_avg_epu8(ab, cd), excess);
-    const __m256i sums =
-        _mm256_madd_epi16(PairSums(down), _mm256_set1_epi16(1));
-    return _mm256_srli_epi32(_mm256_add_epi32(sums, _mm256_set1_epi32(2)), 2);
+    return _mm256_madd_epi16(PairSums(down), _mm256_set1_epi16(1));
   };
-  const __m256i low = _mm256_packus_epi32(mean(x), mean(x + 32));
-  const __m256i high = _mm256_packus_epi32(mean(x + 64), mean(x + 96));
-  return _mm256_permutevar8x32_epi32(_mm256_packus_epi16(low, high),
-                                     _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
+  const auto means = [&](size_t at) {
+    const __m256i sums = _mm256_packus_epi32(sum(at), sum(at + 32));
+    // A product by 1/4 in 15 bits, rounded to nearest.
+    return _mm256_mulhrs_epi16(sums, _mm256_set1_epi16(1 << 13));
+  };
+  return _mm256_permutevar8x32_epi32(
+      _mm256_packus_epi16(means(x), means(x + 64)),
+      _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7));
 }
 
 template <typename Part>

@@ -74,6 +74,9 @@ class RowResizer {
   static constexpr size_t kLargestBlock = 6;
   // Samples kept before and after a combined row.
   static constexpr int32_t kMargin = AxisTaps::kPadded;
+  // Bytes before it: whole vectors, so that none lies across two cache lines.
+  static constexpr size_t kLead = 64;
+  static_assert(kMargin * sizeof(Lane<Sample>) <= kLead);
 
   using Reduce = typename ReduceKernels<Sample>::Reduce;
   using Along = void (*)(const Lane<Sample>* row, size_t count, Sample* out);
@@ -93,14 +96,14 @@ class RowResizer {
   void FinishByTaps(int32_t begin, int32_t end, Sample* out) const;
 
   [[nodiscard]] Lane<Sample>* lanes() const {
-    return reinterpret_cast<Lane<Sample>*>(row_.bytes()) + kMargin;
+    return reinterpret_cast<Lane<Sample>*>(row_.bytes() + kLead);
   }
   // A row of blocks, which has no second pass.
   [[nodiscard]] Sample* reduced() const {
     return reinterpret_cast<Sample*>(row_.bytes());
   }
   // A combined row where both axes double, which needs no wider samples.
-  [[nodiscard]] uint8_t* bytes() const { return row_.bytes() + kMargin; }
+  [[nodiscard]] uint8_t* bytes() const { return row_.bytes() + kLead; }
 
   ImageSize from_;
   ImageSize to_;
