@@ -1,12 +1,16 @@
-// Two sweeps over the marked pixels, a span of a row at a time, with running
-// sums of the seven pixels of each column.
+// Sweeps over the marked pixels, with running sums of windows over running sums
+// of their columns.
 #include "depth/boundary_blur.h"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstdlib>
 #include <cstring>
-#include <numeric>
+#include <optional>
+
+#include "base/kernel_set.h"
+#include "depth/boundary_kernels.h"
 
 namespace zuqel {
 namespace {
@@ -15,11 +19,9 @@ constexpr int32_t kReach = 3;
 constexpr int32_t kSide = 2 * kReach + 1;
 constexpr uint8_t kExcluded = 255;
 
-// A span's columns, and as many on each side as a window that has moved past
-// the span's end reaches.
-constexpr int32_t kMargin = kReach + 1;
-constexpr int32_t kColumns = 64;
-constexpr int32_t kSpan = kColumns - 2 * kMargin;
+// Columns outside the image: as many as a window reaches that has moved past
+// its last pixel.
+constexpr size_t kMargin = kReach + 1;
 
 // 2^20 / count, rounded up: the product with a sum of up to 255 * count gives
 // the truncated quotient in its upper bits, and fits uint32_t.
@@ -32,156 +34,156 @@ constexpr std::array<uint32_t, kSide* kSide + 1> kReciprocals = [] {
   return reciprocals;
 }();
 
-struct WindowSum {
-  uint32_t sum = 0;
-  uint32_t count = 0;
-};
-
-uint64_t LoadEightMarks(const uint8_t* marks) {
-  uint64_t eight = 0;
-  std::memcpy(&eight, marks, sizeof(eight));
-  return eight;
+// Bytes of a sum and a number for each column.
+std::optional<size_t> ColumnBytes(ImageSize size) {
+  constexpr int32_t kEach = sizeof(uint16_t) + sizeof(uint8_t);
+  const auto inside = ByteCount(size.width, 1, kEach);
+  return inside ? std::optional(*inside + size_t{kEach} * 2 * kMargin)
+                : std::nullopt;
 }
 
-// True if no pixel from `begin` up to `end` counts, in all rows that windows
-// around row `y` reach.
-bool AllAreExcluded(Plane<const uint8_t> marks, int32_t begin, int32_t end,
-                    int32_t y) {
-  const int32_t bottom = std::min(y + kReach, marks.height - 1);
-  for (int32_t row = std::max(y - kReach, 0); row <= bottom; ++row) {
-    uint64_t all = UINT64_MAX;
-    int32_t x = begin;
-    for (; x + 8 <= end; x += 8) all &= LoadEightMarks(marks.row(row) + x);
-    for (; x < end; ++x) all &= marks.row(row)[x] * 0x0101010101010101U;
-    if (all != UINT64_MAX) return false;
-  }
-  return true;
-}
+class Smoothing {
+ public:
+  // `memory` is zeros, one column after the other.
+  Smoothing(Plane<uint8_t> map, Plane<uint8_t> marks, uint8_t* memory)
+      : map_(map),
+        marks_(marks),
+        sums_(reinterpret_cast<uint16_t*>(memory) + kMargin),
+        numbers_(memory +
+                 sizeof(uint16_t) *
+                     (static_cast<size_t>(map.width) + 2 * kMargin) +
+                 kMargin) {}
 
-// Sums and numbers of the pixels that count, by column, starting `kMargin`
-// columns before the span. Columns outside the image are 0.
-struct Columns {
-  std::array<uint16_t, kColumns> sums = {};
-  std::array<uint8_t, kColumns> counts = {};
-
-  Columns(Plane<const uint8_t> map, Plane<const uint8_t> marks, int32_t begin,
-          int32_t y) {
-    const int32_t left = std::max(begin - kMargin, 0);
-    const int32_t right = std::min(begin - kMargin + kColumns, map.width);
-    const auto length = static_cast<size_t>(right - left);
-    const int32_t bottom = std::min(y + kReach, map.height - 1);
-    for (int32_t row = std::max(y - kReach, 0); row <= bottom; ++row) {
-      const uint8_t* values = map.row(row) + left;
-      const uint8_t* row_marks = marks.row(row) + left;
-      if (length == kColumns) {
-        AddRow(values, row_marks);
-        continue;
+  // True if no mark is left.
+  bool SweepForward() {
+    bool is_done = true;
+    for (int32_t y = 0; y < map_.height; ++y) {
+      const uint8_t* row = marks_.row(y);
+      for (int32_t x = 0; x < map_.width;) {
+        if (x + kLine <= map_.width && AreClear(row + x, kLine)) {
+          x += kLine;
+        } else if (x + kStep <= map_.width && AreClear(row + x, kStep)) {
+          x += kStep;
+        } else {
+          int32_t end = x;
+          while (end + kStep <= map_.width && !AreClear(row + end, kStep)) {
+            end += kStep;
+          }
+          if (end + kStep > map_.width) end = map_.width;
+          is_done &= Smooth<true>(x, end, y);
+          x = end;
+        }
       }
-      const auto first = static_cast<size_t>(left - (begin - kMargin));
-      std::array<uint8_t, kColumns> inside = {};
-      std::array<uint8_t, kColumns> inside_marks;
-      inside_marks.fill(kExcluded);
-      std::memcpy(inside.data() + first, values, length);
-      std::memcpy(inside_marks.data() + first, row_marks, length);
-      AddRow(inside.data(), inside_marks.data());
+    }
+    return is_done;
+  }
+  // Marks are seldom left.
+  void SweepBackward() {
+    for (int32_t y = map_.height - 1; y >= 0; --y) {
+      Smooth<false>(0, map_.width, y);
     }
   }
 
-  // A constant length vectorises without a remainder.
-  void AddRow(const uint8_t* values, const uint8_t* row_marks) {
-    for (size_t i = 0; i < kColumns; ++i) {
-      const uint8_t kept = row_marks[i] == kExcluded ? 0 : kExcluded;
-      sums[i] = static_cast<uint16_t>(sums[i] + (values[i] & kept));
-      counts[i] = static_cast<uint8_t>(counts[i] + (kept & 1));
+ private:
+  // Most pixels are not marked, and as many at a time are skipped.
+  static constexpr int32_t kLine = 64, kStep = 8;
+
+  static bool AreClear(const uint8_t* marks, int32_t count) {
+    uint64_t any = 0;
+    for (int32_t i = 0; i < count; i += kStep) {
+      uint64_t eight = 0;
+      std::memcpy(&eight, marks + i, sizeof(eight));
+      any |= eight;
+    }
+    return any == 0;
+  }
+
+  void Change(BoundaryKernels::Change change, int32_t y) {
+    if (y < 0 || y >= map_.height) return;
+    change(map_.row(y), marks_.row(y), static_cast<size_t>(map_.width), sums_,
+           numbers_);
+  }
+  // Makes the columns those of the windows around row `y`. Each pixel that has
+  // changed since has changed them, too.
+  void MoveTo(int32_t y) {
+    const auto& kernels = Kernels<BoundaryKernels>();
+    if (std::abs(y - y_) > kReach) {
+      const auto width = static_cast<size_t>(map_.width);
+      std::fill_n(sums_, width, uint16_t{0});
+      std::fill_n(numbers_, width, uint8_t{0});
+      for (int32_t i = -kReach; i <= kReach; ++i) Change(kernels.add, y + i);
+      y_ = y;
+    }
+    for (; y_ < y; ++y_) {
+      Change(kernels.remove, y_ - kReach);
+      Change(kernels.add, y_ + kReach + 1);
+    }
+    for (; y_ > y; --y_) {
+      Change(kernels.remove, y_ + kReach);
+      Change(kernels.add, y_ - kReach - 1);
     }
   }
 
-  void Update(size_t column, uint32_t change, bool is_new) {
-    sums[column] = static_cast<uint16_t>(sums[column] + change);
-    counts[column] = static_cast<uint8_t>(counts[column] + (is_new ? 1 : 0));
+  // Smooths the marked pixels of row `y` from `begin` up to `end`, or the other
+  // way round. True if none has kept its mark.
+  template <bool kForward>
+  bool Smooth(int32_t begin, int32_t end, int32_t y) {
+    MoveTo(y);
+    constexpr ptrdiff_t kOn = kForward ? 1 : -1;
+    uint8_t* values = map_.row(y);
+    uint8_t* row_marks = marks_.row(y);
+    ptrdiff_t x = kForward ? begin : end - 1;
+    uint32_t sum = 0, number = 0;
+    for (ptrdiff_t i = x - kReach; i <= x + kReach; ++i) {
+      sum += sums_[i];
+      number += numbers_[i];
+    }
+    bool is_done = true;
+    for (int32_t i = begin; i < end; ++i, x += kOn) {
+      const ptrdiff_t entering = x + kOn * (kReach + 1);
+      const ptrdiff_t leaving = x - kOn * kReach;
+      // All that the next window's sum does not need the mean for. It may wrap.
+      uint32_t rest = sum + sums_[entering] - sums_[leaving];
+      uint32_t mean = 0;
+      const uint8_t mark = row_marks[x];
+      if (mark != 0 && number != 0) {
+        const uint32_t is_new = mark == kExcluded ? 1 : 0;
+        mean = sum * kReciprocals[number] >> kQuotientBits;
+        const uint32_t before = is_new != 0 ? 0U : values[x];
+        rest -= before;
+        sums_[x] = static_cast<uint16_t>(sums_[x] + mean - before);
+        numbers_[x] = static_cast<uint8_t>(numbers_[x] + is_new);
+        number += is_new;
+        values[x] = static_cast<uint8_t>(mean);
+        row_marks[x] = 0;
+      }
+      is_done &= row_marks[x] == 0;
+      sum = rest + mean;
+      number += uint32_t{numbers_[entering]} - numbers_[leaving];
+    }
+    return is_done;
   }
 
-  // The window around a column.
-  [[nodiscard]] WindowSum Window(size_t column) const {
-    WindowSum window;
-    for (size_t i = column - kReach; i <= column + kReach; ++i) Add(i, window);
-    return window;
-  }
-
-  void Add(size_t column, WindowSum& window) const {
-    window.sum += sums[column];
-    window.count += counts[column];
-  }
-
-  void Remove(size_t column, WindowSum& window) const {
-    window.sum -= sums[column];
-    window.count -= counts[column];
-  }
+  Plane<uint8_t> map_;
+  Plane<uint8_t> marks_;
+  // By column of the image.
+  uint16_t* sums_;
+  uint8_t* numbers_;
+  int32_t y_ = INT32_MIN / 2;  // far from each row
 };
-
-// Smooths the marked pixels of row `y` from `begin` up to `end`, at most kSpan,
-// or the other way round.
-template <bool kForward>
-void SmoothSpan(Plane<uint8_t> map, Plane<uint8_t> marks, int32_t begin,
-                int32_t end, int32_t y) {
-  // One column more than windows reach, on both sides: whole words.
-  if (AllAreExcluded(marks, std::max(begin - kMargin, 0),
-                     std::min(begin - kMargin + kColumns, map.width), y)) {
-    return;
-  }
-  Columns columns(map, marks, begin, y);
-  uint8_t* values = map.row(y) + begin;
-  uint8_t* row_marks = marks.row(y) + begin;
-  const auto length = static_cast<size_t>(end - begin);
-  size_t x = kForward ? 0 : length - 1;
-  WindowSum window = columns.Window(x + kMargin);
-  for (size_t i = 0; i < length; ++i) {
-    const size_t column = x + kMargin;
-    if (row_marks[x] != 0 && window.count != 0) {
-      const bool is_new = row_marks[x] == kExcluded;
-      const uint32_t mean =
-          window.sum * kReciprocals[window.count] >> kQuotientBits;
-      const uint32_t change = mean - (is_new ? 0U : values[x]);  // may wrap
-      window.sum += change;
-      window.count += is_new ? 1 : 0;
-      columns.Update(column, change, is_new);
-      values[x] = static_cast<uint8_t>(mean);
-      row_marks[x] = 0;
-    }
-    columns.Add(kForward ? column + kMargin : column - kMargin, window);
-    columns.Remove(kForward ? column - kReach : column + kReach, window);
-    x += kForward ? 1 : size_t{0} - 1;
-  }
-}
 
 }  // namespace
 
-// Most pixels are not marked: eight at a time are skipped.
-void BoundaryBlur(Plane<uint8_t> map, Plane<uint8_t> marks) {
-  for (int32_t y = 0; y < map.height; ++y) {
-    const uint8_t* row = marks.row(y);
-    for (int32_t x = 0; x < map.width;) {
-      if (x + 8 <= map.width && LoadEightMarks(row + x) == 0) {
-        x += 8;
-        continue;
-      }
-      const int32_t end = std::min(x + kSpan, map.width);
-      SmoothSpan<true>(map, marks, x, end, y);
-      x = end;
-    }
-  }
-  for (int32_t y = map.height - 1; y >= 0; --y) {
-    const uint8_t* row = marks.row(y);
-    for (int32_t end = map.width; end > 0;) {
-      if (end >= 8 && LoadEightMarks(row + end - 8) == 0) {
-        end -= 8;
-        continue;
-      }
-      const int32_t begin = std::max(end - kSpan, 0);
-      SmoothSpan<false>(map, marks, begin, end, y);
-      end = begin;
-    }
-  }
+bool ReserveBoundaryBlur(ImageSize size, Buffer& scratch) {
+  return scratch.Reserve(ColumnBytes(size));
+}
+
+bool BoundaryBlur(Plane<uint8_t> map, Plane<uint8_t> marks, Buffer& scratch) {
+  if (!ReserveBoundaryBlur(map.extent(), scratch)) return false;
+  std::memset(scratch.bytes(), 0, *ColumnBytes(map.extent()));
+  Smoothing smoothing(map, marks, scratch.bytes());
+  if (!smoothing.SweepForward()) smoothing.SweepBackward();
+  return true;
 }
 
 }  // namespace zuqel

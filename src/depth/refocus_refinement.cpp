@@ -11,22 +11,7 @@ namespace zuqel {
 namespace {
 
 constexpr uint8_t kSharpBelow = 128;
-constexpr uint8_t kMarked = 255;
 constexpr uint8_t kChangeRadius = 2;
-
-void MarkChanges(Plane<const uint8_t> before, Plane<const uint8_t> after,
-                 Plane<uint8_t> changes) {
-  for (size_t i = 0; i < changes.size(); ++i) {
-    const uint8_t mark = before.data[i] != after.data[i] ? kMarked : 0;
-    changes.data[i] = changes.data[i] | mark;
-  }
-}
-
-void Complement(Plane<const uint8_t> in, Plane<uint8_t> out) {
-  for (size_t i = 0; i < out.size(); ++i) {
-    out.data[i] = static_cast<uint8_t>(~in.data[i]);
-  }
-}
 
 }  // namespace
 
@@ -35,7 +20,7 @@ bool RefinementScratch::Reserve(ImageSize size) {
     if (!buffer->Reserve(ByteCount(size, 1))) return false;
   }
   return ReserveSquareFilter(size, kChangeRadius, dilation) &&
-         cleanup.Reserve(size);
+         ReserveBoundaryBlur(size, smoothing) && cleanup.Reserve(size);
 }
 
 bool RefineRefocusMap(Plane<const uint8_t> in, MaskPoint focus,
@@ -52,21 +37,24 @@ bool RefineRefocusMap(Plane<const uint8_t> in, MaskPoint focus,
   for (size_t i = 0; i < in.size(); ++i) {
     a.data[i] = in.data[i] < kSharpBelow ? 255 : 0;
   }
-  std::memset(changes.data, 0, changes.size());
   if (!PruneComponents(a, focus, /*keep_only_focus=*/true, scratch.cleanup, b,
                        nullptr)) {
     return false;
   }
-  MarkChanges(a, b, changes);
-  Complement(b, a);
+  // Masks of 0 and 255 differ by 255.
+  for (size_t i = 0; i < in.size(); ++i) {
+    changes.data[i] = a.data[i] ^ b.data[i];
+    a.data[i] = static_cast<uint8_t>(~b.data[i]);
+  }
   if (!KeepFocusAndBorderComponents(a, focus, scratch.cleanup, b)) return false;
-  MarkChanges(a, b, changes);
+  for (size_t i = 0; i < in.size(); ++i) {
+    changes.data[i] |= a.data[i] ^ b.data[i];
+  }
   if (!DilateMask(changes, kChangeRadius, scratch.dilation, marks)) {
     return false;
   }
   if (in.size() > 0) std::memmove(out.data, in.data, in.size());
-  BoundaryBlur(out, marks);
-  return true;
+  return BoundaryBlur(out, marks, scratch.smoothing);
 }
 
 }  // namespace zuqel

@@ -18,6 +18,7 @@ struct RefinementScratch {
   Buffer changes;
   Buffer dilated_changes;
   Buffer dilation;
+  Buffer smoothing;
   CleanupScratch cleanup;
 
   // Makes room for all that refining maps of this size needs, so that it cannot
