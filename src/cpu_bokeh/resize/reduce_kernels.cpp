@@ -172,14 +172,14 @@ template <typename Part>
 void ReduceBytes(const uint8_t* const* rows, size_t count,
                  uint8_t* __restrict out) {
   constexpr size_t kStore = 32;
-  const uint8_t* at[Part::kCount];
-  for (size_t i = 0; i < Part::kCount; ++i) at[i] = rows[i];
   size_t x = 0;
   for (; x + kStore <= count; x += kStore) {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(out + x),
-                        Means(Part(), at, Part::kCount * x));
+                        Means(Part(), rows, Part::kCount * x));
   }
-  for (const uint8_t*& row : at) row += Part::kCount * x;
+  if (x == count) return;
+  const uint8_t* at[Part::kCount];
+  for (size_t i = 0; i < Part::kCount; ++i) at[i] = rows[i] + Part::kCount * x;
   ReduceStretch<Part>(at, count - x, out + x);
 }
 template <>
