@@ -17,6 +17,11 @@ inline uint16_t Third(uint16_t a, uint16_t b, uint16_t c = 0) {
 constexpr size_t kBlock = BoxKernels::kBlock;
 constexpr size_t kPairs = kBlock / 2;
 
+// The lane of sample `x`.
+inline size_t Lane(size_t x) {
+  return x / kBlock * kBlock + x % 2 * kPairs + x % kBlock / 2;
+}
+
 struct Pair {
   uint16_t even, odd;
 };
@@ -44,7 +49,7 @@ void Along(const uint8_t* __restrict row, size_t count,
   AlongBlock(row + x, (count - x) / 2, out + x);
   if (count % 2 == 0) return;
   const uint8_t* last = row + count - 1;
-  out[BoxKernels::Lane(count - 1)] = Third(last[0], last[1], last[2]);
+  out[Lane(count - 1)] = Third(last[0], last[1], last[2]);
 }
 
 [[gnu::always_inline]] inline void DownBlock(const uint16_t* above,
@@ -68,7 +73,7 @@ void Down(const uint16_t* __restrict above, const uint16_t* __restrict row,
   }
   DownBlock(above + x, row + x, below + x, (count - x) / 2, out + x);
   if (count % 2 == 0) return;
-  const size_t last = BoxKernels::Lane(count - 1);
+  const size_t last = Lane(count - 1);
   out[count - 1] =
       static_cast<uint8_t>(Third(above[last], row[last], below[last]));
 }
@@ -96,9 +101,9 @@ void Both(const uint8_t* __restrict in, size_t count,
   for (; x + 2 * kBlock <= count; x += 2 * kBlock) {
     __builtin_prefetch(next.in + x, /*rw=*/0);
     __builtin_prefetch(next.out + x, /*rw=*/1);
-    const size_t y = x + kBlock;
-    BothBlock(in + x, kPairs, highest + x, middle + x, out + x);
-    BothBlock(in + y, kPairs, highest + y, middle + y, out + y);
+    for (size_t i = x; i < x + 2 * kBlock; i += kBlock) {
+      BothBlock(in + i, kPairs, highest + i, middle + i, out + i);
+    }
   }
   for (; x < count; x += kBlock) {
     const size_t pairs = (count - x) / 2;
@@ -106,7 +111,7 @@ void Both(const uint8_t* __restrict in, size_t count,
               out + x);
   }
   if (count % 2 == 0) return;
-  const size_t last = BoxKernels::Lane(count - 1);
+  const size_t last = Lane(count - 1);
   const uint16_t lowest = Third(in[count - 1], in[count], in[count + 1]);
   out[count - 1] =
       static_cast<uint8_t>(Third(highest[last], middle[last], lowest));

@@ -20,11 +20,6 @@ struct BoxKernels {
     constexpr int32_t kWidest = INT32_MAX - kBlock;
     return ((width < kWidest ? width : kWidest) + kBlock - 1) / kBlock * kBlock;
   }
-  // Where sample `x` is among them.
-  static constexpr size_t Lane(size_t x) {
-    return x / kBlock * kBlock + x % 2 * (kBlock / 2) + x % kBlock / 2;
-  }
-
   // Of each sample and its neighbours in a row: sample i is that of row[i],
   // row[i + 1] and row[i + 2].
   void (*along)(const uint8_t* row, size_t count, uint16_t* out);
