@@ -20,6 +20,7 @@ struct BoxKernels {
     constexpr int32_t kWidest = INT32_MAX - kBlock;
     return ((width < kWidest ? width : kWidest) + kBlock - 1) / kBlock * kBlock;
   }
+
   // Of each sample and its neighbours in a row: sample i is that of row[i],
   // row[i + 1] and row[i + 2].
   void (*along)(const uint8_t* row, size_t count, uint16_t* out);
