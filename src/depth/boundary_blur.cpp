@@ -44,7 +44,7 @@ std::optional<size_t> ColumnBytes(ImageSize size) {
 
 class Smoothing {
  public:
-  // `memory` is zeros, one column after the other.
+  // `memory` is ColumnBytes() zeros.
   Smoothing(Plane<uint8_t> map, Plane<uint8_t> marks, uint8_t* memory)
       : map_(map),
         marks_(marks),
