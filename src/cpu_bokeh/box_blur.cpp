@@ -161,9 +161,9 @@ void BlurBy1(Plane<const uint8_t> in, const Buffer& scratch,
   const auto width = static_cast<size_t>(in.width);
   const int32_t last = in.height - 1;
   const bool is_in_place = in.data == out.data;
-  // A row that has a sample on either side: the wrong one, but ends are made
-  // apart.
-  const auto neighboured = [&](int32_t y) -> const uint8_t* {
+  // A row with a sample on either side. Which ones does not matter: ends are
+  // made apart.
+  const auto with_neighbours = [&](int32_t y) -> const uint8_t* {
     const uint8_t* row = in.row(y);
     if (y > 0 && y < last && !is_in_place) return row;
     return static_cast<uint8_t*>(std::memcpy(padded + 1, row, width));
@@ -171,7 +171,7 @@ void BlurBy1(Plane<const uint8_t> in, const Buffer& scratch,
   RowEnds ends(width);
   std::array<uint16_t*, 2> rows = {lanes, lanes + BoxKernels::Lanes(in.width)};
   const auto begin = [&](uint16_t* row) {
-    box.along(neighboured(0) - 1, width, row);
+    box.along(with_neighbours(0) - 1, width, row);
     ends.Add(in.row(0));
   };
   begin(rows[0]);
@@ -179,7 +179,7 @@ void BlurBy1(Plane<const uint8_t> in, const Buffer& scratch,
   for (int32_t y = 0; y <= last; ++y) {
     const int32_t below = std::min(y + 1, last);
     ends.Add(in.row(below));
-    box.both(neighboured(below) - 1, width, rows[0], rows[1], out.row(y),
+    box.both(with_neighbours(below) - 1, width, rows[0], rows[1], out.row(y),
              {in.row(std::min(y + 2, last)), out.row(below)});
     ends.Blur(out.row(y));
     std::swap(rows[0], rows[1]);
